@@ -1,0 +1,69 @@
+// What the stages of an image service found, for a host that draws or judges it.
+#pragma once
+
+#include <cstdint>
+
+#include "analysis/border_records.h"
+#include "analysis/corner_solver.h"
+
+namespace vorlanepic {
+
+// How far a driver came; each stage was reached with all earlier ones done.
+enum class PageStage : int32_t {
+  kNothing,
+  kThreshold,
+  kBand,
+  kRowScan,
+  kColumnScan,
+  kEdges,    // pruned rotation
+  kCorners,  // pruned rotation
+  kVote,     // deskew-crop
+  kContent,  // deskew-crop and line-guided: content rectangle of the source
+  kTurned,   // the page was turned
+  kCropped,  // deskew-crop and line-guided: the turned page was cut to its content
+};
+
+// One border's part in the skew vote.
+struct BorderVote {
+  bool hasAngle = false;
+  double angle = 0.0;  // degrees
+  int32_t votes = 0;
+  BorderLine line;  // the line that won them
+};
+
+// Columns left..right and rows top..bottom of content, inclusive.
+struct ContentBounds {
+  int32_t left;
+  int32_t right;
+  int32_t top;
+  int32_t bottom;
+};
+
+// The scratch of one call. A driver makes its own and drops it at the end, or, when
+// settings.pageRecords is set, fills and leaves the host's.
+struct PageRecords {
+  PageStage stage = PageStage::kNothing;  // the last stage that succeeded
+  int32_t threshold = 0;                  // in effect: given or estimated
+  GreyBand levels{};
+  ScanBand band{};
+  ExtremePoints extremes{};
+  BorderTraces traces;
+
+  // Pruned rotation.
+  int32_t straightness = 1;
+  DocumentEdges edges;
+  DocumentGeometry geometry;
+
+  // Deskew-crop: votes in the order left, right, top, bottom.
+  BorderVote votes[4];
+  int32_t bestBorder = -1;
+
+  // Deskew-crop and line-guided.
+  ContentBounds content{};        // in the source
+  ContentBounds turnedContent{};  // in the turned image
+  int32_t turnedWidth = 0;        // size of the turned image, before the cut
+  int32_t turnedHeight = 0;
+  double degrees = 0.0;  // the turn
+};
+
+}  // namespace vorlanepic

@@ -1,0 +1,7 @@
+#include "frame/settings.h"
+
+namespace vorlanepic {
+
+Settings settings{};
+
+}  // namespace vorlanepic

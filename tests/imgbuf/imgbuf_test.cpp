@@ -1,0 +1,136 @@
+#include "vorlanepic/imgbuf.h"
+
+#include <cstring>
+#include <string>
+#include <thread>
+
+#include <gtest/gtest.h>
+
+#include "support/failing_heap.h"
+
+namespace {
+
+struct ShapeCase {
+  const char* name;
+  int32_t width;
+  int32_t height;
+  int32_t bitsPerPixel;
+  int32_t status;
+};
+
+class ImgbufShapeTest : public testing::TestWithParam<ShapeCase> {};
+
+TEST_P(ImgbufShapeTest, MakesPossibleShapesAndRefusesOthers) {
+  const ShapeCase& shape = GetParam();
+  ImageRec image{};
+  EXPECT_EQ(Imgbuf_New(&image, shape.width, shape.height, shape.bitsPerPixel, 0), shape.status);
+  EXPECT_EQ(image.pixels != nullptr, shape.status == 0);
+  if (shape.status == 0) Imgbuf_Destory(&image);
+  DibRec dib{};
+  EXPECT_EQ(ImgbufNew(&dib, shape.width, shape.height, shape.bitsPerPixel), shape.status);
+  EXPECT_EQ(dib.bits != nullptr, shape.status == 0);
+  if (shape.status == 0) ImgbufDestory(&dib);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Shapes, ImgbufShapeTest,
+    testing::Values(ShapeCase{"OnePixel", 1, 1, 1, 0}, ShapeCase{"Grey", 33, 7, 8, 0},
+                    ShapeCase{"Colour", 5, 3, 24, 0}, ShapeCase{"OtherDepth", 9, 2, 4, 0},
+                    ShapeCase{"NoWidth", 0, 5, 8, 1}, ShapeCase{"NegativeHeight", 5, -1, 8, 1},
+                    ShapeCase{"UnknownDepth", 5, 5, 7, 1},
+                    ShapeCase{"MoreThanTwoGibibytes", 65536, 32768, 8, 1},
+                    ShapeCase{"AbsurdSize", INT32_MAX, INT32_MAX, 32, 1}),
+    [](const auto& shape) { return std::string(shape.param.name); });
+
+TEST(ImgbufNew, LaysRowsOutPaddedAndZeroed) {
+  // 1000 x 3000 needs large pages, 10 x 3 does not.
+  for (const auto& [width, height] : {std::pair{10, 3}, std::pair{1001, 3000}}) {
+    ImageRec image{};
+    ASSERT_EQ(Imgbuf_New(&image, width, height, 24, 1), 0);
+    EXPECT_EQ(Imgbuf_Check(&image), 0);
+    EXPECT_EQ(image.lineBytes, (width * 3 + 3) / 4 * 4);
+    EXPECT_EQ(image.imageBytes, image.lineBytes * height);
+    for (int32_t y = 0; y < height; ++y) {
+      ASSERT_EQ(image.rows[y], image.pixels + ptrdiff_t{y} * image.lineBytes);
+    }
+    EXPECT_EQ(image.pixels[0], 0);
+    EXPECT_EQ(
+        std::memcmp(image.pixels, image.pixels + 1, static_cast<size_t>(image.imageBytes) - 1), 0);
+    std::memset(image.pixels, 0xFF, static_cast<size_t>(image.imageBytes));
+    EXPECT_EQ(Imgbuf_Destory(&image), 0);
+    EXPECT_EQ(image.pixels, nullptr);
+    EXPECT_EQ(Imgbuf_Destory(&image), 1);
+  }
+}
+
+TEST(ImgbufCheck, RefusesRecordsThatCannotBeUsed) {
+  uint8_t pixels[40] = {};
+  uint8_t* rows[2] = {pixels, pixels + 20};
+  const ImageRec good{20, 2, 8, 40, 20, rows, pixels};
+  EXPECT_EQ(Imgbuf_Check(&good), 0);
+  EXPECT_EQ(Imgbuf_Check(nullptr), 1);
+  for (auto spoil :
+       {+[](ImageRec& r) { r.rows = nullptr; }, +[](ImageRec& r) { r.pixels = nullptr; },
+        +[](ImageRec& r) { r.width = 0; }, +[](ImageRec& r) { r.height = -2; },
+        +[](ImageRec& r) { r.bitsPerPixel = 12; }, +[](ImageRec& r) { r.width = 21; },
+        +[](ImageRec& r) { r.imageBytes = 41; }, +[](ImageRec& r) { r.bitsPerPixel = 24; },
+        +[](ImageRec& r) { r.lineBytes = INT32_MAX; }}) {
+    ImageRec bad = good;
+    spoil(bad);
+    EXPECT_EQ(Imgbuf_Check(&bad), 1);
+  }
+}
+
+TEST(DibImage, IsABitmapFileInMemory) {
+  DibRec dib{};
+  ASSERT_EQ(ImgbufNew(&dib, 10, 4, 8), 0);
+  EXPECT_EQ(ImgbufCheck(&dib), 0);
+  uint32_t fileBytes = 0;
+  uint32_t pixelOffset = 0;
+  std::memcpy(&fileBytes, dib.fileHeader + 2, 4);
+  std::memcpy(&pixelOffset, dib.fileHeader + 10, 4);
+  EXPECT_EQ(dib.fileHeader[0], 'B');
+  EXPECT_EQ(dib.fileHeader[1], 'M');
+  EXPECT_EQ(pixelOffset, 14U + 40U + 1024U);
+  EXPECT_EQ(fileBytes, pixelOffset + 12U * 4U);
+  EXPECT_EQ(dib.bits, dib.fileHeader + pixelOffset);
+  EXPECT_EQ(dib.infoHeader[40 + 4 * 200], 200);  // the ramp
+  EXPECT_EQ(ImgbufDestory(&dib), 0);
+  EXPECT_EQ(ImgbufDestory(&dib), 1);
+}
+
+TEST(DibImage, CheckRefusesImpossibleHeaders) {
+  DibRec dib{};
+  ASSERT_EQ(ImgbufNew(&dib, 10, 4, 8), 0);
+  const int32_t bottomUp = -4;
+  std::memcpy(dib.infoHeader + 8, &bottomUp, 4);
+  EXPECT_EQ(ImgbufCheck(&dib), 1);
+  const int32_t absurd = INT32_MAX;
+  std::memcpy(dib.infoHeader + 8, &absurd, 4);
+  EXPECT_EQ(ImgbufCheck(&dib), 1);
+  EXPECT_EQ(ImgbufCheck(nullptr), 1);
+  ImgbufDestory(&dib);
+}
+
+TEST(ImgbufNew, ReportsExhaustedMemoryAndLeavesTheRecord) {
+  const vorlanepic::testing::FailingHeap heap(0);
+  ImageRec image{};
+  EXPECT_EQ(Imgbuf_New(&image, 10, 10, 8, 0), 2);
+  EXPECT_EQ(image.pixels, nullptr);
+}
+
+TEST(ImgbufNew, ServesTwoThreadsAtOnce) {
+  const auto work = [] {
+    for (int i = 0; i < 200; ++i) {
+      ImageRec image{};
+      ASSERT_EQ(Imgbuf_New(&image, 40 + i * 20, 500, 8, 0), 0);
+      image.rows[499][0] = 1;
+      ASSERT_EQ(Imgbuf_Destory(&image), 0);
+    }
+  };
+  std::thread other(work);
+  work();
+  other.join();
+}
+
+}  // namespace
