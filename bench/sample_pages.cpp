@@ -68,16 +68,22 @@ void DrawLetter(ByteImage& image, int32_t left, int32_t top, int32_t width, int3
   }
 }
 
-ByteImage BlankLetterSheet() {
-  constexpr int32_t kWidth = 2550;
-  constexpr int32_t kHeight = 3300;
-  return {kWidth, kHeight, std::vector<uint8_t>(static_cast<size_t>(kWidth) * kHeight)};
+ByteImage BlankLetterSheet(double megapixels) {
+  const double side = std::sqrt(megapixels / kLetterSheet);
+  const auto width = static_cast<int32_t>(std::lround(2550 * side));
+  const auto height = static_cast<int32_t>(std::lround(3300 * side));
+  return {width, height,
+          std::vector<uint8_t>(static_cast<size_t>(width) * static_cast<size_t>(height))};
+}
+
+void PutLittleEndian(uint8_t* at, uint32_t value, int32_t bytes) {
+  for (int32_t i = 0; i < bytes; ++i) at[i] = static_cast<uint8_t>(value >> (8 * i));
 }
 
 }  // namespace
 
-ByteImage DenseText() {
-  ByteImage image = BlankLetterSheet();
+ByteImage DenseText(double megapixels) {
+  ByteImage image = BlankLetterSheet(megapixels);
   std::mt19937 random(1);
   std::uniform_int_distribution<int32_t> letterWidth(10, 20);
   std::uniform_int_distribution<int32_t> letterHeight(16, 22);
@@ -94,12 +100,24 @@ ByteImage DenseText() {
   return image;
 }
 
-ByteImage Noise() {
-  ByteImage image = BlankLetterSheet();
+ByteImage Noise(double megapixels) {
+  ByteImage image = BlankLetterSheet(megapixels);
   std::mt19937 random(1);
   std::uniform_int_distribution<int32_t> oneIn(0, 9);
   for (uint8_t& pixel : image.pixels) pixel = oneIn(random) == 0 ? 255 : 0;
   return image;
+}
+
+DibView::DibView(const ImageRec& image, int32_t dotsPerInch) {
+  // The least number of pixels per metre that comes to these dots.
+  const int32_t pixelsPerMetre = (dotsPerInch * 10000 + 253) / 254;
+  PutLittleEndian(infoHeader_, sizeof infoHeader_, 4);
+  PutLittleEndian(infoHeader_ + 4, static_cast<uint32_t>(image.width), 4);
+  PutLittleEndian(infoHeader_ + 8, static_cast<uint32_t>(image.height), 4);
+  PutLittleEndian(infoHeader_ + 12, 1, 2);
+  PutLittleEndian(infoHeader_ + 14, static_cast<uint32_t>(image.bitsPerPixel), 2);
+  PutLittleEndian(infoHeader_ + 24, static_cast<uint32_t>(pixelsPerMetre), 4);
+  rec_ = {fileHeader_, infoHeader_, nullptr, image.pixels};
 }
 
 TestImage AtDepth(const TestImage& grey, int32_t bitsPerPixel) {

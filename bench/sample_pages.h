@@ -31,11 +31,31 @@ struct ByteImage {
   std::vector<uint8_t> pixels;
 };
 
-// Close print, 2550 x 3300 at 300 dots per inch: some 10,000 letters, 255 on 0, each one block.
-ByteImage DenseText();
+// Close print on a letter sheet: letters of 255 on 0, each one block. At 8.415 megapixels the sheet
+// is 2550 x 3300, 300 dots per inch, and holds some 10,000 letters; the print keeps its size.
+ByteImage DenseText(double megapixels);
 
-// 2550 x 3300 pixels of which every tenth, at random, is 255.
-ByteImage Noise();
+// A letter sheet of which every tenth pixel, at random, is 255.
+ByteImage Noise(double megapixels);
+
+// The sheet on which ours and the peers' block functions are compared.
+inline constexpr double kLetterSheet = 8.415;
+
+// Looks at an image as a device-independent one whose rows happen to stand upside down.
+class DibView {
+ public:
+  // `image` outlives the view; its rows are padded to 4 bytes and no further.
+  DibView(const ImageRec& image, int32_t dotsPerInch);
+  DibView(const DibView&) = delete;
+  DibView& operator=(const DibView&) = delete;
+
+  const DibRec* rec() const { return &rec_; }
+
+ private:
+  uint8_t fileHeader_[14] = {'B', 'M'};
+  uint8_t infoHeader_[40] = {};
+  DibRec rec_{};
+};
 
 // The same page at another depth, drawn once and converted: 24 bits get three equal bytes, 1 bit
 // the levels above 127.

@@ -188,8 +188,8 @@ void CompareAllBlocks(int32_t rounds) {
   std::printf("| image | by | median ms | least ms | times ours | found |\n");
   std::printf("|---|---|--:|--:|--:|---|\n");
   SetOpenCvThreads(1);
-  CompareBlocks("text, 2550 × 3300", DenseText(), rounds);
-  CompareBlocks("noise, a tenth set", Noise(), rounds);
+  CompareBlocks("text, 2550 × 3300", DenseText(kLetterSheet), rounds);
+  CompareBlocks("noise, a tenth set", Noise(kLetterSheet), rounds);
   SetOpenCvThreads(kOpenCvThreads);
   std::printf("\n");
 }
