@@ -105,6 +105,10 @@ ByteImage Noise(double megapixels) {
   std::mt19937 random(1);
   std::uniform_int_distribution<int32_t> oneIn(0, 9);
   for (uint8_t& pixel : image.pixels) pixel = oneIn(random) == 0 ? 255 : 0;
+  for (int32_t y = 0; y < image.height; ++y) {
+    uint8_t* rowEnd = image.pixels.data() + static_cast<ptrdiff_t>(y + 1) * image.width;
+    rowEnd[-1] = rowEnd[-2] = 0;
+  }
   return image;
 }
 

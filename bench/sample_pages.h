@@ -35,7 +35,8 @@ struct ByteImage {
 // is 2550 x 3300, 300 dots per inch, and holds some 10,000 letters; the print keeps its size.
 ByteImage DenseText(double megapixels);
 
-// A letter sheet of which every tenth pixel, at random, is 255.
+// A letter sheet of which every tenth pixel, at random, is 255. The last two columns are empty:
+// ours counts the pixel behind a run that comes to the last column.
 ByteImage Noise(double megapixels);
 
 // The sheet on which ours and the peers' block functions are compared.
