@@ -1,0 +1,100 @@
+#include "omr/block_marking.h"
+
+#include <algorithm>
+
+#include "omr/block_growth.h"
+#include "omr/row_runs.h"
+
+namespace vorlanepic {
+namespace {
+
+// How many pixels of a run, from its start on, count for its range of values. The pixel at the last
+// column is taken into a run unseen, and so are the gap and the later runs that joining adds.
+template <typename Foreground>
+size_t SeenPixels(const Foreground& foreground, const uint8_t* row, const PixelRun& run,
+                  int32_t lastColumn, bool joins) {
+  int32_t end = std::max(std::min(run.end, lastColumn), run.start + 1);
+  if (joins) {
+    int32_t x = run.start + 1;
+    while (x < end && foreground.Has(row[x])) ++x;
+    end = x;
+  }
+  return static_cast<size_t>(end - run.start);
+}
+
+template <typename Foreground>
+int32_t GrowBlocks(const Foreground& foreground, const GreyView& image, const BlockMarkParam& param,
+                   const ScanArea& area, BlockGrowth* growth) {
+  const int32_t columns = area.lastColumn - area.firstColumn + 1;
+  const int32_t rows = columns > 0 ? area.lastRow - area.firstRow + 1 : 0;
+  if (!growth->Begin(area.firstRow, static_cast<size_t>(std::max(rows, 0)))) return OUT_OF_MEMORY;
+  const bool joins = param.joinGap != 0;
+  for (int32_t i = 0; i < rows; ++i) {
+    if (!growth->ReserveRow(MaxRuns(columns))) return OUT_OF_MEMORY;
+    const uint8_t* row = image.Row(area.firstRow + i);
+    PixelRun* runs = growth->nextRuns();
+    const size_t cut = CutRow(foreground, row, area.firstColumn, area.lastColumn, runs);
+    growth->LinkRow(FilterRuns(param, runs, cut));
+    const size_t end = growth->RowStart(static_cast<size_t>(i) + 1);
+    for (size_t r = growth->RowStart(static_cast<size_t>(i)); r < end; ++r) {
+      const PixelRun& run = growth->run(r);
+      growth->WidenValues(r, row + run.start,
+                          SeenPixels(foreground, row, run, area.lastColumn, joins),
+                          image.BytesFrom(run.start, area.firstRow + i));
+    }
+  }
+  return STATUS_OK;
+}
+
+bool IsConsistent(const BlockSetRec& set) {
+  return set.count >= 0 && set.count <= std::max(set.capacity, 0) &&
+         (set.blocks != nullptr || set.count == 0);
+}
+
+template <typename Foreground>
+int32_t MarkForHost(const Foreground& foreground, const GreyView& image,
+                    const BlockMarkParam& param, const BlockRect& rect, BlockSetRec* set) {
+  const SearchRect search{rect.x, rect.y, rect.w, rect.h};
+  return MarkBlocks(foreground, image, param, search, 0, set);
+}
+
+}  // namespace
+
+template <typename Foreground>
+int32_t MarkBlocks(const Foreground& foreground, const GreyView& image, const BlockMarkParam& param,
+                   const SearchRect& rect, int32_t shortestDiagonal, BlockSetRec* set) {
+  ScanArea area{};
+  if (!ClipToImage(rect, image.width, image.height, &area)) return BAD_ARGUMENT;
+  if (!IsConsistent(*set)) return kInconsistentSet;
+  BlockGrowth growth;
+  const int32_t status = GrowBlocks(foreground, image, param, area, &growth);
+  if (status != STATUS_OK) return status;
+  return HandBack(&growth, shortestDiagonal, set);
+}
+
+template int32_t MarkBlocks(const DarkPixels&, const GreyView&, const BlockMarkParam&,
+                            const SearchRect&, int32_t, BlockSetRec*);
+template int32_t MarkBlocks(const NonZeroPixels&, const GreyView&, const BlockMarkParam&,
+                            const SearchRect&, int32_t, BlockSetRec*);
+
+}  // namespace vorlanepic
+
+using namespace vorlanepic;
+
+int32_t VORLANEPIC_CDECL ImageBlockMarkHorEx(const uint8_t* image, int32_t height, int32_t width,
+                                             const BlockMarkParam* param, const BlockRect* rect,
+                                             BlockSetRec* set) noexcept {
+  if (image == nullptr || param == nullptr || rect == nullptr || set == nullptr) {
+    return BAD_ARGUMENT;
+  }
+  return MarkForHost(DarkPixels{param->threshold}, {image, height, width}, *param, *rect, set);
+}
+
+int32_t VORLANEPIC_CDECL BWBlockMarkHorEx(const uint8_t* image, int32_t height, int32_t width,
+                                          const BlockMarkParam* param, const BlockRect* rect,
+                                          BlockSetRec* set) noexcept {
+  if (image == nullptr || param == nullptr || rect == nullptr || set == nullptr) {
+    return BAD_ARGUMENT;
+  }
+  return MarkForHost(NonZeroPixels{}, {image, height, width}, *param, *rect, set);
+}
