@@ -10,6 +10,9 @@
 
 namespace vorlanepic {
 
+// The longest run that can be asked for.
+inline constexpr int32_t kLongestRun = 10;
+
 // What a walk that met no border gives. (-1 is a column that the 1-bit walk from the right can
 // give.)
 inline constexpr int32_t kNoBorder = INT32_MIN;

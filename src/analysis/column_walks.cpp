@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstddef>
 #include <span>
@@ -11,14 +12,26 @@
 namespace vorlanepic {
 namespace {
 
-// 64 neighbouring columns with their walks. Bits stand for columns as in DocumentMask.
+// 64 neighbouring columns. Bits stand for columns as in DocumentMask.
 struct ColumnGroup {
   int32_t x;      // column of place 0
   int32_t count;  // columns inside the image
   uint64_t open;  // columns still walked
 };
 
-// Walks many columns at once, row by row over the groups that have open columns.
+// A way through the rows: step d of 0 .. steps - 1 is row `first` + d * `direction`. A run counts
+// when the step at which it begins is a multiple of `stride`.
+struct RowWay {
+  int32_t first;
+  int32_t direction;
+  int32_t steps;
+  int32_t stride;
+
+  int32_t RowAt(int32_t step) const { return first + step * direction; }
+};
+
+// Walks all columns of a range at once, row by row over the groups that have open columns. Of the
+// background only every run-th row is looked at: a run holds one of those.
 template <typename Pixel>
 class ColumnSweep {
  public:
@@ -27,35 +40,34 @@ class ColumnSweep {
 
   // Takes the storage. False when there is none.
   bool Prepare() {
-    const size_t groups =
-        columns_.left > columns_.right
-            ? 0
-            : static_cast<size_t>((columns_.right - FirstColumn()) / kMaskPixels) + 1;
-    return groups_.Allocate(groups) && runs_.Allocate(groups * static_cast<size_t>(run_));
+    const bool isEmpty = columns_.left > columns_.right;
+    return groups_.Allocate(
+        isEmpty ? 0 : static_cast<size_t>((columns_.right - FirstColumn()) / kMaskPixels) + 1);
   }
 
-  void FromTop(const ScanBand& band, std::span<int32_t> borders) {
+  void Walk(const RowWay& way, std::span<int32_t> borders) {
     Open(borders);
-    for (int32_t y = band.top; y < band.bottom && openGroups_ > 0; ++y) {
-      TakeRow(y, ~uint64_t{0}, y - run_ + 1, borders);
-    }
-  }
-
-  // A run counts when its first row met is an even number of rows above the last of the band.
-  void FromBottom(const ScanBand& band, std::span<int32_t> borders) {
-    Open(borders);
-    for (int32_t y = band.bottom; y > band.top && openGroups_ > 0; --y) {
-      const int32_t start = y + run_ - 1;
-      TakeRow(y, (band.bottom - start) % 2 == 0 ? ~uint64_t{0} : 0, start, borders);
+    for (int32_t probe = run_ - 1; probe < way.steps && openGroups_ > 0; probe += run_) {
+      const uint8_t* row = image_.rows[way.RowAt(probe)];
+      size_t kept = 0;
+      for (size_t i = 0; i < openGroups_; ++i) {
+        ColumnGroup group = groups_[i];
+        if ((MaskOf(row, group) & group.open) != 0) TakeRunsAround(probe, way, &group, borders);
+        if (group.open != 0) groups_[kept++] = group;
+      }
+      openGroups_ = kept;
     }
   }
 
  private:
   int32_t FirstColumn() const { return columns_.left & ~7; }
 
+  uint64_t MaskOf(const uint8_t* row, const ColumnGroup& group) const {
+    return document_(row, group.x, group.count);
+  }
+
   void Open(std::span<int32_t> borders) {
     std::ranges::fill(borders, kNoBorder);
-    std::ranges::fill(runs_.span(), uint64_t{0});
     openGroups_ = groups_.size();
     for (size_t i = 0; i < openGroups_; ++i) {
       ColumnGroup& group = groups_[i];
@@ -63,7 +75,8 @@ class ColumnSweep {
       group.count = std::min(kMaskPixels, image_.width - group.x);
       group.open = 0;
       for (int32_t bit = 0; bit < kMaskPixels; ++bit) {
-        if (IsWalked(group.x + DocumentMask<Pixel>::PixelOf(bit))) group.open |= uint64_t{1} << bit;
+        const int64_t x = int64_t{group.x} + DocumentMask<Pixel>::PixelOf(bit);
+        if (IsWalked(x)) group.open |= uint64_t{1} << bit;
       }
     }
   }
@@ -72,43 +85,28 @@ class ColumnSweep {
     return x >= columns_.left && x <= columns_.right && (columns_.right - x) % 2 == 0;
   }
 
-  // Takes row y into the runs of all open columns; runs that are complete and lie under `counting`
-  // give the border `border`.
-  void TakeRow(int32_t y, uint64_t counting, int32_t border, std::span<int32_t> borders) {
-    const uint8_t* row = image_.rows[y];
-    size_t kept = 0;
-    for (size_t i = 0; i < openGroups_; ++i) {
-      ColumnGroup group = groups_[i];
-      const uint64_t complete =
-          ExtendRuns(RunsOf(i), document_(row, group.x, group.count)) & group.open & counting;
-      if (complete != 0) {
-        CloseColumns(group, complete, border, borders);
-        group.open &= ~complete;
-        if (group.open == 0) continue;
-      }
-      if (kept != i) std::ranges::copy(RunsOf(i), RunsOf(kept).begin());
-      groups_[kept++] = group;
+  // Closes the columns of a group that have a run which holds step `probe`.
+  void TakeRunsAround(int32_t probe, const RowWay& way, ColumnGroup* group,
+                      std::span<int32_t> borders) const {
+    std::array<uint64_t, 2 * kLongestRun - 1> masks;
+    const int32_t begin = probe - run_ + 1;
+    const int32_t end = std::min(probe + run_, way.steps);
+    for (int32_t step = begin; step < end; ++step) {
+      masks[static_cast<size_t>(step - begin)] = MaskOf(image_.rows[way.RowAt(step)], *group);
     }
-    openGroups_ = kept;
+    for (int32_t start = begin; start + run_ <= end; ++start) {
+      if (start % way.stride != 0) continue;
+      uint64_t complete = group->open;
+      for (int32_t i = 0; i < run_; ++i) complete &= masks[static_cast<size_t>(start - begin + i)];
+      CloseColumns(group, complete, way.RowAt(start), borders);
+    }
   }
 
-  // runs[k] marks the columns whose last k + 1 rows belong to the document.
-  std::span<uint64_t> RunsOf(size_t i) {
-    const auto run = static_cast<size_t>(run_);
-    return runs_.span().subspan(i * run, run);
-  }
-
-  // Adds a row to the runs and returns the complete ones.
-  static uint64_t ExtendRuns(std::span<uint64_t> runs, uint64_t mask) {
-    for (size_t k = runs.size() - 1; k > 0; --k) runs[k] = runs[k - 1] & mask;
-    runs[0] = mask;
-    return runs.back();
-  }
-
-  void CloseColumns(const ColumnGroup& group, uint64_t complete, int32_t border,
+  void CloseColumns(ColumnGroup* group, uint64_t columns, int32_t border,
                     std::span<int32_t> borders) const {
-    for (; complete != 0; complete &= complete - 1) {
-      const int32_t x = group.x + DocumentMask<Pixel>::PixelOf(std::countr_zero(complete));
+    group->open &= ~columns;
+    for (; columns != 0; columns &= columns - 1) {
+      const int32_t x = group->x + DocumentMask<Pixel>::PixelOf(std::countr_zero(columns));
       borders[static_cast<size_t>(columns_.right - x) / 2] = border;
     }
   }
@@ -119,7 +117,6 @@ class ColumnSweep {
   ColumnRange columns_;
   ScratchArray<ColumnGroup> groups_;  // the open ones first
   size_t openGroups_ = 0;
-  ScratchArray<uint64_t> runs_;
 };
 
 }  // namespace
@@ -129,8 +126,9 @@ int32_t WalkColumns(const ImageRec& image, const ScanBand& band, GreyBand levels
                     ColumnRange columns, ColumnBorders borders) {
   ColumnSweep<Pixel> sweep(image, levels, run, columns);
   if (!sweep.Prepare()) return OUT_OF_MEMORY;
-  sweep.FromTop(band, borders.top);
-  sweep.FromBottom(band, borders.bottom);
+  const int32_t steps = band.bottom - band.top;
+  sweep.Walk({band.top, 1, steps, 1}, borders.top);
+  sweep.Walk({band.bottom, -1, steps, 2}, borders.bottom);
   return STATUS_OK;
 }
 

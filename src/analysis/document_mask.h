@@ -48,7 +48,11 @@ class DocumentMask<Bit1> {
 
 #if defined(__SSE2__)
 
-// Grey levels in a band, 16 at a time.
+inline __m128i LoadBytes(const uint8_t* bytes) {
+  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
+}
+
+// Tests for grey levels in a band.
 class BandTest {
  public:
   explicit BandTest(GreyBand levels)
@@ -62,14 +66,22 @@ class BandTest {
     return static_cast<uint32_t>(_mm_movemask_epi8(_mm_cmpeq_epi8(outside, _mm_setzero_si128())));
   }
 
+  // Whether all of `count` bytes, a multiple of 64, lie below the band: the quick way past the
+  // background.
+  bool AllBelow(const uint8_t* bytes, int32_t count) const {
+    __m128i largest = _mm_setzero_si128();
+    for (int32_t i = 0; i < count; i += 64) {
+      const __m128i half0 = _mm_max_epu8(LoadBytes(bytes + i), LoadBytes(bytes + i + 16));
+      const __m128i half1 = _mm_max_epu8(LoadBytes(bytes + i + 32), LoadBytes(bytes + i + 48));
+      largest = _mm_max_epu8(largest, _mm_max_epu8(half0, half1));
+    }
+    return _mm_movemask_epi8(_mm_cmpeq_epi8(_mm_max_epu8(largest, low_), largest)) == 0;
+  }
+
  private:
   __m128i low_;
   __m128i high_;
 };
-
-inline __m128i LoadBytes(const uint8_t* bytes) {
-  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
-}
 
 // Test16<Pixel>()(pixels, band) tests the 16 pixels that begin at `pixels`.
 template <typename Pixel>
@@ -119,11 +131,14 @@ class DocumentMask {
   explicit DocumentMask(GreyBand levels) : levels_(levels), band_(levels) {}
 
   uint64_t operator()(const uint8_t* row, int32_t x, int32_t count) const {
-    const uint8_t* pixels = row + ptrdiff_t{Test16<Pixel>::kPixelBytes} * x;
+    constexpr int32_t kPixelBytes = Test16<Pixel>::kPixelBytes;
+    const uint8_t* pixels = row + ptrdiff_t{kPixelBytes} * x;
+    if (count == kMaskPixels && band_.AllBelow(pixels, kMaskPixels * kPixelBytes)) return 0;
+
     uint64_t mask = 0;
     int32_t i = 0;
     for (; i + 16 <= count; i += 16) {
-      mask |= Test16<Pixel>()(pixels + ptrdiff_t{Test16<Pixel>::kPixelBytes} * i, band_) << i;
+      mask |= Test16<Pixel>()(pixels + ptrdiff_t{kPixelBytes} * i, band_) << i;
     }
     for (; i < count; ++i) {
       mask |= uint64_t{Pixel::IsDocument(row, x + i, levels_)} << i;

@@ -11,7 +11,6 @@
 namespace vorlanepic {
 namespace {
 
-constexpr int32_t kLongestRun = 10;
 constexpr uint64_t kTopBit = 1ULL << 63;
 
 // Every run-th bit from bit 63 down: where the rounds of a 1-bit walk begin.
