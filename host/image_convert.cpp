@@ -3,6 +3,8 @@
 #include <cstddef>
 #include <utility>
 
+#include "vorlanepic/vorlanepic.h"
+
 namespace vorlanepic::host {
 namespace {
 

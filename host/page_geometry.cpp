@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstddef>
 
-#include "analysis/edge_lines.h"
+#include "analysis/border_line.h"
 
 namespace vorlanepic::host {
 namespace {

@@ -9,6 +9,7 @@
 
 #include "host/image_convert.h"
 #include "host/pix_owner.h"
+#include "vorlanepic/vorlanepic.h"
 
 namespace vorlanepic::host {
 namespace {
@@ -48,10 +49,10 @@ void RefuseTooLarge(const std::string& path, int64_t width, int64_t height) {
 }
 
 // Files cut short are refused: half a page has other borders than the whole one.
-PixPtr ReadSinglePage(const std::string& path, int32_t format) {
+PixPtr ReadSinglePage(const std::string& path) {
   const FilePtr file(std::fopen(path.c_str(), "rb"));
   if (!file) throw FileError(path + ": cannot be opened: " + std::strerror(errno));
-  return PixPtr(pixReadStream(file.get(), format == IFF_JFIF_JPEG ? L_JPEG_FAIL_ON_BAD_DATA : 0));
+  return PixPtr(pixReadStream(file.get(), 0));
 }
 
 std::string PageName(const std::string& path, int32_t number, int32_t count) {
@@ -85,7 +86,7 @@ bool PageReader::Next(Page* page) {
   page->count = count_;
 
   PixPtr pix = IsTiff(format_) ? PixPtr(pixReadFromMultipageTiff(path_.c_str(), &offset_))
-                               : ReadSinglePage(path_, format_);
+                               : ReadSinglePage(path_);
   const std::string name = PageName(path_, done_, count_);
   if (!pix) throw FileError(name + ": is damaged or of a kind that cannot be read");
   RefuseTooLarge(name, pixGetWidth(pix.get()), pixGetHeight(pix.get()));

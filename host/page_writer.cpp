@@ -18,8 +18,9 @@ namespace {
 // Beside the file it becomes, so that the last step is a rename within one file system.
 std::string TemporaryName(const std::string& path) {
   const std::filesystem::path full(path);
-  const std::string name =
-      "." + full.filename().string() + "." + std::to_string(::getpid()) + ".part";
+  std::string name = ".";
+  name.append(full.filename().string()).append(".").append(std::to_string(::getpid()));
+  name.append(".part");
   return (full.parent_path() / name).string();
 }
 
