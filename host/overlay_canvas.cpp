@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <memory>
+#include <utility>
 
 #include "host/image_convert.h"
 #include "host/page.h"
@@ -13,11 +15,11 @@ namespace {
 constexpr Colour kRim{0, 0, 0};
 constexpr Colour kCaptionGround{24, 26, 32};
 constexpr Colour kCaptionText{235, 235, 235};
-constexpr double kRimWidth = 0.8;     // units on each side of a stroke
-constexpr double kRimOpacity = 0.55;  // a soft shadow, not a line of its own
-constexpr double kPaling = 0.72;      // share of the page's own contrast that is kept
-constexpr int32_t kFontSize = 10;     // points at 300 dpi: capitals about 14 pixels high
-constexpr int32_t kFontLine = 18;     // pixels from one line of that font to the next
+constexpr double kRimWidth = 0.8;        // units on each side of a stroke
+constexpr double kRimOpacity = 0.55;     // a soft shadow, not a line of its own
+constexpr double kPaling = 0.72;         // share of the page's own contrast that is kept
+constexpr double kLeastLine = 20;        // pixels of a text line that can still be read
+constexpr double kLineShare = 1 / 45.0;  // of the page's longer side: the height of a text line
 
 uint32_t Word(Colour c) {
   return static_cast<uint32_t>(c.red) << L_RED_SHIFT |
@@ -68,7 +70,29 @@ double DistanceToSegment(double x, double y, Place from, Place to) {
 struct FontRelease {
   void operator()(L_Bmf* font) const { bmfDestroy(&font); }
 };
-using FontPtr = std::unique_ptr<L_Bmf, FontRelease>;
+
+// One of the built-in fonts, enlarged where even the largest is too small.
+struct Font {
+  std::unique_ptr<L_Bmf, FontRelease> font;
+  int32_t scale = 1;
+
+  int32_t LineHeight() const { return (font->lineheight + 4) * scale; }
+};
+
+// The largest font whose lines are not higher than `height` pixels, but a legible one.
+Font FontOfHeight(double height) {
+  constexpr int32_t kSmallest = 4;
+  constexpr int32_t kLargest = 20;
+  Font best{std::unique_ptr<L_Bmf, FontRelease>(bmfCreate(nullptr, kSmallest)), 1};
+  if (!best.font) throw FileError("there is not enough memory for an overlay of this page");
+  for (int32_t size = kSmallest + 2; size <= kLargest; size += 2) {
+    Font larger{std::unique_ptr<L_Bmf, FontRelease>(bmfCreate(nullptr, size)), 1};
+    if (!larger.font || larger.LineHeight() > height) break;
+    best = std::move(larger);
+  }
+  best.scale = std::max(1, static_cast<int32_t>(height / best.LineHeight()));
+  return best;
+}
 
 std::string Printable(const std::string& text) {
   std::string ascii;
@@ -76,24 +100,25 @@ std::string Printable(const std::string& text) {
   return ascii;
 }
 
-// Set bits where the text's strokes are, enlarged `scale` times.
-PixPtr DrawText(const std::string& text, int32_t scale) {
-  const FontPtr font(bmfCreate(nullptr, kFontSize));
-  if (!font) return nullptr;
+int32_t TextWidth(const Font& font, const std::string& text) {
+  int32_t width = 0;
+  bmfGetStringWidth(font.font.get(), Printable(text).c_str(), &width);
+  return width * font.scale;
+}
+
+// Set bits where the text's strokes are.
+PixPtr DrawText(const Font& font, const std::string& text) {
   const std::string ascii = Printable(text);
-  int32_t textWidth = 0;
-  bmfGetStringWidth(font.get(), ascii.c_str(), &textWidth);
-  PixPtr pix(pixCreate(textWidth + 4, kFontLine, 1));
+  PixPtr pix(pixCreate(TextWidth(font, text) / font.scale + 6, font.font->lineheight + 4, 1));
   if (!pix) return nullptr;
-  pixSetTextline(pix.get(), font.get(), ascii.c_str(), 1, 2, kFontLine - 5, nullptr, nullptr);
-  return PixPtr(pixExpandReplicate(pix.get(), scale));
+  pixSetTextline(pix.get(), font.font.get(), ascii.c_str(), 1, 3, font.font->baseline1 + 2, nullptr,
+                 nullptr);
+  return PixPtr(pixExpandReplicate(pix.get(), font.scale));
 }
 
 void PaintText(Pix* target, const Pix* text, int32_t left, int32_t top, Colour colour) {
   pixPaintThroughMask(target, const_cast<Pix*>(text), left, top, Word(colour));
 }
-
-int32_t TextScale(double unit) { return std::max(1, static_cast<int32_t>(std::lround(unit))); }
 
 }  // namespace
 
@@ -184,7 +209,8 @@ void OverlayCanvas::Cross(Place center, double arm, double width, Colour colour)
 }
 
 void OverlayCanvas::Label(Place at, const std::string& text, Colour colour) {
-  const PixPtr drawn = DrawText(text, TextScale(unit_));
+  const Font font = FontOfHeight(std::max(width_, height_) * kLineShare);
+  const PixPtr drawn = DrawText(font, text);
   if (!drawn) return;
   const int32_t textWidth = pixGetWidth(drawn.get());
   const int32_t textHeight = pixGetHeight(drawn.get());
@@ -199,35 +225,35 @@ void OverlayCanvas::Label(Place at, const std::string& text, Colour colour) {
 }
 
 PixPtr OverlayCanvas::WithCaption(const std::vector<CaptionLine>& lines) const {
-  // Sized to the page's width, so that a narrow page keeps readable words.
-  constexpr int32_t kCharactersAcross = 96;  // of about 10 pixels each
-  std::vector<PixPtr> texts;
-  const int32_t scale =
-      std::max(1, static_cast<int32_t>(std::lround(width_ / (kCharactersAcross * 10.0))));
-  int32_t widest = width_;
-  const int32_t lineHeight = (kFontLine + 4) * scale;
-  const int32_t indent = lineHeight * 3 / 2;
-  for (const CaptionLine& line : lines) {
-    texts.push_back(DrawText(line.text, scale));
-    if (!texts.back()) throw FileError("there is not enough memory for an overlay of this page");
-    widest = std::max(widest, indent + pixGetWidth(texts.back().get()) + lineHeight / 2);
+  // Smaller letters where the lines would pass the page's width, as long as they stay legible.
+  double height = std::max(width_, height_) * kLineShare;
+  Font font = FontOfHeight(height);
+  const auto widestLine = [&] {
+    int32_t widest = 0;
+    for (const CaptionLine& line : lines) widest = std::max(widest, TextWidth(font, line.text));
+    return widest + 2 * font.LineHeight();
+  };
+  while (widestLine() > width_ && height > kLeastLine) {
+    height *= 0.85;
+    font = FontOfHeight(height);
   }
+  const int32_t lineHeight = font.LineHeight() * 5 / 4;
   const int32_t below = lineHeight * (static_cast<int32_t>(lines.size()) + 1);
-  PixPtr whole(pixCreate(widest, height_ + below, 32));
+  PixPtr whole(pixCreate(std::max(width_, widestLine()), height_ + below, 32));
   if (!whole) throw FileError("there is not enough memory for an overlay of this page");
   pixSetAllArbitrary(whole.get(), Word(kCaptionGround));
   pixRasterop(whole.get(), 0, 0, width_, height_, PIX_SRC, pix_.get(), 0, 0);
   int32_t top = height_ + lineHeight / 2;
-  for (size_t i = 0; i < lines.size(); ++i, top += lineHeight) {
-    if (lines[i].hasMark) {
-      const int32_t side = lineHeight / 2;
-      for (int32_t y = 0; y < side; ++y) {
-        for (int32_t x = 0; x < side; ++x) {
-          pixSetPixel(whole.get(), side / 2 + x, top + side / 2 + y, Word(lines[i].mark));
-        }
+  for (const CaptionLine& line : lines) {
+    const int32_t side = lineHeight / 2;
+    if (line.hasMark) {
+      for (int32_t i = 0; i < side * side; ++i) {
+        pixSetPixel(whole.get(), side / 2 + i % side, top + side / 2 + i / side, Word(line.mark));
       }
     }
-    PaintText(whole.get(), texts[i].get(), indent, top + 2 * scale, kCaptionText);
+    const PixPtr text = DrawText(font, line.text);
+    if (text) PaintText(whole.get(), text.get(), 2 * side, top + lineHeight / 8, kCaptionText);
+    top += lineHeight;
   }
   return whole;
 }

@@ -14,7 +14,7 @@ namespace {
 
 constexpr Colour kOutline{255, 0, 200};
 constexpr Colour kContent{255, 210, 0};
-constexpr Colour kDropped{150, 150, 150};
+constexpr Colour kDropped{250, 250, 250};
 
 constexpr Colour ColourOf(Side side) {
   switch (side) {
@@ -58,13 +58,14 @@ void DrawLine(OverlayCanvas* canvas, const BorderLine& line, double width, Colou
 
 void DrawTrace(OverlayCanvas* canvas, const SideTrace& trace, Colour colour) {
   for (const EdgePoint& p : trace.points.span().first(static_cast<size_t>(trace.pointCount))) {
+    canvas->Dot(At(p), 1.5, {0, 0, 0});
     canvas->Dot(At(p), 0.9, colour);
   }
 }
 
 void DrawSupport(OverlayCanvas* canvas, const std::vector<EdgePoint>& points, Colour colour) {
-  for (const EdgePoint& p : points) canvas->Dot(At(p), 1.6, {0, 0, 0});
-  for (const EdgePoint& p : points) canvas->Dot(At(p), 1.2, colour);
+  for (const EdgePoint& p : points) canvas->Dot(At(p), 2.2, {0, 0, 0});
+  for (const EdgePoint& p : points) canvas->Dot(At(p), 1.6, colour);
 }
 
 // Where the content's upper edge went, from the centre upwards as it stands on the turned page.
@@ -112,7 +113,7 @@ void DrawSides(OverlayCanvas* canvas, const TurnOutcome& outcome) {
   if (outcome.kind == TurnKind::kPruned) {
     if (records.stage >= PageStage::kCorners) {
       for (const Side side : kSides) {
-        DrawLine(canvas, EdgeOf(records, outcome.arrangement, side).line, 0.6, ColourOf(side));
+        DrawLine(canvas, EdgeOf(records, outcome.arrangement, side).line, 0.8, ColourOf(side));
       }
     }
   } else {
@@ -183,16 +184,17 @@ std::vector<CaptionLine> Caption(const Page& page, const TurnOutcome& outcome) {
 
 PixPtr DrawOverlay(const Page& page, const TurnOutcome& outcome) {
   OverlayCanvas canvas(*page.image.rec());
+  CutRect cut = CutOf(outcome);
+  const double last = canvas.height() - 1;
+  // The outline lies on the borders: what they rest on is drawn over it.
+  if (cut.isKnown) canvas.Polygon(SeenCorners(outcome, cut, last), 5, kOutline);
+  if (outcome.kind != TurnKind::kPruned) DrawContent(&canvas, outcome);
   if (outcome.kind == TurnKind::kBar) {
     if (outcome.bar) DrawBar(&canvas, *outcome.bar);
   } else {
     DrawSides(&canvas, outcome);
   }
-  if (outcome.kind != TurnKind::kPruned) DrawContent(&canvas, outcome);
-  CutRect cut = CutOf(outcome);
   if (cut.isKnown) {
-    const double last = canvas.height() - 1;
-    canvas.Polygon(SeenCorners(outcome, cut, last), 1.6, kOutline);
     if (outcome.isFlipped) {
       cut.center.y = last - cut.center.y;
       cut.radians = -cut.radians;
