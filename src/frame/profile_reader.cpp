@@ -151,12 +151,8 @@ uint32_t ReadProfileText(const char* section, const char* key, const char* defau
   if (IsNullOrEmpty(section) || IsNullOrEmpty(key) || IsNullOrEmpty(path)) return 0;
 
   ProfileText value;
-  std::string_view source = "";
-  if (FindProfileValue(path, section, key, &value) == kProfileFound) {
-    source = value.view();
-  } else if (defaultText != nullptr) {
-    source = defaultText;
-  }
+  std::string_view source = defaultText != nullptr ? defaultText : "";
+  if (FindProfileValue(path, section, key, &value) == kProfileFound) source = value.view();
   const size_t length = source.size() > size ? size - 1 : source.size();
   std::memcpy(out, source.data(), length);
   out[length] = '\0';

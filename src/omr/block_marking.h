@@ -1,11 +1,11 @@
 // Marking of connected blocks, as the exported markers and their callers inside the library use it.
 #pragma once
 
-#include <cstddef>
 #include <cstdint>
 
 #include "omr/block_hand_back.h"
 #include "omr/foreground.h"
+#include "omr/grey_view.h"
 #include "omr/scan_area.h"
 #include "vorlanepic/vorlanepic.h"
 
@@ -13,20 +13,6 @@ namespace vorlanepic {
 
 // The status of a block set whose numbers contradict each other.
 inline constexpr int32_t kInconsistentSet = 10;
-
-// An image of one byte per pixel, top row first, rows without padding.
-struct GreyView {
-  const uint8_t* pixels;
-  int32_t height;
-  int32_t width;
-
-  const uint8_t* Row(int32_t y) const {
-    return pixels + static_cast<size_t>(y) * static_cast<size_t>(width);
-  }
-  size_t BytesFrom(int32_t x, int32_t y) const {
-    return static_cast<size_t>(height - y) * static_cast<size_t>(width) - static_cast<size_t>(x);
-  }
-};
 
 // Adds the blocks of marked pixels in `rect` to `set`; the manual is at BWBlockMarkHorEx.
 //
