@@ -1,4 +1,4 @@
-# Runs the Linux and the Windows build of a program (LINUX; WINDOWS under EMULATOR) and fails, with
+# Runs the Linux and the Windows build of a program (LINUX_PROGRAM; WINDOWS_PROGRAM under EMULATOR) and fails, with
 # the first lines that differ, unless both print the same. Leaves both outputs in WORK.
 file(MAKE_DIRECTORY ${WORK})
 function(run output)
@@ -9,8 +9,8 @@ function(run output)
   string(REPLACE "\r\n" "\n" text "${text}")
   file(WRITE ${WORK}/${output} "${text}")
 endfunction()
-run(linux.txt ${LINUX})
-run(windows.txt ${EMULATOR} ${WINDOWS})
+run(linux.txt ${LINUX_PROGRAM})
+run(windows.txt ${EMULATOR} ${WINDOWS_PROGRAM})
 
 file(STRINGS ${WORK}/linux.txt linux)
 file(STRINGS ${WORK}/windows.txt windows)

@@ -31,7 +31,7 @@ static HMODULE pageLibrary;
 static uint32_t refusal;
 static uint32_t slack; /* of every call, in bytes */
 
-enum Convention { STDCALL, CDECL };
+enum Convention { CALLEE_CLEANS, CALLER_CLEANS };
 
 static void* Find(HMODULE library, const char* name) {
   void* function = (void*)(INT_PTR)GetProcAddress(library, name);
@@ -52,7 +52,7 @@ static StackCall Call(HMODULE library, enum Convention convention, const char* n
   call.slack = slack;
   call.realExpected = (uint32_t)real;
   MakeStackCall(&call);
-  if (call.after != call.before - (convention == CDECL ? bytes : 0)) {
+  if (call.after != call.before - (convention == CALLER_CLEANS ? bytes : 0)) {
     ++failures;
     printf("%s moved the stack pointer by %d with %u bytes of arguments\n", name,
            (int)(call.after - call.before), bytes);
@@ -67,9 +67,9 @@ static StackCall Call(HMODULE library, enum Convention convention, const char* n
 /* Arguments are listed as words; the braces make the array, its size the argument bytes. */
 #define WORDS(...) (const uint32_t[]){__VA_ARGS__}, sizeof((const uint32_t[]){__VA_ARGS__})
 #define AT(pointer) ((uint32_t)(UINT_PTR)(pointer))
-#define PAGES(name, ...) (Call(pageLibrary, STDCALL, name, WORDS(__VA_ARGS__), 0).result)
-#define MARKS(name, ...) ((int)Call(pageLibrary, CDECL, name, WORDS(__VA_ARGS__), 0).result)
-#define IMAGES(name, ...) (Call(imageLibrary, STDCALL, name, WORDS(__VA_ARGS__), 0).result)
+#define PAGES(name, ...) (Call(pageLibrary, CALLEE_CLEANS, name, WORDS(__VA_ARGS__), 0).result)
+#define MARKS(name, ...) ((int)Call(pageLibrary, CALLER_CLEANS, name, WORDS(__VA_ARGS__), 0).result)
+#define IMAGES(name, ...) (Call(imageLibrary, CALLEE_CLEANS, name, WORDS(__VA_ARGS__), 0).result)
 
 /* Records as words: pointers and int32 fields in their order. */
 enum { IMAGE_WIDTH, IMAGE_HEIGHT, IMAGE_DEPTH, IMAGE_BYTES, IMAGE_LINE, IMAGE_ROWS, IMAGE_PIXELS };
@@ -292,10 +292,10 @@ static void LabelsBlocks(const char* name, int takesArea) {
     EXPECT(Block(set, 0)[BLOCK_CENTER_X] == 10 && Block(set, 0)[BLOCK_ROOT] == 1);
     EXPECT(Block(set, 1)[BLOCK_CENTER_X] == (takesArea ? 40u : 25u));
     /* A box of one pixel shares one column and one row with itself. */
-    EXPECT(Near(
-        Call(pageLibrary, CDECL, "block_distance", WORDS(AT(Block(set, 0)), AT(Block(set, 0))), 1)
-            .real,
-        sqrt(2.0), 1e-15));
+    EXPECT(Near(Call(pageLibrary, CALLER_CLEANS, "block_distance",
+                     WORDS(AT(Block(set, 0)), AT(Block(set, 0))), 1)
+                    .real,
+                sqrt(2.0), 1e-15));
   }
   EXPECT(MARKS("DestoryBlockSetRec", AT(set)) == 0);
 }
