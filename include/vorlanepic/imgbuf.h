@@ -54,7 +54,7 @@ typedef struct ImageRec {
  * picture's bottom row first, each padded to a multiple of 4 bytes.
  */
 typedef struct DibRec {
-  uint8_t* fileHeader; /* begins with 0x42 0x4D */
+  uint8_t* fileHeader; /* begins with 0x42 0x4D; null when the host has none */
   uint8_t* infoHeader; /* width: int32 at byte 4, height: int32 at 8, bit count: uint16 at 14,
                           horizontal pixels per metre: int32 at 24; little-endian */
   void* reserved;      /* not read */
