@@ -1,4 +1,5 @@
 // Deskew and crop on sets of pages, with any parameter record and any profile.
+#include <memory>
 #include <vector>
 
 #include "frame/scratch.h"

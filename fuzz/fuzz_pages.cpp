@@ -78,9 +78,13 @@ FuzzDib::FuzzDib(const ImageRec& image, FuzzInput& input)
   Put(infoHeader_, 24, input.MostlyIn(0, 10000), 4);
   // No larger image than there are bytes for may pass the checks, so sizes are spoilt to what none
   // can have.
-  constexpr int32_t kImpossible[] = {0, -1, INT32_MIN, INT32_MAX};
-  if (input.Byte() < 8) Put(infoHeader_, 4, kImpossible[input.In(0, 3)], 4);
+  constexpr int32_t kImpossible[] = {0, -1, INT32_MIN};
+  if (input.Byte() < 8) Put(infoHeader_, 4, kImpossible[input.In(0, 2)], 4);
   if (input.Byte() < 8) Put(infoHeader_, 8, kImpossible[input.In(0, 2)], 4);
+  if (input.Byte() < 8) {
+    Put(infoHeader_, 4, INT32_MAX, 4);
+    Put(infoHeader_, 8, INT32_MAX, 4);
+  }
   if (input.Byte() < 8) fileHeader_[input.In(0, 1) != 0 ? 1 : 0] = input.Byte();
   if (input.Byte() < 8 && image.bitsPerPixel > 4) Put(infoHeader_, 14, input.Flag() ? 4 : 0, 2);
   rec_ = {fileHeader_.data(), infoHeader_.data(), nullptr, bits_.data()};
