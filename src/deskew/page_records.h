@@ -5,6 +5,9 @@
 
 #include "analysis/border_records.h"
 #include "analysis/corner_solver.h"
+#include "deskew/content_bounds.h"
+#include "deskew/skew_vote.h"
+#include "frame/settings.h"
 
 namespace vorlanepic {
 
@@ -21,22 +24,6 @@ enum class PageStage : int32_t {
   kContent,  // deskew-crop and line-guided: content rectangle of the source
   kTurned,   // the page was turned
   kCropped,  // deskew-crop and line-guided: the turned page was cut to its content
-};
-
-// One border's part in the skew vote.
-struct BorderVote {
-  bool hasAngle = false;
-  double angle = 0.0;  // degrees
-  int32_t votes = 0;
-  BorderLine line;  // the line that won them
-};
-
-// Columns left..right and rows top..bottom of content, inclusive.
-struct ContentBounds {
-  int32_t left;
-  int32_t right;
-  int32_t top;
-  int32_t bottom;
 };
 
 // The scratch of one call. A driver makes its own and drops it at the end, or, when
@@ -65,5 +52,10 @@ struct PageRecords {
   int32_t turnedHeight = 0;
   double degrees = 0.0;  // the turn
 };
+
+// Empties the host's records, if it has set any, so that nothing of an earlier call is left.
+inline void ForgetPageRecords() {
+  if (settings.pageRecords != nullptr) *settings.pageRecords = {};
+}
 
 }  // namespace vorlanepic

@@ -1,6 +1,8 @@
 #include "support/failing_heap.h"
 
+#include <atomic>
 #include <cstddef>
+#include <thread>
 
 extern "C" {
 void* __real_malloc(size_t bytes);
@@ -11,11 +13,15 @@ void* __real_realloc(void* block, size_t bytes);
 namespace vorlanepic::testing {
 namespace {
 
-// Per thread, so that workers and the test framework are left alone.
-thread_local int32_t requestsLeft = -1;
-thread_local bool failed = false;
+// Requests of other threads, workers and the test framework, are left alone. The thread is kept as
+// an id, because the first use of a thread_local variable is a heap request on some systems.
+std::atomic<bool> armed{false};
+std::thread::id owner;
+int32_t requestsLeft = -1;
+bool failed = false;
 
 bool Strikes() {
+  if (!armed || std::this_thread::get_id() != owner) return false;
   if (requestsLeft < 0 || requestsLeft-- > 0) return false;
   failed = true;
   return true;
@@ -24,11 +30,13 @@ bool Strikes() {
 }  // namespace
 
 FailingHeap::FailingHeap(int32_t n) {
+  owner = std::this_thread::get_id();
   requestsLeft = n;
   failed = false;
+  armed = true;
 }
 
-FailingHeap::~FailingHeap() { requestsLeft = -1; }
+FailingHeap::~FailingHeap() { armed = false; }
 
 bool FailingHeap::hasFailed() const { return failed; }
 

@@ -1,0 +1,23 @@
+# vorlane-compare, ours and the peers in turn; built where OpenCV and Leptonica are installed.
+find_package(PkgConfig)
+if(PkgConfig_FOUND)
+  pkg_check_modules(LEPTONICA IMPORTED_TARGET lept)
+endif()
+# Debian's core and imgproc packages come without CMake and pkg-config files.
+find_path(OPENCV_INCLUDE_DIR opencv2/imgproc.hpp PATH_SUFFIXES opencv4)
+find_library(OPENCV_CORE opencv_core)
+find_library(OPENCV_IMGPROC opencv_imgproc)
+
+if(NOT LEPTONICA_FOUND OR NOT OPENCV_INCLUDE_DIR OR NOT OPENCV_CORE OR NOT OPENCV_IMGPROC)
+  message(STATUS "OpenCV or Leptonica is missing: vorlane-compare is not built")
+  return()
+endif()
+
+add_executable(vorlane-compare
+  side_by_side.cpp contest.cpp peak_memory.cpp
+  straighten_ours.cpp straighten_opencv.cpp straighten_leptonica.cpp
+  label_ours.cpp label_peers.cpp)
+target_include_directories(vorlane-compare SYSTEM PRIVATE ${OPENCV_INCLUDE_DIR})
+target_link_libraries(vorlane-compare PRIVATE
+  vorlanepic_core imgbuf vorlanepic_samples vorlanepic_options
+  PkgConfig::LEPTONICA ${OPENCV_IMGPROC} ${OPENCV_CORE})

@@ -1,0 +1,69 @@
+#include <algorithm>
+#include <stdexcept>
+
+#include "deskew/page_records.h"
+#include "frame/scratch.h"
+#include "frame/settings.h"
+#include "frame/trigonometry.h"
+#include "rotate/rotate_image.h"
+#include "straighteners.h"
+
+namespace vorlanepic::bench {
+
+using testing::TestImage;
+
+namespace {
+
+std::shared_ptr<TestImage> CopyOf(const ImageRec& image) {
+  auto copy = std::make_shared<TestImage>(image.width, image.height, image.bitsPerPixel);
+  for (int32_t y = 0; y < image.height; ++y) {
+    std::copy_n(image.rows[y], copy->rec()->lineBytes, copy->row(y));
+  }
+  return copy;
+}
+
+// The angle by which we turn is the one by which the page lies turned the other way.
+double ClockwiseDegrees(double turnRadians) {
+  const double turned = turnRadians * kDegreesPerRadian;
+  return turned > 180 ? 360 - turned : -turned;
+}
+
+}  // namespace
+
+Straightener Ours(const TestImage& scan, int32_t interpolation) {
+  const ImageRec* source = scan.rec();
+  return {"VorlanePic", [source, interpolation](StraightPage* check) {
+            double angle = 0;
+            ScratchImage upright;
+            const int32_t status =
+                ImageVorlaneEx(source, interpolation, 0, 0, &angle, upright.rec());
+            if (status != STATUS_OK) return false;
+            if (check != nullptr) *check = {ClockwiseDegrees(angle), CopyOf(*upright.rec())};
+            return true;
+          }};
+}
+
+Straightener OurRotation(const TestImage& scan, int32_t interpolation) {
+  const ImageRec* source = scan.rec();
+  auto records = std::make_shared<PageRecords>();
+  double angle = 0;
+  ScratchImage upright;
+  settings.pageRecords = records.get();
+  const int32_t found = ImageVorlaneEx(source, interpolation, 0, 0, &angle, upright.rec());
+  settings.pageRecords = nullptr;
+  if (found != STATUS_OK) throw std::runtime_error("no page found on the drawn scan");
+
+  return {"VorlanePic", [source, interpolation, records](StraightPage* check) {
+            const DocumentGeometry& geometry = records->geometry;
+            const Turn turn{geometry.angle,    geometry.center.x,  geometry.center.y,
+                            geometry.outWidth, geometry.outHeight, interpolation};
+            constexpr uint8_t kBlack[3] = {0, 0, 0};
+            ScratchImage turned;
+            const int32_t status = RotateImage(source, turned.rec(), &geometry.spans, turn, kBlack);
+            if (status != STATUS_OK) return false;
+            if (check != nullptr) *check = {ClockwiseDegrees(turn.angle), CopyOf(*turned.rec())};
+            return true;
+          }};
+}
+
+}  // namespace vorlanepic::bench

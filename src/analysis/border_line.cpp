@@ -1,0 +1,140 @@
+#include "analysis/border_line.h"
+
+#include <cmath>
+#include <span>
+
+#include "frame/arithmetic.h"
+#include "frame/trigonometry.h"
+#include "vorlanepic/vorlanepic.h"
+
+namespace vorlanepic {
+namespace {
+
+// Chords nearer to an axis than this are taken for horizontal or vertical, in degrees.
+constexpr double kFlatDegrees = 0.5;
+constexpr double kSteepDegrees = 89.5;
+
+// Collects positions for their mean.
+struct MeanPoint {
+  int32_t count = 0;
+  int32_t sumX = 0;
+  int32_t sumY = 0;
+
+  void Add(int32_t x, int32_t y) {
+    ++count;
+    sumX = WrapAdd(sumX, x);
+    sumY = WrapAdd(sumY, y);
+  }
+  EdgePoint Mean() const { return {sumX / count, sumY / count}; }
+};
+
+EdgePoint MeanOfSegments(std::span<const BorderSegment> segments) {
+  MeanPoint mean;
+  for (const BorderSegment& segment : segments) mean.Add(segment.meanX, segment.meanY);
+  return mean.Mean();
+}
+
+void SetVertical(BorderLine* line, double x) {
+  line->kind = kLineVertical;
+  line->angle = 90.0;
+  line->slope = 0.0;
+  line->intercept = x;
+}
+
+void SetHorizontal(BorderLine* line, double y) {
+  line->kind = kLineHorizontal;
+  line->angle = 0.0;
+  line->slope = 0.0;
+  line->intercept = y;
+}
+
+double SlopeBetween(EdgePoint a, EdgePoint b) {
+  return static_cast<double>(WrapSub(b.y, a.y)) / WrapSub(b.x, a.x);
+}
+
+// Puts the line's point midway between the halves' means and settles the lines along an axis.
+// Returns whether that is all there is to do.
+bool SetMidpointAndAxis(BorderLine* line, EdgePoint a, EdgePoint b) {
+  line->midX = WrapAdd(a.x, b.x) >> 1;
+  line->midY = WrapAdd(a.y, b.y) >> 1;
+  if (a.x == b.x) {
+    SetVertical(line, a.x);
+    return true;
+  }
+  if (a.y == b.y) {
+    SetHorizontal(line, a.y);
+    return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+int32_t DistanceToLine(int32_t x, int32_t y, const BorderLine& line, int32_t* distance) {
+  switch (line.kind) {
+    case kLineHorizontal:
+      *distance = TruncToInt32(y - line.intercept);
+      return STATUS_OK;
+    case kLineVertical:
+      *distance = TruncToInt32(line.intercept - x);
+      return STATUS_OK;
+    case kLineGeneral:
+      *distance = TruncToInt32((y - line.intercept - x * line.slope) /
+                               std::sqrt(line.slope * line.slope + 1.0));
+      return STATUS_OK;
+    default:
+      return BAD_ARGUMENT;
+  }
+}
+
+int32_t FitChordLine(BorderLine* line, const SegmentList& list) {
+  const std::span<const BorderSegment> segments = list.view();
+  if (segments.size() < 2) return BAD_ARGUMENT;
+  const EdgePoint a = MeanOfSegments(segments.first(segments.size() / 2));
+  const EdgePoint b = MeanOfSegments(segments.subspan(segments.size() / 2));
+  if (a.x == b.x && a.y == b.y) return ANGLE_NOT_FOUND;
+  if (SetMidpointAndAxis(line, a, b)) return STATUS_OK;
+
+  const double slope = SlopeBetween(a, b);
+  const double angle = ArcTangent(std::abs(slope)) * kDegreesPerRadian;
+  if (angle <= kFlatDegrees) {
+    SetHorizontal(line, line->midY);
+  } else if (angle >= kSteepDegrees) {
+    SetVertical(line, line->midX);
+  } else {
+    line->kind = kLineGeneral;
+    line->slope = slope;
+    line->angle = angle;
+    line->intercept = a.y - a.x * slope;
+  }
+  return STATUS_OK;
+}
+
+int32_t FitPointLine(BorderLine* line, const SegmentList& list) {
+  line->kind = kLineNotFitted;
+  if (list.segmentCount < 1 || list.pointTotal < 2) return BAD_ARGUMENT;
+
+  // With an odd total the last point is left over.
+  const int32_t half = list.pointTotal / 2;
+  MeanPoint first;
+  MeanPoint second;
+  for (const BorderSegment& segment : list.view()) {
+    for (int32_t i = 0; i < segment.count && second.count < half; ++i) {
+      MeanPoint& mean = first.count < half ? first : second;
+      mean.Add(segment.first[i].x, segment.first[i].y);
+    }
+  }
+  if (second.count == 0) return ANGLE_NOT_FOUND;
+  const EdgePoint a = first.Mean();
+  const EdgePoint b = second.Mean();
+  if (a.x == b.x && a.y == b.y) return ANGLE_NOT_FOUND;
+  if (SetMidpointAndAxis(line, a, b)) return STATUS_OK;
+
+  line->kind = kLineGeneral;
+  line->slope = SlopeBetween(a, b);
+  line->angle = ArcTangent(line->slope) * kDegreesPerRadian;
+  line->intercept = line->midY - line->midX * line->slope;
+  return STATUS_OK;
+}
+
+}  // namespace vorlanepic

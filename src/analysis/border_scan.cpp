@@ -1,0 +1,189 @@
+#include "analysis/border_scan.h"
+
+#include "analysis/border_walks.h"
+#include "analysis/pixel_access.h"
+#include "analysis/side_trace.h"
+#include "frame/scratch.h"
+#include "frame/settings.h"
+
+namespace vorlanepic {
+namespace {
+
+bool IsInside(const ScanBand& band, const ImageRec& image) {
+  return band.left >= 0 && band.right < image.width && band.top >= 0 && band.bottom < image.height;
+}
+
+// Takes a border point unless the walk met none.
+int32_t AddPoint(TraceBuilder* side, int32_t x, int32_t y) {
+  return x == kNoBorder || y == kNoBorder ? STATUS_OK : side->Add({x, y});
+}
+
+// Closes both sides of a scan; BORDER_NOT_FOUND unless both kept something.
+int32_t FinishSides(TraceBuilder* first, TraceBuilder* second) {
+  for (TraceBuilder* side : {first, second}) {
+    const int32_t status = side->Finish();
+    if (status != STATUS_OK) return status;
+  }
+  return first->IsEmpty() || second->IsEmpty() ? BORDER_NOT_FOUND : STATUS_OK;
+}
+
+// Calls visit(point, segment index) for every point of the full segments, in order. Points are
+// counted off because the segments do not point at them yet.
+template <typename Visit>
+void ForEachFullPoint(SideTrace& trace, Visit visit) {
+  const EdgePoint* point = trace.points.data();
+  int32_t index = 0;
+  for (const BorderSegment& segment : trace.list.view()) {
+    if (segment.count >= settings.SegmentPointNum) {
+      for (int32_t i = 0; i < segment.count; ++i) visit(point[i], index);
+    }
+    point += segment.count;
+    ++index;
+  }
+}
+
+void FindLeftmost(SideTrace& left, int32_t width, EdgePoint* leftmost) {
+  leftmost->x = width;
+  settings.LeftExtremeSegFirst = 0;
+  ForEachFullPoint(left, [&](EdgePoint point, int32_t index) {
+    if (point.x < leftmost->x) {
+      *leftmost = point;
+      settings.LeftExtremeSegFirst = index;
+      settings.LeftExtremeSegLast = index;
+    } else if (point.x == leftmost->x) {
+      settings.LeftExtremeSegLast = index;
+    }
+  });
+}
+
+// Unlike on the other sides the last of equal points wins.
+void FindRightmost(SideTrace& right, EdgePoint* rightmost) {
+  rightmost->x = 0;
+  settings.RightExtremeSegFirst = 0;
+  ForEachFullPoint(right, [&](EdgePoint point, int32_t index) {
+    if (point.x < rightmost->x) return;
+    *rightmost = point;
+    settings.RightExtremeSegFirst = index;
+    settings.RightExtremeSegLast = index;
+  });
+}
+
+void FindTopmost(SideTrace& top, int32_t height, EdgePoint* topmost) {
+  topmost->y = height;
+  settings.TopExtremeSegFirst = 0;
+  ForEachFullPoint(top, [&](EdgePoint point, int32_t index) {
+    if (point.y < topmost->y) {
+      *topmost = point;
+      settings.TopExtremeSegFirst = index;
+      settings.TopExtremeSegLast = index;
+    } else if (point.y == topmost->y) {
+      settings.TopExtremeSegLast = index;
+    }
+  });
+}
+
+void FindBottommost(SideTrace& bottom, EdgePoint* bottommost) {
+  bottommost->y = 0;
+  settings.BottomExtremeSegFirst = 0;
+  ForEachFullPoint(bottom, [&](EdgePoint point, int32_t index) {
+    if (point.y > bottommost->y) {
+      *bottommost = point;
+      settings.BottomExtremeSegFirst = index;
+      settings.BottomExtremeSegLast = index;
+    } else if (point.y == bottommost->y) {
+      settings.BottomExtremeSegLast = index;
+    }
+  });
+}
+
+template <typename Pixel>
+int32_t TraceRows(const ImageRec& image, const ScanBand& band, GreyBand levels, TraceBuilder* left,
+                  TraceBuilder* right) {
+  const int32_t run = settings.SearchBorderPixelNum;
+  for (int64_t row = band.top; row <= band.bottom; row += 2) {
+    const auto y = static_cast<int32_t>(row);
+    int32_t status = AddPoint(left, WalkFromLeft<Pixel>(image.rows[y], band, levels, run), y);
+    if (status != STATUS_OK) return status;
+    status = AddPoint(right, WalkFromRight<Pixel>(image.rows[y], band, levels, run), y);
+    if (status != STATUS_OK) return status;
+  }
+  return FinishSides(left, right);
+}
+
+template <typename Pixel>
+int32_t TraceColumns(const ImageRec& image, const ScanBand& band, GreyBand levels,
+                     ColumnRange columns, TraceBuilder* top, TraceBuilder* bottom) {
+  ScratchArray<int32_t> topRows;
+  ScratchArray<int32_t> bottomRows;
+  if (!topRows.Allocate(columns.count()) || !bottomRows.Allocate(columns.count())) {
+    return OUT_OF_MEMORY;
+  }
+  int32_t status = WalkColumns<Pixel>(image, band, levels, settings.SearchBorderPixelNum, columns,
+                                      {topRows.span(), bottomRows.span()});
+  if (status != STATUS_OK) return status;
+
+  for (size_t i = 0; i < columns.count(); ++i) {
+    const int32_t x = columns.right - 2 * static_cast<int32_t>(i);
+    status = AddPoint(top, x, topRows[i]);
+    if (status != STATUS_OK) return status;
+    status = AddPoint(bottom, x, bottomRows[i]);
+    if (status != STATUS_OK) return status;
+  }
+  return FinishSides(top, bottom);
+}
+
+}  // namespace
+
+int32_t ScanRows(const ImageRec* image, const ScanBand* band, GreyBand levels, SideTrace* left,
+                 SideTrace* right, ExtremePoints* extremes) {
+  if (image == nullptr || band == nullptr || left == nullptr || right == nullptr ||
+      extremes == nullptr) {
+    return BAD_ARGUMENT;
+  }
+  int32_t status = Imgbuf_Check(image);
+  if (status != STATUS_OK) return status;
+  if (!IsInside(*band, *image)) return BAD_ARGUMENT;
+
+  TraceBuilder leftSide;
+  TraceBuilder rightSide;
+  status = WithDepth(image->bitsPerPixel, [&](auto pixel) {
+    return TraceRows<decltype(pixel)>(*image, *band, levels, &leftSide, &rightSide);
+  });
+  if (status != STATUS_OK) return status;
+
+  FindLeftmost(leftSide.trace(), image->width, &extremes->leftmost);
+  FindRightmost(rightSide.trace(), &extremes->rightmost);
+  if (extremes->leftmost.x >= extremes->rightmost.x) return BORDER_NOT_FOUND;
+  *left = leftSide.Take();
+  *right = rightSide.Take();
+  return STATUS_OK;
+}
+
+int32_t ScanColumns(const ImageRec* image, const ScanBand* band, GreyBand levels, SideTrace* top,
+                    SideTrace* bottom, ExtremePoints* extremes) {
+  if (image == nullptr || band == nullptr || top == nullptr || bottom == nullptr ||
+      extremes == nullptr) {
+    return BAD_ARGUMENT;
+  }
+  int32_t status = Imgbuf_Check(image);
+  if (status != STATUS_OK) return status;
+  const ColumnRange columns{extremes->leftmost.x, extremes->rightmost.x};
+  const bool isInside = columns.left >= 0 && columns.right < image->width;
+  if (!IsInside(*band, *image) || !isInside) return BAD_ARGUMENT;
+
+  TraceBuilder topSide;
+  TraceBuilder bottomSide;
+  status = WithDepth(image->bitsPerPixel, [&](auto pixel) {
+    return TraceColumns<decltype(pixel)>(*image, *band, levels, columns, &topSide, &bottomSide);
+  });
+  if (status != STATUS_OK) return status;
+
+  FindTopmost(topSide.trace(), image->height, &extremes->topmost);
+  FindBottommost(bottomSide.trace(), &extremes->bottommost);
+  if (extremes->topmost.y >= extremes->bottommost.y) return BORDER_NOT_FOUND;
+  *top = topSide.Take();
+  *bottom = bottomSide.Take();
+  return STATUS_OK;
+}
+
+}  // namespace vorlanepic

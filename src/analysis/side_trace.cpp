@@ -1,0 +1,77 @@
+#include "analysis/side_trace.h"
+
+#include <utility>
+
+#include "frame/arithmetic.h"
+#include "frame/settings.h"
+#include "vorlanepic/vorlanepic.h"
+
+namespace vorlanepic {
+namespace {
+
+// Elements by which a full array grows: most sides need one step or two.
+constexpr size_t kGrowth = 1000;
+
+bool IsFarStep(EdgePoint from, EdgePoint to) {
+  return WrapAbs(WrapSub(to.y, from.y)) > settings.SegmentMaxGap ||
+         WrapAbs(WrapSub(to.x, from.x)) > settings.SegmentMaxGap;
+}
+
+}  // namespace
+
+int32_t AppendPoint(SideTrace* trace, BorderSegment* building, EdgePoint point) {
+  if (point.x < 0 || point.y < 0) return BAD_ARGUMENT;
+  const auto count = static_cast<size_t>(trace->pointCount);
+  if (count == trace->points.size() && !trace->points.Grow(kGrowth)) return OUT_OF_MEMORY;
+  trace->points[count] = point;
+  ++trace->pointCount;
+  ++building->count;
+  building->meanX = WrapAdd(building->meanX, point.x);
+  building->meanY = WrapAdd(building->meanY, point.y);
+  return STATUS_OK;
+}
+
+int32_t AppendSegment(SegmentList* list, const BorderSegment& segment) {
+  const auto count = static_cast<size_t>(list->segmentCount);
+  if (count == list->segments.size() && !list->segments.Grow(kGrowth)) return OUT_OF_MEMORY;
+  list->segments[count] = segment;
+  list->segments[count].used = 0;
+  ++list->segmentCount;
+  return STATUS_OK;
+}
+
+int32_t TraceBuilder::Add(EdgePoint point) {
+  if (building_.count > 0) {
+    const EdgePoint last = trace_.points[static_cast<size_t>(trace_.pointCount) - 1];
+    if (building_.count == settings.SegmentPointNum || IsFarStep(last, point)) {
+      const int32_t status = CloseSegment();
+      if (status != STATUS_OK) return status;
+    }
+  }
+  return AppendPoint(&trace_, &building_, point);
+}
+
+int32_t TraceBuilder::Finish() { return CloseSegment(); }
+
+int32_t TraceBuilder::CloseSegment() {
+  BorderSegment closed = std::exchange(building_, BorderSegment{});
+  if (closed.count == 0) return STATUS_OK;
+  if (closed.count < settings.SegmentMinPointNum) {
+    trace_.pointCount -= closed.count;
+    return STATUS_OK;
+  }
+  closed.meanX /= closed.count;
+  closed.meanY /= closed.count;
+  return AppendSegment(&trace_.list, closed);
+}
+
+SideTrace TraceBuilder::Take() {
+  const EdgePoint* first = trace_.points.data();
+  for (BorderSegment& segment : trace_.list.view()) {
+    segment.first = first;
+    first += segment.count;
+  }
+  return std::move(trace_);
+}
+
+}  // namespace vorlanepic

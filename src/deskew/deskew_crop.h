@@ -1,0 +1,35 @@
+// Method 2: takes the skew from a vote among the page's borders, turns the content upright and cuts
+// it out.
+#pragma once
+
+#include <cstdint>
+
+#include "vorlanepic/vorlanepic.h"
+
+namespace vorlanepic {
+
+// What a run is told, beside its images.
+struct DeskewCropOptions {
+  int32_t interpolation;  // INTERP_BICUBIC, INTERP_BILINEAR or INTERP_NEAREST
+  int32_t threshold;      // its low 8 bits separate background from page; 0: estimated
+  const uint8_t* fill;    // the fill value of RotateImage
+};
+
+// Measures images[0] and turns and cuts all images of the set, ImageNum of them, alike.
+//
+//   angleOut   receives the turn in degrees, 0.0 up to 360.0
+//   outImages  empty records; the caller owns the images that were made, also those made before a
+//              failure. None is made with the setting AngleOnlyFlag at 1
+//
+// Returns STATUS_OK; BORDER_NOT_FOUND; ANGLE_NOT_FOUND when no border gives an angle; BAD_ARGUMENT;
+// OUT_OF_MEMORY; or a code of the image library, also when it cannot release the last turned image.
+// Sets ImageNum to 1 when the turning starts. CropPixelFlag is left at 0 when the run ends before
+// the first image was turned. What the stages found goes to settings.pageRecords.
+int32_t DeskewCropPipeline(const ImageRec* images, const DeskewCropOptions& options,
+                           double* angleOut, ImageRec* outImages);
+
+// The turn, 0.0 up to 360.0 degrees, that makes a page upright whose border lies at `borderAngle`,
+// -90.0..90.0: the border becomes the nearest of level and plumb.
+double TurnOfBorder(double borderAngle);
+
+}  // namespace vorlanepic

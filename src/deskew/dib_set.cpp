@@ -1,0 +1,104 @@
+#include "deskew/dib_set.h"
+
+#include <algorithm>
+#include <cstddef>
+#include <cstring>
+
+#include "frame/arithmetic.h"
+
+namespace vorlanepic {
+namespace {
+
+// Sets whose records would take more cannot be in memory with their pixels.
+constexpr size_t kMaxSetBytes = INT32_MAX;
+
+template <typename T>
+T LoadField(const DibRec& image, size_t offset) {
+  T value;
+  std::memcpy(&value, image.infoHeader + offset, sizeof value);
+  return value;
+}
+
+// Bytes of a row padded to 4 bytes.
+int32_t RowBytes(int32_t width, int32_t bitsPerPixel) {
+  return static_cast<int32_t>((int64_t{width} * bitsPerPixel + 31) / 32 * 4);
+}
+
+// A record around the pixels of `image`, as yet without rows.
+ImageRec WrapOne(const DibRec& image) {
+  ImageRec rec{};
+  rec.width = DibWidth(image);
+  rec.height = DibHeight(image);
+  rec.bitsPerPixel = DibBitsPerPixel(image);
+  rec.lineBytes = RowBytes(rec.width, rec.bitsPerPixel);
+  rec.imageBytes = WrapMul(rec.lineBytes, rec.height);
+  rec.pixels = image.bits;
+  return rec;
+}
+
+size_t RowCount(const ImageRec& image) { return static_cast<size_t>(std::max(image.height, 0)); }
+
+void LayRows(uint8_t** rows, ImageRec* image) {
+  for (int32_t y = 0; y < image->height; ++y) {
+    rows[y] = image->pixels + ptrdiff_t{y} * image->lineBytes;
+  }
+  image->rows = rows;
+}
+
+void CopyRows(const ImageRec& from, const DibRec& to) {
+  const int32_t lineBytes = RowBytes(from.width, from.bitsPerPixel);
+  const auto copied = static_cast<size_t>(std::min(from.lineBytes, lineBytes));
+  for (int32_t y = 0; y < from.height; ++y) {
+    std::memcpy(to.bits + ptrdiff_t{y} * lineBytes, from.pixels + ptrdiff_t{y} * from.lineBytes,
+                copied);
+  }
+}
+
+}  // namespace
+
+int32_t DibWidth(const DibRec& image) { return LoadField<int32_t>(image, 4); }
+int32_t DibHeight(const DibRec& image) { return LoadField<int32_t>(image, 8); }
+int32_t DibBitsPerPixel(const DibRec& image) { return LoadField<uint16_t>(image, 14); }
+int32_t DibPixelsPerMetre(const DibRec& image) { return LoadField<int32_t>(image, 24); }
+
+DibSet::~DibSet() {
+  for (ImageRec& result : results_.span()) {
+    if (result.pixels != nullptr) Imgbuf_Destory(&result);
+  }
+}
+
+int32_t DibSet::Wrap(const DibRec* images, int32_t count) {
+  if (count < 1) return BAD_ARGUMENT;
+  const auto setSize = static_cast<size_t>(count);
+  if (setSize > kMaxSetBytes / sizeof(ImageRec)) return OUT_OF_MEMORY;
+  if (!sources_.Allocate(setSize) || !results_.Allocate(setSize)) return OUT_OF_MEMORY;
+
+  size_t rowCount = 0;
+  for (size_t i = 0; i < setSize; ++i) {
+    if (i > 0 && ImgbufCheck(&images[i]) != STATUS_OK) continue;
+    sources_[i] = WrapOne(images[i]);
+    rowCount += RowCount(sources_[i]);
+  }
+  if (!rows_.Allocate(rowCount)) return OUT_OF_MEMORY;
+
+  uint8_t** rows = rows_.data();
+  for (ImageRec& source : sources_.span()) {
+    LayRows(rows, &source);
+    rows += RowCount(source);
+  }
+  return STATUS_OK;
+}
+
+int32_t DibSet::CopyResults(DibRec* outImages) const {
+  if (outImages == nullptr) return BAD_ARGUMENT;
+  for (size_t i = 0; i < results_.size(); ++i) {
+    const ImageRec& result = results_[i];
+    const int32_t status =
+        ImgbufNew(&outImages[i], result.width, result.height, result.bitsPerPixel);
+    if (status != STATUS_OK) return status;
+    CopyRows(result, outImages[i]);
+  }
+  return STATUS_OK;
+}
+
+}  // namespace vorlanepic

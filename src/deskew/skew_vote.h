@@ -1,0 +1,48 @@
+// Takes one skew angle from the four traced borders by a vote.
+#pragma once
+
+#include <cstdint>
+#include <span>
+
+#include "analysis/border_records.h"
+#include "vorlanepic/vorlanepic.h"
+
+namespace vorlanepic {
+
+// One border's part in the vote.
+struct BorderVote {
+  bool hasAngle = false;
+  double angle = 0.0;  // degrees, -90..90
+  int32_t votes = 0;   // segments near the line
+  BorderLine line;     // the line that won them
+};
+
+// Lets the four borders vote. A border's longest run of chunks of `segmentLen` segments that agree
+// in direction gives it a line, and its segments near the line (ToLineDistance) are its votes. The
+// border with the most votes gives the angle; with the setting AngleMode, two opposite borders that
+// agree within 1.5 degrees give their mean.
+//
+//   segmentLen  its low 16 bits count, 1..50
+//   groupAngle  0.0..5.0 degrees between neighbouring directions of one run
+//   votes       filled in the order left, right, top, bottom, as far as the vote came
+//   bestBorder  receives the index of the border with the most votes
+//   degrees     receives the angle, -90..90
+//
+// Returns STATUS_OK; ANGLE_NOT_FOUND when no border gives an angle; BAD_ARGUMENT for a value out of
+// range; or OUT_OF_MEMORY.
+int32_t EstimateSkewFromBorders(const BorderTraces& traces, int32_t segmentLen, double groupAngle,
+                                std::span<BorderVote, 4> votes, int32_t* bestBorder,
+                                double* degrees);
+
+// One border's vote, from the means of its segments in the order along the border. Arguments and
+// results are those of EstimateSkewFromBorders; ANGLE_NOT_FOUND leaves *vote without an angle.
+int32_t EstimateBorderAngle(std::span<const BorderSegment> segments, int32_t segmentLen,
+                            double groupAngle, BorderVote* vote);
+
+// Fits `line` through the mean of the first half of `points` and that of the second half. Its angle
+// is signed.
+//
+// Returns STATUS_OK; BAD_ARGUMENT for fewer than 2 points; ANGLE_NOT_FOUND when the halves meet.
+int32_t FitLineByHalves(BorderLine* line, std::span<const EdgePoint> points);
+
+}  // namespace vorlanepic

@@ -1,0 +1,104 @@
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+#include <span>
+
+#include "deskew/pruned_rotation.h"
+#include "frame/scratch.h"
+#include "frame/settings.h"
+#include "vorlanepic/vorlanepic.h"
+
+namespace {
+
+using namespace vorlanepic;
+
+// What VorlanePic returns.
+constexpr int32_t kProcessed = 1;
+constexpr int32_t kFailed = 0;
+constexpr int32_t kRejected = 1;
+
+constexpr int32_t kHighestThreshold = 255;
+constexpr int32_t kLightBackground = 255;
+
+bool IsDepth(int32_t bitsPerPixel) {
+  return bitsPerPixel == 1 || bitsPerPixel == 8 || bitsPerPixel == 24;
+}
+
+bool IsMode(int32_t mode) {
+  return mode == INTERP_NEAREST || mode == INTERP_BICUBIC || mode == INTERP_BILINEAR;
+}
+
+// Border runs of 2 pixels, segments of 4 to 6 points at most 6 pixels apart.
+void AssignSettings() {
+  settings.ImageNum = 1;
+  settings.BorderMethod = 1;
+  settings.ExtremeAnchorFlag = 0.0;
+  settings.SegmentMaxGap = 6;
+  settings.SegmentPointNum = 6;
+  settings.SegmentMinPointNum = 4;
+  settings.SearchBorderPixelNum = 2;
+  settings.ToLineMixDis = 5;
+  settings.ToLineDistance = 8;
+  settings.parallel = 3.5;
+  settings.perpendicular = 2.0;
+}
+
+void CopyPixels(uint8_t* to, const uint8_t* from, int32_t bytes) {
+  std::memcpy(to, from, static_cast<size_t>(bytes));
+}
+
+}  // namespace
+
+int32_t VORLANEPIC_STDCALL VorlanePic(uint8_t* pixels, int32_t* width, int32_t* height,
+                                      int32_t bitsPerPixel, int32_t mode,
+                                      int32_t threshold) noexcept {
+  if (pixels == nullptr || width == nullptr || height == nullptr) return kRejected;
+  if (*width <= 0 && *height <= 0) return kRejected;
+  if (!IsDepth(bitsPerPixel) || !IsMode(mode)) return kRejected;
+  AssignSettings();
+
+  ScratchImage source;
+  if (Imgbuf_New(source.rec(), *width, *height, bitsPerPixel, 0) != STATUS_OK) return kFailed;
+  CopyPixels(source.rec()->pixels, pixels, source.rec()->imageBytes);
+
+  constexpr uint8_t kBlue[3] = {255, 0, 0};
+  double angle = 0.0;
+  ScratchImage result;
+  const int32_t status =
+      RunPrunedRotation(std::span<const ImageRec>(source.rec(), 1), {mode, threshold, 0, 0, kBlue},
+                        &angle, std::span(result.rec(), 1));
+  if (status != STATUS_OK) return kFailed;
+  *width = result.rec()->width;
+  *height = result.rec()->height;
+  CopyPixels(pixels, result.rec()->pixels, result.rec()->imageBytes);
+  return kProcessed;
+}
+
+int32_t VORLANEPIC_STDCALL VorlanePicEx(uint8_t* pixels, int32_t* width, int32_t* height,
+                                        int32_t bitsPerPixel, int32_t mode) noexcept {
+  settings.ImageNum = 1;
+  return VorlanePic(pixels, width, height, bitsPerPixel, mode, 0);
+}
+
+int32_t VORLANEPIC_STDCALL ImageVorlane(const ImageRec* source, int32_t mode, int32_t threshold,
+                                        int32_t background, ImageRec* result) noexcept {
+  settings.ImageNum = 1;
+  double angle = 0.0;
+  return ImageVorlaneEx(source, mode, threshold, background, &angle, result);
+}
+
+int32_t VORLANEPIC_STDCALL ImageVorlaneEx(const ImageRec* source, int32_t mode, int32_t threshold,
+                                          int32_t background, double* angle,
+                                          ImageRec* result) noexcept {
+  if (source == nullptr || result == nullptr || angle == nullptr) return BAD_ARGUMENT;
+  if (threshold < 0 || threshold > kHighestThreshold) return BAD_ARGUMENT;
+  if (!IsMode(mode)) return BAD_ARGUMENT;
+  if (background != 0 && background != kLightBackground) return BAD_ARGUMENT;
+  const int32_t status = Imgbuf_Check(source);
+  if (status != STATUS_OK) return status;
+  AssignSettings();
+
+  constexpr uint8_t kBlack[3] = {0, 0, 0};
+  return RunPrunedRotation(std::span(source, 1), {mode, threshold, background, 0, kBlack}, angle,
+                           std::span(result, 1));
+}

@@ -1,0 +1,71 @@
+// Real numbers of about 106 significant bits, as the sum of two doubles.
+#pragma once
+
+#include <cstdint>
+
+namespace vorlanepic {
+
+// The value high + low. Holds: high is the double nearest to the value, so rounding to double is
+// taking `high`.
+struct DoubleDouble {
+  double high;
+  double low;
+};
+
+// a + b without error, for |a| >= |b|.
+constexpr DoubleDouble SumOfLargerAndSmaller(double a, double b) {
+  const double sum = a + b;
+  return {sum, b - (sum - a)};
+}
+
+// a + b without error.
+constexpr DoubleDouble ExactSum(double a, double b) {
+  const double sum = a + b;
+  const double fromB = sum - a;
+  return {sum, (a - (sum - fromB)) + (b - fromB)};
+}
+
+// The upper 26 bits of a, with |a| < 2^996; the rest has 26 bits too.
+constexpr double UpperHalf(double a) {
+  const double scaled = 134217729.0 * a;  // 2^27 + 1
+  return scaled - (scaled - a);
+}
+
+// a * b without error, for |a|, |b| < 2^996 and a product that is 0 or at least 2^-960.
+constexpr DoubleDouble ExactProduct(double a, double b) {
+  const double product = a * b;
+  const double aUpper = UpperHalf(a);
+  const double bUpper = UpperHalf(b);
+  const double aLower = a - aUpper;
+  const double bLower = b - bUpper;
+  const double error = aUpper * bUpper - product + aUpper * bLower + aLower * bUpper;
+  return {product, error + aLower * bLower};
+}
+
+constexpr DoubleDouble operator-(DoubleDouble a) { return {-a.high, -a.low}; }
+
+constexpr DoubleDouble operator+(DoubleDouble a, DoubleDouble b) {
+  const DoubleDouble high = ExactSum(a.high, b.high);
+  const DoubleDouble low = ExactSum(a.low, b.low);
+  const DoubleDouble sum = SumOfLargerAndSmaller(high.high, high.low + low.high);
+  return SumOfLargerAndSmaller(sum.high, sum.low + low.low);
+}
+
+constexpr DoubleDouble operator-(DoubleDouble a, DoubleDouble b) { return a + -b; }
+
+constexpr DoubleDouble operator*(DoubleDouble a, DoubleDouble b) {
+  const DoubleDouble product = ExactProduct(a.high, b.high);
+  return SumOfLargerAndSmaller(product.high, product.low + (a.high * b.low + a.low * b.high));
+}
+
+// The quotient by long division, one double a digit.
+constexpr DoubleDouble operator/(DoubleDouble a, DoubleDouble b) {
+  const double first = a.high / b.high;
+  const DoubleDouble rest = a - b * DoubleDouble{first, 0};
+  const double second = rest.high / b.high;
+  const DoubleDouble last = rest - b * DoubleDouble{second, 0};
+  const DoubleDouble quotient = SumOfLargerAndSmaller(first, second);
+  return quotient + DoubleDouble{last.high / b.high, 0};
+}
+
+}  // namespace vorlanepic
