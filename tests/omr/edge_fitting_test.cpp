@@ -43,8 +43,8 @@ TEST(EdgeFittingTest, LevelEdgesHaveNoSlope) {
 }
 
 TEST(EdgeFittingTest, AnEdgeOneRowLowerEveryTenColumnsHasATenthsSlope) {
-  std::vector<int32_t> edge;
-  for (int32_t i = 0; i < 400; ++i) edge.push_back(40 + i / 10);
+  std::vector<int32_t> edge(400);
+  for (size_t i = 0; i < edge.size(); ++i) edge[i] = 40 + static_cast<int32_t>(i) / 10;
   BarLines lines{};
   ASSERT_TRUE(FitWideBarEdges(Samples(edge), &lines));
   EXPECT_NEAR(lines.first.slope, 0.1, 1e-4);
@@ -60,8 +60,8 @@ TEST(EdgeFittingTest, UprightEdgesHaveAnInfiniteSlope) {
 
 TEST(EdgeFittingTest, ATallEdgeIsFittedAlongItsRows) {
   // One column to the left every ten rows: down and to the left, slope -10.
-  std::vector<int32_t> edge;
-  for (int32_t i = 0; i < 400; ++i) edge.push_back(400 - i / 10);
+  std::vector<int32_t> edge(400);
+  for (size_t i = 0; i < edge.size(); ++i) edge[i] = 400 - static_cast<int32_t>(i) / 10;
   BarLines lines{};
   ASSERT_TRUE(FitTallBarEdges(Samples(edge), &lines));
   EXPECT_NEAR(lines.first.slope, -10.0, 0.01);

@@ -19,6 +19,7 @@ using ::testing::ElementsAre;
 
 std::vector<int32_t> FieldOf(TestSet& set, int32_t BlockRec::*field) {
   std::vector<int32_t> values;
+  values.reserve(static_cast<size_t>(set->count));
   for (int32_t i = 0; i < set->count; ++i) values.push_back(set[i].*field);
   return values;
 }
@@ -109,6 +110,7 @@ std::vector<BlockRec> Records(const std::vector<int32_t>& keys) {
 
 std::vector<int32_t> Places(const std::vector<BlockRec>& records) {
   std::vector<int32_t> places;
+  places.reserve(records.size());
   for (const BlockRec& record : records) places.push_back(record.root);
   return places;
 }

@@ -236,7 +236,7 @@ class SheetDib {
     const size_t lineBytes = (MarkSheet::kWidth * static_cast<size_t>(bits) + 31) / 32 * 4;
     rows_.resize(lineBytes * MarkSheet::kHeight);
     for (int32_t y = 0; y < MarkSheet::kHeight; ++y) {
-      uint8_t* row = &rows_[lineBytes * static_cast<size_t>(MarkSheet::kHeight - 1 - y)];
+      uint8_t* row = rows_.data() + lineBytes * static_cast<size_t>(MarkSheet::kHeight - 1 - y);
       for (int32_t x = 0; x < MarkSheet::kWidth; ++x) SetPixel(row, x, bits, sheet->At(x, y));
     }
     rec_ = {file_, info_, nullptr, rows_.data()};
