@@ -231,8 +231,8 @@ typedef struct BlockRec {
   uint32_t minValue;     /* smallest pixel value */
   uint32_t maxValue;     /* largest pixel value */
   int32_t pointCount;    /* equals area when handed back */
-  int32_t pointCapacity;
-  BlockPoint* points; /* every pixel of the block */
+  int32_t pointCapacity; /* what the list counted up to; memory is for pointCount */
+  BlockPoint* points;    /* every pixel of the block */
 } BlockRec;
 
 /*
@@ -281,8 +281,8 @@ typedef struct LabelArea {
  *   set            receives the blocks, behind those it already holds
  *
  * Returns 0; 1 for a null pointer or a rectangle whose origin lies outside the image (nothing is
- * changed); 2 when memory runs out and 10 for an inconsistent set (the set then holds unfinished
- * blocks and is released as usual).
+ * changed); 2 when memory runs out and 10 for a set whose numbers contradict each other (the set
+ * then holds the blocks that it held before and is released as usual).
  */
 VORLANEPIC_API int32_t VORLANEPIC_CDECL ImageBlockMarkHorEx(const uint8_t* image, int32_t height,
                                                             int32_t width,
