@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "analysis/threshold.h"
+
 namespace vorlanepic::host {
 namespace {
 
@@ -51,6 +53,13 @@ int32_t BestSplit(const Histogram& counts) {
 
 int32_t SplitLevel(const ImageRec& image) {
   return image.bitsPerPixel == 1 ? 127 : BestSplit(CountLevels(image));
+}
+
+int32_t PageThreshold(const ImageRec& image) {
+  constexpr uint8_t kLeast = 80;
+  uint8_t estimate = 0;
+  if (EstimateThreshold(&image, &estimate) != STATUS_OK || estimate < kLeast) return kLeast;
+  return SplitLevel(image) + 1;
 }
 
 std::vector<int32_t> ThresholdsToTry(const ImageRec& image) {
