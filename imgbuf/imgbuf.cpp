@@ -136,10 +136,7 @@ int32_t IMGBUF_CALL ImgbufNew(DibRec* image, int32_t width, int32_t height,
 }
 
 int32_t IMGBUF_CALL ImgbufCheck(const DibRec* image) noexcept {
-  if (image == nullptr || image->fileHeader == nullptr || image->infoHeader == nullptr ||
-      image->bits == nullptr) {
-    return kRefused;
-  }
+  if (image == nullptr || image->infoHeader == nullptr || image->bits == nullptr) return kRefused;
   const bool possible =
       IsPossibleShape(Load<int32_t>(image->infoHeader, 4), Load<int32_t>(image->infoHeader, 8),
                       Load<uint16_t>(image->infoHeader, 14));

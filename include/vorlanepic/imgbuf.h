@@ -54,7 +54,7 @@ typedef struct ImageRec {
  * picture's bottom row first, each padded to a multiple of 4 bytes.
  */
 typedef struct DibRec {
-  uint8_t* fileHeader; /* begins with 0x42 0x4D */
+  uint8_t* fileHeader; /* begins with 0x42 0x4D; null when the host has none */
   uint8_t* infoHeader; /* width: int32 at byte 4, height: int32 at 8, bit count: uint16 at 14,
                           horizontal pixels per metre: int32 at 24; little-endian */
   void* reserved;      /* not read */
@@ -103,9 +103,10 @@ IMGBUF_API int32_t IMGBUF_CALL ImgbufNew(DibRec* image, int32_t width, int32_t h
                                          int32_t bitsPerPixel) IMGBUF_NOEXCEPT;
 
 /*
- * Tells whether a device-independent image can be used: 0 when record, headers and bits are
- * non-null, the size is at least 1 x 1, the depth is 1, 4, 8, 16, 24 or 32 and the rows take at
- * most 2^31 - 1 bytes; otherwise 1.
+ * Tells whether a device-independent image can be used: 0 when record, information header and
+ * bits are non-null, the size is at least 1 x 1, the depth is 1, 4, 8, 16, 24 or 32 and the rows
+ * take at most 2^31 - 1 bytes; otherwise 1. An image without a file header passes: only the search
+ * for a reference bar asks for one.
  */
 IMGBUF_API int32_t IMGBUF_CALL ImgbufCheck(const DibRec* image) IMGBUF_NOEXCEPT;
 

@@ -102,6 +102,11 @@ TEST(DibImage, IsABitmapFileInMemory) {
 TEST(DibImage, CheckRefusesImpossibleHeaders) {
   DibRec dib{};
   ASSERT_EQ(ImgbufNew(&dib, 10, 4, 8), 0);
+  DibRec headless = dib;
+  headless.fileHeader = nullptr;
+  EXPECT_EQ(ImgbufCheck(&headless), 0);
+  headless.bits = nullptr;
+  EXPECT_EQ(ImgbufCheck(&headless), 1);
   const int32_t bottomUp = -4;
   std::memcpy(dib.infoHeader + 8, &bottomUp, 4);
   EXPECT_EQ(ImgbufCheck(&dib), 1);
