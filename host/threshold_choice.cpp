@@ -30,8 +30,10 @@ int32_t BestSplit(const Histogram& counts) {
     total += counts[i];
     totalSum += static_cast<double>(i) * counts[i];
   }
-  int32_t best = 127;
-  double bestBetween = 0;
+  // Between two levels that stand apart every split is as good: the middle one is taken.
+  int32_t first = 127;
+  int32_t last = 127;
+  double best = 0;
   double below = 0;
   double belowSum = 0;
   for (size_t i = 0; i + 1 < counts.size(); ++i) {
@@ -41,12 +43,13 @@ int32_t BestSplit(const Histogram& counts) {
     if (below == 0 || above == 0) continue;
     const double apart = belowSum / below - (totalSum - belowSum) / above;
     const double between = below * above * apart * apart;
-    if (between > bestBetween) {
-      bestBetween = between;
-      best = static_cast<int32_t>(i);
+    if (between > best) {
+      best = between;
+      first = static_cast<int32_t>(i);
     }
+    if (between >= best) last = static_cast<int32_t>(i);
   }
-  return best;
+  return (first + last) / 2;
 }
 
 }  // namespace

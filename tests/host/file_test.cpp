@@ -156,9 +156,9 @@ TEST(BadInputTest, NamesTheFileAndGoesOn) {
   folder.Write("good.png", {&page});
   folder.Write("whole.jpg", {&page});
   folder.Write("whole.tif", {&page, &page});
-  folder.WriteText("cut.png", folder.Bytes("good.png").substr(0, 900));
-  folder.WriteText("cut.jpg", folder.Bytes("whole.jpg").substr(0, 3000));
-  folder.WriteText("cut.tif", folder.Bytes("whole.tif").substr(0, 1500));
+  folder.WriteText("cut-png.png", folder.Bytes("good.png").substr(0, 900));
+  folder.WriteText("cut-jpg.jpg", folder.Bytes("whole.jpg").substr(0, 3000));
+  folder.WriteText("cut-tif.tif", folder.Bytes("whole.tif").substr(0, 1500));
   folder.WriteText("empty.tif", "");
   folder.WriteText("words.png", "these are no pixels at all\n");
   // 60000 x 60000 pixels, said in the header only.
@@ -166,8 +166,8 @@ TEST(BadInputTest, NamesTheFileAndGoesOn) {
   std::filesystem::create_directory(folder.At("folder"));
   std::filesystem::create_directory(folder.At("out"));
 
-  const char* bad[] = {"cut.png",   "cut.jpg",  "cut.tif", "empty.tif",
-                       "words.png", "huge.pgm", "folder",  "missing.tif"};
+  const char* bad[] = {"cut-png.png", "cut-jpg.jpg", "cut-tif.tif", "empty.tif",
+                       "words.png",   "huge.pgm",    "folder",      "missing.tif"};
   std::string inputs;
   for (const char* name : bad) inputs += std::string(name) + " ";
   const CommandResult result = folder.Run("straighten " + inputs + "good.png -o out/{name}.png");
@@ -178,7 +178,7 @@ TEST(BadInputTest, NamesTheFileAndGoesOn) {
   EXPECT_THAT(result.err, HasSubstr("60000 x 60000"));
   EXPECT_THAT(result.out, HasSubstr("good.png: "));
   EXPECT_TRUE(folder.Has("out/good.png"));
-  EXPECT_FALSE(folder.Has("out/cut.png"));
+  EXPECT_FALSE(folder.Has("out/cut-png.png"));
   EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 8) << result.err;
 }
 
