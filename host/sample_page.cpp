@@ -56,14 +56,17 @@ struct FontRelease {
 // The sheet's print, black on white, upright.
 class Sheet {
  public:
-  Sheet() : pix_(pixCreate(kWidth, kHeight, 1)), font_(bmfCreate(nullptr, 10)) {
-    if (!pix_ || !font_) throw std::bad_alloc();
+  Sheet()
+      : pix_(pixCreate(kWidth, kHeight, 1)),
+        font_(bmfCreate(nullptr, 8)),
+        titleFont_(bmfCreate(nullptr, 20)) {
+    if (!pix_ || !font_ || !titleFont_) throw std::bad_alloc();
     DrawHead();
     DrawPicture(420);
     int32_t top = 850;
     for (const char* text : kText) top = DrawParagraph(text, top);
     Rule(kHeight - 170, 3);
-    DrawLine("1", kWidth / 2 - 8, kHeight - 150, 1);
+    DrawLine(font_.get(), "1", kWidth / 2 - 8, kHeight - 150);
   }
 
   bool IsInk(double x, double y) const {
@@ -78,12 +81,12 @@ class Sheet {
     pixRasterop(pix_.get(), kMargin, y, kWidth - 2 * kMargin, thickness, PIX_SET, nullptr, 0, 0);
   }
 
-  void DrawLine(const char* text, int32_t left, int32_t top, int32_t scale) {
+  void DrawLine(L_Bmf* font, const char* text, int32_t left, int32_t top, int32_t scale = 1) {
     int32_t width = 0;
-    bmfGetStringWidth(font_.get(), text, &width);
-    const PixPtr line(pixCreate(width + 8, font_->lineheight + 4, 1));
+    bmfGetStringWidth(font, text, &width);
+    const PixPtr line(pixCreate(width + 8, font->lineheight + 4, 1));
     if (!line) throw std::bad_alloc();
-    pixSetTextline(line.get(), font_.get(), text, 1, 2, font_->baseline1 + 2, nullptr, nullptr);
+    pixSetTextline(line.get(), font, text, 1, 2, font->baseline1 + 2, nullptr, nullptr);
     const PixPtr large(pixExpandReplicate(line.get(), scale));
     pixRasterop(pix_.get(), left, top, pixGetWidth(large.get()), pixGetHeight(large.get()),
                 PIX_PAINT, large.get(), 0, 0);
@@ -92,8 +95,8 @@ class Sheet {
   void DrawHead() {
     Rule(150, 6);
     int32_t width = 0;
-    bmfGetStringWidth(font_.get(), kTitle, &width);
-    DrawLine(kTitle, (kWidth - 3 * width) / 2, 215, 3);
+    bmfGetStringWidth(titleFont_.get(), kTitle, &width);
+    DrawLine(titleFont_.get(), kTitle, (kWidth - 2 * width) / 2, 190, 2);
     Rule(370, 2);
   }
 
@@ -120,9 +123,9 @@ class Sheet {
   // Returns the row where the next paragraph begins.
   int32_t DrawParagraph(const char* text, int32_t top) {
     int32_t height = 0;
-    Sarray* lines = bmfGetLineStrings(font_.get(), text, kWidth - 2 * kMargin, 0, &height);
+    Sarray* lines = bmfGetLineStrings(font_.get(), text, kWidth - 2 * kMargin - 40, 0, &height);
     for (int32_t i = 0; i < sarrayGetCount(lines); ++i) {
-      DrawLine(sarrayGetString(lines, i, L_NOCOPY), kMargin, top, 1);
+      DrawLine(font_.get(), sarrayGetString(lines, i, L_NOCOPY), kMargin, top);
       top += font_->lineheight + 10;
     }
     sarrayDestroy(&lines);
@@ -131,6 +134,7 @@ class Sheet {
 
   PixPtr pix_;
   std::unique_ptr<L_Bmf, FontRelease> font_;
+  std::unique_ptr<L_Bmf, FontRelease> titleFont_;
 };
 
 TestImage DrawSample() {
