@@ -24,7 +24,11 @@ function(vorlanepic_export_from_shared_object target lines)
   endforeach()
   set(script ${CMAKE_CURRENT_BINARY_DIR}/${target}.map)
   file(WRITE ${script} "{\n  global:\n${names}  local:\n    *;\n};\n")
-  target_link_options(${target} PRIVATE -Wl,--version-script=${script} -Wl,--no-undefined)
+  target_link_options(${target} PRIVATE -Wl,--version-script=${script})
+  # A sanitizer's own names may be left to the program that loads the library.
+  if(NOT VORLANEPIC_SANITIZE)
+    target_link_options(${target} PRIVATE -Wl,--no-undefined)
+  endif()
   set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${script})
 endfunction()
 

@@ -11,9 +11,6 @@
 namespace vorlanepic {
 namespace {
 
-// Points behind the capacity of a list that writing may touch, so that it can go in whole steps.
-constexpr size_t kOverrun = 8;
-
 // What adding a merged block's points to a list reserves beyond them.
 constexpr int64_t kMergeReserve = 1024;
 
@@ -100,11 +97,12 @@ int32_t GrowSet(int64_t capacity, BlockSetRec* set) {
   return STATUS_OK;
 }
 
-BlockPoint* NewPoints(int64_t capacity) {
-  if (capacity > INT32_MAX) return nullptr;
-  const size_t count = static_cast<size_t>(capacity) + kOverrun;
-  if (count > SIZE_MAX / sizeof(BlockPoint)) return nullptr;
-  return static_cast<BlockPoint*>(std::malloc(count * sizeof(BlockPoint)));
+// Memory for the points alone: reserving what the list counted up to would cost two kilobytes and
+// half a page fault for every speck.
+BlockPoint* NewPoints(const BlockTotal& total) {
+  const auto count = static_cast<uint64_t>(total.sums.area);
+  if (total.pointCapacity > INT32_MAX || count > SIZE_MAX / sizeof(BlockPoint)) return nullptr;
+  return static_cast<BlockPoint*>(std::malloc(static_cast<size_t>(count) * sizeof(BlockPoint)));
 }
 
 // Gives each block of a chain its piece of the root's list: the root's own points first.
@@ -112,8 +110,7 @@ void DividePoints(const BlockGrowth& growth, int32_t root, BlockPoint* points,
                   ScratchArray<PointCursor>* cursors) {
   for (int32_t b = root; b >= 0; b = growth.block(b).next) {
     BlockPoint* end = points + growth.block(b).area;
-    const bool isLast = growth.block(b).next < 0;
-    (*cursors)[static_cast<size_t>(b)] = {points, isLast ? end + kOverrun : end};
+    (*cursors)[static_cast<size_t>(b)] = {points, end};
     points = end;
   }
 }
@@ -132,7 +129,7 @@ int32_t AddRecords(const BlockGrowth& growth, int32_t shortestDiagonal, BlockSet
     const BlockTotal total = TotalOf(growth, b);
     BlockRec record = FinishedRecord(total);
     if (BoxDiagonal(record.width, record.height) < shortestDiagonal) continue;
-    record.points = NewPoints(total.pointCapacity);
+    record.points = NewPoints(total);
     if (record.points == nullptr) {
       ReleasePoints(set->blocks, set->count, *end);
       return OUT_OF_MEMORY;

@@ -5,13 +5,13 @@
 #include <new>
 #include <system_error>
 #include <thread>
-#include <utility>
 
 #include "frame/lock.h"
 #include "frame/scratch.h"
 #include "frame/settings.h"
 #include "rotate/plain_rotation.h"
 #include "rotate/rotate_job.h"
+#include "rotate/tiled_rotation.h"
 
 namespace vorlanepic {
 namespace {
@@ -32,28 +32,45 @@ bool IsPossibleTurn(const ImageRec& source, const RowSpans& region, const Turn& 
          region.top >= 0 && region.bottom < source.height && region.top < region.bottom;
 }
 
-void RotateFirstHalf(const RotateJob& job) {
-  const std::lock_guard lock(FirstHalfLock);
-  RotateRowsPlain(job, 0, job.halfHeight());
-}
+// Calls rotateRows(first, last) for the output's upper rows up to the centre row, and for the rest,
+// each under its half's lock and, where it pays, each on its own thread.
+template <typename RotateRows>
+void RotateHalves(const RotateJob& job, RotateRows rotateRows) {
+  const auto firstHalf = [&] {
+    const std::lock_guard lock(FirstHalfLock);
+    rotateRows(0, job.halfHeight());
+  };
+  const auto secondHalf = [&] {
+    const std::lock_guard lock(SecondHalfLock);
+    rotateRows(job.halfHeight() + 1, job.turn.outHeight - 1);
+  };
 
-void RotateSecondHalf(const RotateJob& job) {
-  const std::lock_guard lock(SecondHalfLock);
-  RotateRowsPlain(job, job.halfHeight() + 1, job.turn.outHeight - 1);
-}
-
-// Starts the first half on a thread of its own. A thread that does not run: the half was computed
-// here.
-std::thread StartFirstHalf(const RotateJob& job) {
+  std::thread worker;
   if (int64_t{job.turn.outWidth} * job.turn.outHeight >= kThreadWorthPixels) {
     try {
-      return std::thread([&job] { RotateFirstHalf(job); });
+      worker = std::thread(firstHalf);
     } catch (const std::system_error&) {  // NOLINT(bugprone-empty-catch): no thread to be had
     } catch (const std::bad_alloc&) {     // NOLINT(bugprone-empty-catch): no room for a thread
     }
   }
-  RotateFirstHalf(job);
-  return {};
+  if (!worker.joinable()) firstHalf();
+  secondHalf();
+  if (worker.joinable()) worker.join();
+}
+
+// Fills the target. False when there is no memory for the tables.
+bool Rotate(RotateJob& job) {
+  const int32_t mostSteps = std::max(job.halfWidth(), job.halfHeight());
+  if (!job.steps.Build(job.turn.angle, static_cast<size_t>(mostSteps) + 11)) return false;
+
+  if (!TiledRotation::Suits(job)) {
+    RotateHalves(job, [&](int32_t first, int32_t last) { RotateRowsPlain(job, first, last); });
+    return true;
+  }
+  TiledRotation rotation(job);
+  if (!rotation.Build()) return false;
+  RotateHalves(job, [&](int32_t first, int32_t last) { rotation.RotateRows(first, last); });
+  return true;
 }
 
 }  // namespace
@@ -76,12 +93,7 @@ int32_t RotateImage(const ImageRec* source, ImageRec* target, const RowSpans* sp
   if (status != STATUS_OK) return status;
 
   RotateJob job{*source, *output.rec(), *spans, turn, fill, {}};
-  const int32_t mostSteps = std::max(job.halfWidth(), job.halfHeight());
-  if (!job.steps.Build(turn.angle, static_cast<size_t>(mostSteps) + 11)) return OUT_OF_MEMORY;
-
-  std::thread firstHalf = StartFirstHalf(job);
-  RotateSecondHalf(job);
-  if (firstHalf.joinable()) firstHalf.join();
+  if (!Rotate(job)) return OUT_OF_MEMORY;
 
   *target = output.Take();
   return STATUS_OK;

@@ -1,0 +1,70 @@
+// The inner loops of a rotation, one table of them for each instruction set.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "rotate/pixel_rule.h"
+
+namespace vorlanepic {
+
+// Runs of a kernel stay within strips of this many output columns, so that steps fit 16 bits.
+inline constexpr int32_t kStripColumns = 256;
+// Kernels take no run shorter than this.
+inline constexpr int32_t kShortestRun = 16;
+// Kernels may read this many bytes from a tap on, and as many rows as `rowsOfEight` below it.
+inline constexpr int32_t kReadAhead = 16;
+
+// A run of neighbouring output pixels whose taps all lie in the region. Pixel i of the run lies
+//   x = (stepX[i] + startX) mod 2^16, y = (stepY[i] + startY) mod 2^16
+// hundredths of a source pixel right of and below `origin`; x / 100 and y / 100 are its first
+// pixel, and the tenths of the rest its phases. x and y are monotone in i, change by at most 100 a
+// step and stay below 100 * (kStripColumns + 1).
+struct PixelRun {
+  const uint8_t* origin;  // the byte that holds the least column and row that the run comes to
+  int32_t originBit;      // 1 bit: which pixel of that byte, 0..7; else 0
+  ptrdiff_t sourceLine;   // bytes from one source row to the next
+  const uint16_t* stepX;
+  const uint16_t* stepY;
+  uint16_t startX;
+  uint16_t startY;
+  bool isFallingX;      // whether x falls along the run
+  bool isFallingY;      // whether y does
+  int32_t rowsOfEight;  // source rows, at most, by which the y of 8 neighbours differ; at least 1
+  int32_t rowsOfFour;   // the same for 4 neighbours
+  uint8_t* out;         // first byte of the run; at 1 bit it begins with the run
+  int32_t count;        // pixels, at least kShortestRun; a multiple of 8 at 1 bit
+};
+
+using RunKernel = void (*)(const PixelRun& run);
+
+// Kernels by PixelKind.
+struct KernelTable {
+  RunKernel kernels[kPixelKinds];
+
+  RunKernel For(PixelKind kind) const { return kernels[static_cast<size_t>(kind)]; }
+};
+
+enum class InstructionSet : int32_t { kScalar, kSse2, kAvx2 };
+inline constexpr InstructionSet kInstructionSets[] = {InstructionSet::kScalar,
+                                                      InstructionSet::kSse2, InstructionSet::kAvx2};
+
+// Whether this machine has the instruction set and this library kernels for it.
+bool HasInstructionSet(InstructionSet set);
+
+// The last of kInstructionSets that this machine has; in builds with test hooks, the one that the
+// environment variable VORLANEPIC_INSTRUCTION_SET names (scalar, sse2, avx2).
+InstructionSet BestInstructionSet();
+
+// The kernels in use: those of the best instruction set, unless another was selected.
+const KernelTable& RotateKernels();
+
+// Makes rotations use the kernels of `set`, which the machine has, from the next call on. For
+// tests: calls that are under way must have ended.
+void SelectRotateKernels(InstructionSet set);
+
+extern const KernelTable kScalarKernels;
+extern const KernelTable kSse2Kernels;
+extern const KernelTable kAvx2Kernels;
+
+}  // namespace vorlanepic

@@ -1,0 +1,68 @@
+// The rotation as it is done: tiles of the output are sorted by where they lie in the source, and
+// what lies wholly in the region goes to the kernels in runs that need no test.
+#pragma once
+
+#include <cstdint>
+
+#include "frame/scratch.h"
+#include "rotate/kernels.h"
+#include "rotate/pixel_rule.h"
+#include "rotate/region_index.h"
+#include "rotate/rotate_job.h"
+
+namespace vorlanepic {
+
+// One rotation, made ready once and then computed by several threads at a time.
+class TiledRotation {
+ public:
+  // Whether the job suits: its source rows lie one behind the other, and its steps leave so much
+  // room in an int32 that no sum wraps. Other jobs are left to RotateRowsPlain.
+  static bool Suits(const RotateJob& job);
+
+  // `job` suits, has its step tables and outlives this object.
+  explicit TiledRotation(const RotateJob& job);
+
+  // Makes the tables. False when there is no memory.
+  [[nodiscard]] bool Build();
+
+  // Computes rows first..last of the job's target, row padding included.
+  void RotateRows(int32_t first, int32_t last) const;
+
+ private:
+  // Output columns left..right of rows top..bottom, all inclusive.
+  struct OutputRect {
+    int32_t left;
+    int32_t right;
+    int32_t top;
+    int32_t bottom;
+  };
+  class TileMap;
+
+  int32_t OffsetX(int32_t x, int32_t y) const;
+  int32_t OffsetY(int32_t x, int32_t y) const;
+  SourceRect BasePixelsOf(const OutputRect& rect) const;
+  bool HoldsTapsOf(const SourceRect& basePixels) const;
+
+  void RotateTile(const OutputRect& tile) const;
+  void MapRect(const OutputRect& rect, TileMap& map) const;
+  void MapPixels(const OutputRect& rect, TileMap& map) const;
+  void RotateMappedRow(const TileMap& map, int32_t y) const;
+
+  // Pixels first..last of row y, all with their taps in the region.
+  void RotateInnerRun(int32_t y, int32_t first, int32_t last) const;
+  void RotateOneSidedRun(int32_t y, int32_t first, int32_t last) const;
+  void RunKernelOn(int32_t y, int32_t first, int32_t last) const;
+  void SamplePixels(int32_t y, int32_t first, int32_t last) const;
+
+  const RotateJob& job_;
+  const PixelRule& rule_;
+  const RunKernel kernel_;
+  int32_t rowsOfEight_;
+  int32_t rowsOfFour_;
+  int32_t lastSafeRow_;  // of the source, for a tap of a kernel
+  RegionIndex index_;
+  ScratchArray<uint16_t> stepX_;  // low 16 bits of each output column's part in the offsets
+  ScratchArray<uint16_t> stepY_;
+};
+
+}  // namespace vorlanepic

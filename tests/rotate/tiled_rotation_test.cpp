@@ -1,0 +1,194 @@
+// The fast ways against the plain one, byte for byte, with every instruction set of this machine.
+#include "rotate/tiled_rotation.h"
+
+#include <cmath>
+#include <cstring>
+#include <random>
+#include <string>
+#include <utility>
+
+#include <gtest/gtest.h>
+
+#include "rotate/plain_rotation.h"
+#include "rotate/regions.h"
+#include "support/page_drawing.h"
+
+namespace vorlanepic {
+namespace {
+
+using testing::TestImage;
+
+constexpr double kPi = 3.14159265358979323846;
+constexpr uint8_t kFill[3] = {0xA5, 0x3C, 0x81};
+
+using Random = std::mt19937;
+
+int32_t Between(Random& random, int32_t least, int32_t greatest) {
+  return std::uniform_int_distribution(least, greatest)(random);
+}
+
+// Noise over the whole range, noise of extreme levels, or a mix of both.
+void Scribble(Random& random, TestImage& image) {
+  constexpr uint8_t kExtremes[] = {0, 127, 128, 254, 255};
+  const int32_t style = Between(random, 0, 2);
+  for (int32_t i = 0; i < image.rec()->imageBytes; ++i) {
+    const bool isExtreme = style == 0 || (style == 1 && Between(random, 0, 1) == 0);
+    image.rec()->pixels[i] = isExtreme ? kExtremes[Between(random, 0, 4)]
+                                       : static_cast<uint8_t>(Between(random, 0, 255));
+  }
+}
+
+enum class Shape { kWhole, kRectangle, kConvex, kRagged };
+
+RowSpans RegionOf(Random& random, Shape shape, int32_t width, int32_t height) {
+  const int32_t top = shape == Shape::kWhole ? 0 : Between(random, 0, height - 2);
+  const int32_t bottom = shape == Shape::kWhole ? height - 1 : Between(random, top + 1, height - 1);
+  RowSpans region = testing::RectangleRegion(0, width - 1, top, bottom);
+  const int32_t left = Between(random, 0, width - 1);
+  const int32_t right = Between(random, left, width - 1);
+  for (int32_t y = top; y <= bottom; ++y) {
+    RowSpan& span = region.spans[static_cast<size_t>(y)];
+    const double middle = 0.5 * (top + bottom);
+    const double across = (y - middle) / (bottom - middle + 1);
+    switch (shape) {
+      case Shape::kWhole:
+        break;
+      case Shape::kRectangle:
+        span = {left, right};
+        break;
+      case Shape::kConvex: {
+        const double half = 0.5 * (width - 1) * std::sqrt(1 - across * across);
+        span = {static_cast<int32_t>(0.5 * (width - 1) - half),
+                static_cast<int32_t>(0.5 * (width - 1) + half)};
+        break;
+      }
+      case Shape::kRagged:  // may be empty
+        span = {Between(random, 0, width - 1), Between(random, 0, width - 1)};
+        if (Between(random, 0, 3) > 0 && span.left > span.right) std::swap(span.left, span.right);
+    }
+  }
+  return region;
+}
+
+double AngleOf(Random& random) {
+  const double known[] = {0,       1e-9,     -1e-4,   0.0087, -0.035,   0.1746,      0.7,
+                          kPi / 4, -kPi / 4, kPi / 2, kPi,    -kPi / 2, 3 * kPi / 4, 6.24};
+  if (Between(random, 0, 2) == 0) return std::uniform_real_distribution(-7.0, 7.0)(random);
+  return known[static_cast<size_t>(Between(random, 0, static_cast<int32_t>(std::size(known)) - 1))];
+}
+
+class TiledRotationTest : public ::testing::TestWithParam<InstructionSet> {
+ protected:
+  void SetUp() override {
+    if (!HasInstructionSet(GetParam())) GTEST_SKIP() << "not on this machine";
+    SelectRotateKernels(GetParam());
+  }
+  void TearDown() override { SelectRotateKernels(BestInstructionSet()); }
+
+  // Turns `source` both ways, in two parts of rows, and compares all bytes.
+  static void Compare(const TestImage& source, const RowSpans& region, const Turn& turn) {
+    const int32_t depth = source.rec()->bitsPerPixel;
+    TestImage expected(turn.outWidth, turn.outHeight, depth);
+    TestImage actual(turn.outWidth, turn.outHeight, depth);
+    const auto steps = static_cast<size_t>(std::max(turn.outWidth, turn.outHeight)) + 11;
+    RotateJob plain{*source.rec(), *expected.rec(), region, turn, kFill, {}};
+    RotateJob fast{*source.rec(), *actual.rec(), region, turn, kFill, {}};
+    ASSERT_TRUE(plain.steps.Build(turn.angle, steps) && fast.steps.Build(turn.angle, steps));
+    RotateRowsPlain(plain, 0, turn.outHeight - 1);
+
+    ASSERT_TRUE(TiledRotation::Suits(fast));
+    TiledRotation rotation(fast);
+    ASSERT_TRUE(rotation.Build());
+    const int32_t cut = fast.halfHeight();
+    rotation.RotateRows(cut + 1, turn.outHeight - 1);
+    rotation.RotateRows(0, cut);
+    const auto lineBytes = static_cast<size_t>(expected.rec()->lineBytes);
+    for (int32_t y = 0; y < turn.outHeight; ++y) {
+      if (std::memcmp(expected.row(y), actual.row(y), lineBytes) == 0) continue;
+      size_t at = 0;
+      while (expected.row(y)[at] == actual.row(y)[at]) ++at;
+      FAIL() << depth << " bits, interpolation " << turn.interpolation << ", angle " << turn.angle
+             << ", source " << source.rec()->width << " x " << source.rec()->height << ", output "
+             << turn.outWidth << " x " << turn.outHeight << ": byte " << at << " of row " << y
+             << " is " << int{actual.row(y)[at]} << ", not " << int{expected.row(y)[at]};
+    }
+  }
+
+  static void CompareRandomTurns(Random& random, int32_t times, int32_t mostSource,
+                                 int32_t mostOutput) {
+    constexpr Shape kShapes[] = {Shape::kWhole, Shape::kRectangle, Shape::kConvex, Shape::kRagged};
+    for (int32_t i = 0; i < times; ++i) {
+      const int32_t width = Between(random, 1, mostSource);
+      const int32_t height = Between(random, 2, mostSource);
+      for (const int32_t depth : {1, 8, 24}) {
+        TestImage source(width, height, depth, 4 * Between(random, 0, 2));
+        Scribble(random, source);
+        const RowSpans region = RegionOf(random, kShapes[i % 4], width, height);
+        const double angle = AngleOf(random);
+        const int32_t outWidth = Between(random, 1, mostOutput);
+        const int32_t outHeight = Between(random, 1, mostOutput);
+        const int32_t centerX = Between(random, 0, width - 1);
+        const int32_t centerY = Between(random, 0, height - 1);
+        for (const int32_t interpolation : {INTERP_BICUBIC, INTERP_BILINEAR, INTERP_NEAREST}) {
+          if (depth == 1 && interpolation != INTERP_NEAREST) continue;
+          ASSERT_NO_FATAL_FAILURE(Compare(
+              source, region, {angle, centerX, centerY, outWidth, outHeight, interpolation}));
+        }
+      }
+    }
+  }
+};
+
+TEST_P(TiledRotationTest, GivesThePlainBytesForSmallImages) {
+  Random random(1);
+  CompareRandomTurns(random, 400, 75, 75);
+}
+
+TEST_P(TiledRotationTest, GivesThePlainBytesForWideOutputs) {
+  Random random(2);
+  CompareRandomTurns(random, 60, 400, 700);
+}
+
+// A page that fills its image, turned about its middle: all rows hold long runs, and the offsets
+// change their signs inside them.
+TEST_P(TiledRotationTest, GivesThePlainBytesForPagesAtAllAngles) {
+  Random random(3);
+  for (const int32_t depth : {1, 8, 24}) {
+    TestImage source(330, 300, depth);
+    Scribble(random, source);
+    const RowSpans region = RegionOf(random, Shape::kWhole, 330, 300);
+    for (int32_t degrees = 0; degrees < 360; degrees += 5) {
+      const double angle = degrees * kPi / 180 + (degrees % 2 == 0 ? 0.0 : 0.004);
+      for (const int32_t interpolation : {INTERP_BICUBIC, INTERP_BILINEAR, INTERP_NEAREST}) {
+        if (depth == 1 && interpolation != INTERP_NEAREST) continue;
+        ASSERT_NO_FATAL_FAILURE(
+            Compare(source, region, {angle, 165, 150, 310, 290, interpolation}));
+      }
+    }
+  }
+}
+
+std::string NameOf(const ::testing::TestParamInfo<InstructionSet>& info) {
+  constexpr const char* kNames[] = {"Scalar", "Sse2", "Avx2", "Avx512"};
+  return kNames[static_cast<size_t>(info.param)];
+}
+
+INSTANTIATE_TEST_SUITE_P(InstructionSets, TiledRotationTest, ::testing::ValuesIn(kInstructionSets),
+                         NameOf);
+
+TEST(TiledRotation, LeavesOddJobsToThePlainWay) {
+  TestImage source(40, 30, 8);
+  const TestImage target(10, 10, 8);
+  const RowSpans region = testing::RectangleRegion(0, 39, 0, 29);
+  const auto suits = [&](const Turn& turn) {
+    return TiledRotation::Suits({*source.rec(), *target.rec(), region, turn, kFill, {}});
+  };
+  EXPECT_TRUE(suits({0.1, 5, 5, 10, 10, INTERP_NEAREST}));
+  EXPECT_FALSE(suits({std::nan(""), 5, 5, 10, 10, INTERP_NEAREST}));
+  EXPECT_FALSE(suits({0.1, 5, 5, 30'000'000, 10, INTERP_NEAREST}));
+  std::swap(source.rec()->rows[3], source.rec()->rows[4]);
+  EXPECT_FALSE(suits({0.1, 5, 5, 10, 10, INTERP_NEAREST}));
+}
+
+}  // namespace
+}  // namespace vorlanepic
