@@ -6,6 +6,7 @@ add_custom_target(package-win32
   COMMAND ${CMAKE_COMMAND} -E rm -rf ${package_dir} ${package_file}
   COMMAND ${CMAKE_COMMAND} -E make_directory
           ${package_dir}/bin ${package_dir}/lib ${package_dir}/include ${package_dir}/examples
+          ${package_dir}/docs
   COMMAND ${CMAKE_COMMAND} -E copy $<TARGET_FILE:vorlanepic> $<TARGET_FILE:imgbuf> ${package_dir}/bin
   COMMAND ${CMAKE_COMMAND} -E copy
           $<TARGET_LINKER_FILE:vorlanepic> $<TARGET_LINKER_FILE:imgbuf> ${package_dir}/lib
@@ -16,7 +17,7 @@ add_custom_target(package-win32
           ${PROJECT_SOURCE_DIR}/examples/read_sheet.c ${package_dir}/examples
   COMMAND ${CMAKE_COMMAND} -E copy
           ${PROJECT_SOURCE_DIR}/docs/sample-profile.ini
-          ${PROJECT_SOURCE_DIR}/docs/hosts-guide.md ${package_dir}
+          ${PROJECT_SOURCE_DIR}/docs/hosts-guide.md ${package_dir}/docs
   COMMAND ${CMAKE_COMMAND} -E copy
           ${PROJECT_SOURCE_DIR}/docs/windows-readme.txt ${package_dir}/README.txt
   COMMAND ${CMAKE_COMMAND} -E chdir ${CMAKE_BINARY_DIR}/package
