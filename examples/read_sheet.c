@@ -44,8 +44,8 @@ static int32_t DrawSheet(DibRec* sheet) {
   for (int32_t y = 0; y < HEIGHT; ++y) {
     uint8_t* row = sheet->bits + (ptrdiff_t)(HEIGHT - 1 - y) * WIDTH; /* a multiple of 4 */
     for (int32_t x = 0; x < WIDTH; ++x) {
-      const double fromLeft = x - WIDTH / 2;
-      const double fromTop = y - HEIGHT / 2;
+      const double fromLeft = x - WIDTH / 2.0;
+      const double fromTop = y - HEIGHT / 2.0;
       row[x] = SheetLevel(fromLeft * cosine + fromTop * sine, fromTop * cosine - fromLeft * sine);
     }
   }
