@@ -97,7 +97,10 @@ class ColumnSweep {
     for (int32_t start = begin; start + run_ <= end; ++start) {
       if (start % way.stride != 0) continue;
       uint64_t complete = group->open;
-      for (int32_t i = 0; i < run_; ++i) complete &= masks[static_cast<size_t>(start - begin + i)];
+      const auto first = static_cast<size_t>(start - begin);
+      for (const uint64_t mask : std::span(masks).subspan(first, static_cast<size_t>(run_))) {
+        complete &= mask;
+      }
       CloseColumns(group, complete, way.RowAt(start), borders);
     }
   }
