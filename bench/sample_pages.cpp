@@ -20,7 +20,8 @@ DrawnPage ScannedPage(double megapixels, double degrees, int32_t bitsPerPixel) {
   const double share = std::min(0.9, 0.97 / std::max(across, down));
 
   DrawnPage page;
-  page.imageWidth = static_cast<int32_t>(frameWidth);
+  // Whole bytes at 1 bit, as scanners deliver: the right border is then found to the pixel.
+  page.imageWidth = static_cast<int32_t>(frameWidth) / 8 * 8;
   page.imageHeight = static_cast<int32_t>(frameWidth * 1.5);
   page.bitsPerPixel = bitsPerPixel;
   page.pageWidth = share * page.imageWidth;
@@ -45,7 +46,7 @@ DrawnBarSheet ScannedForm(double megapixels, double degrees, int32_t bitsPerPixe
   form.page = ScannedPage(megapixels, degrees, bitsPerPixel);
   form.page.text = false;
   form.barLength = 0.4 * form.page.imageWidth;
-  form.barThickness = form.barLength / 60;
+  form.barThickness = form.barLength / 120;
   form.barY = -0.3 * form.page.pageHeight;
   return form;
 }

@@ -21,7 +21,7 @@ testing::DrawnPage ScannedPage(double megapixels, double degrees, int32_t bitsPe
 testing::DrawnPage ContestPage(int32_t bitsPerPixel);
 
 // ScannedPage with a printed bar in its upper part instead of text: 0.4 of the frame's width long
-// and a sixtieth of that thick.
+// and a 120th of that thick.
 testing::DrawnBarSheet ScannedForm(double megapixels, double degrees, int32_t bitsPerPixel);
 
 // One byte per pixel, top row first, width bytes a row.

@@ -8,7 +8,10 @@
 #include "analysis/edge_lines.h"
 #include "analysis/threshold.h"
 #include "bench_grid.h"
+#include "deskew/content_bounds.h"
+#include "deskew/image_region.h"
 #include "deskew/page_records.h"
+#include "deskew/skew_vote.h"
 #include "frame/scratch.h"
 #include "frame/settings.h"
 #include "rotate/rotate_image.h"
@@ -77,6 +80,37 @@ int32_t Corners(const ImageRec* source, PageRecords& found) {
   return SolveCorners(source, 0, &found.extremes, found.straightness, &found.edges, &geometry);
 }
 
+int32_t SkewVote(const ImageRec*, PageRecords& found) {
+  BorderVote votes[4];
+  int32_t bestBorder = -1;
+  double degrees = 0;
+  return EstimateSkewFromBorders(found.traces, 10, 2.0, votes, &bestBorder, &degrees);
+}
+
+// The first search of method 2: columns, in the rows of the band.
+int32_t ContentColumns(const ImageRec* source, PageRecords& found) {
+  const auto threshold = static_cast<uint8_t>(found.threshold);
+  ContentBounds bounds{0, 0, found.band.top, found.band.bottom};
+  return FindContentBounds(source, {3, 5, threshold, kSearchColumns}, &bounds);
+}
+
+// The second search of method 2: rows and columns.
+int32_t ContentRowsAndColumns(const ImageRec* source, PageRecords& found) {
+  const auto threshold = static_cast<uint8_t>(found.threshold);
+  ContentBounds bounds{};
+  return FindContentBounds(source, {3, 8, threshold, kSearchRowsAndColumns}, &bounds);
+}
+
+// The content of method 2, cut out without a turn.
+int32_t Cut(const ImageRec* source, PageRecords& found) {
+  const EdgePoint& center = found.geometry.center;
+  const int32_t width = source->width * 4 / 5;
+  const int32_t height = source->height * 4 / 5;
+  ScratchImage cut;
+  return CopyImageRegion(source, cut.rec(),
+                         {center.x - width / 2, center.y - height / 2, width, height});
+}
+
 template <int32_t kInterpolation>
 int32_t Rotation(const ImageRec* source, PageRecords& found) {
   const DocumentGeometry& geometry = found.geometry;
@@ -104,6 +138,10 @@ void RegisterStages() {
     Register("ColumnScan", frame, ColumnScan);
     Register("Edges", frame, Edges);
     Register("Corners", frame, Corners);
+    Register("SkewVote", frame, SkewVote);
+    Register("ContentColumns", frame, ContentColumns);
+    Register("ContentRowsAndColumns", frame, ContentRowsAndColumns);
+    Register("Cut", frame, Cut);
     Register("Rotation/nearest", frame, Rotation<INTERP_NEAREST>);
     if (frame.bitsPerPixel == 1) return;
     Register("Rotation/bilinear", frame, Rotation<INTERP_BILINEAR>);

@@ -24,7 +24,11 @@ function(vorlanepic_export_from_shared_object target lines)
   endforeach()
   set(script ${CMAKE_CURRENT_BINARY_DIR}/${target}.map)
   file(WRITE ${script} "{\n  global:\n${names}  local:\n    *;\n};\n")
-  target_link_options(${target} PRIVATE -Wl,--version-script=${script} -Wl,--no-undefined)
+  target_link_options(${target} PRIVATE -Wl,--version-script=${script})
+  # A sanitizer's own names may be left to the program that loads the library.
+  if(NOT VORLANEPIC_SANITIZE)
+    target_link_options(${target} PRIVATE -Wl,--no-undefined)
+  endif()
   set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${script})
 endfunction()
 
@@ -35,13 +39,14 @@ function(vorlanepic_export_from_dll target lines)
   list(TRANSFORM lines REPLACE "\n    ([A-Za-z_]+) *\\| cdecl" "    \\1\n")
   string(CONCAT names ${lines})
   set(decorated ${CMAKE_CURRENT_BINARY_DIR}/${target}.decorated.def)
-  file(WRITE ${decorated} "LIBRARY ${target}.dll\nEXPORTS\n${names}")
+  file(WRITE ${decorated} "EXPORTS\n${names}")
   target_sources(${target} PRIVATE ${decorated})
   target_link_options(${target} PRIVATE -Wl,--kill-at)
   set_target_properties(${target} PROPERTIES PREFIX "")
   # The linker's own import library would name undecorated functions.
   add_custom_command(TARGET ${target} POST_BUILD
     COMMAND ${VORLANEPIC_DLLTOOL} --kill-at --input-def ${decorated}
+            --dllname $<TARGET_FILE_NAME:${target}>
             --output-lib $<TARGET_LINKER_FILE_NAME:${target}>
     WORKING_DIRECTORY $<TARGET_LINKER_FILE_DIR:${target}>
     VERBATIM)

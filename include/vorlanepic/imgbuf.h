@@ -103,9 +103,10 @@ IMGBUF_API int32_t IMGBUF_CALL ImgbufNew(DibRec* image, int32_t width, int32_t h
                                          int32_t bitsPerPixel) IMGBUF_NOEXCEPT;
 
 /*
- * Tells whether a device-independent image can be used: 0 when record, headers and bits are
- * non-null, the size is at least 1 x 1, the depth is 1, 4, 8, 16, 24 or 32 and the rows take at
- * most 2^31 - 1 bytes; otherwise 1.
+ * Tells whether a device-independent image can be used: 0 when record, information header and
+ * bits are non-null, the size is at least 1 x 1, the depth is 1, 4, 8, 16, 24 or 32 and the rows
+ * take at most 2^31 - 1 bytes; otherwise 1. An image without a file header passes: only the search
+ * for a reference bar asks for one.
  */
 IMGBUF_API int32_t IMGBUF_CALL ImgbufCheck(const DibRec* image) IMGBUF_NOEXCEPT;
 

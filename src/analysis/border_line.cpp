@@ -14,24 +14,22 @@ namespace {
 constexpr double kFlatDegrees = 0.5;
 constexpr double kSteepDegrees = 89.5;
 
-// Collects positions for their mean.
-struct MeanPoint {
-  int32_t count = 0;
-  int32_t sumX = 0;
-  int32_t sumY = 0;
+// Sums of positions.
+struct PointSum {
+  int32_t x = 0;
+  int32_t y = 0;
 
-  void Add(int32_t x, int32_t y) {
-    ++count;
-    sumX = WrapAdd(sumX, x);
-    sumY = WrapAdd(sumY, y);
+  void Add(EdgePoint point) {
+    x = WrapAdd(x, point.x);
+    y = WrapAdd(y, point.y);
   }
-  EdgePoint Mean() const { return {sumX / count, sumY / count}; }
+  EdgePoint MeanOf(int32_t count) const { return {x / count, y / count}; }
 };
 
 EdgePoint MeanOfSegments(std::span<const BorderSegment> segments) {
-  MeanPoint mean;
-  for (const BorderSegment& segment : segments) mean.Add(segment.meanX, segment.meanY);
-  return mean.Mean();
+  PointSum sum;
+  for (const BorderSegment& segment : segments) sum.Add({segment.meanX, segment.meanY});
+  return sum.MeanOf(static_cast<int32_t>(segments.size()));
 }
 
 void SetVertical(BorderLine* line, double x) {
@@ -116,17 +114,18 @@ int32_t FitPointLine(BorderLine* line, const SegmentList& list) {
 
   // With an odd total the last point is left over.
   const int32_t half = list.pointTotal / 2;
-  MeanPoint first;
-  MeanPoint second;
+  PointSum first;
+  PointSum second;
+  int32_t taken = 0;
   for (const BorderSegment& segment : list.view()) {
-    for (int32_t i = 0; i < segment.count && second.count < half; ++i) {
-      MeanPoint& mean = first.count < half ? first : second;
-      mean.Add(segment.first[i].x, segment.first[i].y);
+    for (const EdgePoint& point : std::span(segment.first, static_cast<size_t>(segment.count))) {
+      if (taken == 2 * half) break;
+      (taken < half ? first : second).Add(point);
+      ++taken;
     }
   }
-  if (second.count == 0) return ANGLE_NOT_FOUND;
-  const EdgePoint a = first.Mean();
-  const EdgePoint b = second.Mean();
+  const EdgePoint a = first.MeanOf(half);
+  const EdgePoint b = second.MeanOf(half);
   if (a.x == b.x && a.y == b.y) return ANGLE_NOT_FOUND;
   if (SetMidpointAndAxis(line, a, b)) return STATUS_OK;
 

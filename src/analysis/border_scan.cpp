@@ -1,7 +1,6 @@
 #include "analysis/border_scan.h"
 
 #include "analysis/border_walks.h"
-#include "analysis/border_walks_plain.h"
 #include "analysis/pixel_access.h"
 #include "analysis/side_trace.h"
 #include "frame/scratch.h"
@@ -98,34 +97,34 @@ void FindBottommost(SideTrace& bottom, EdgePoint* bottommost) {
 }
 
 template <typename Pixel>
-int32_t WalkRows(const ImageRec& image, const ScanBand& band, GreyBand levels, TraceBuilder* left,
-                 TraceBuilder* right) {
+int32_t TraceRows(const ImageRec& image, const ScanBand& band, GreyBand levels, TraceBuilder* left,
+                  TraceBuilder* right) {
   const int32_t run = settings.SearchBorderPixelNum;
   for (int64_t row = band.top; row <= band.bottom; row += 2) {
     const auto y = static_cast<int32_t>(row);
-    int32_t status =
-        AddPoint(left, PlainRowWalk<Pixel>::FromLeft(image.rows[y], band, levels, run), y);
+    int32_t status = AddPoint(left, WalkFromLeft<Pixel>(image.rows[y], band, levels, run), y);
     if (status != STATUS_OK) return status;
-    status = AddPoint(right, PlainRowWalk<Pixel>::FromRight(image.rows[y], band, levels, run), y);
+    status = AddPoint(right, WalkFromRight<Pixel>(image.rows[y], band, levels, run), y);
     if (status != STATUS_OK) return status;
   }
   return FinishSides(left, right);
 }
 
 template <typename Pixel>
-int32_t WalkColumns(const ImageRec& image, const ScanBand& band, GreyBand levels,
-                    ColumnRange columns, TraceBuilder* top, TraceBuilder* bottom) {
+int32_t TraceColumns(const ImageRec& image, const ScanBand& band, GreyBand levels,
+                     ColumnRange columns, TraceBuilder* top, TraceBuilder* bottom) {
   ScratchArray<int32_t> topRows;
   ScratchArray<int32_t> bottomRows;
   if (!topRows.Allocate(columns.count()) || !bottomRows.Allocate(columns.count())) {
     return OUT_OF_MEMORY;
   }
-  PlainWalkColumns<Pixel>(image, band, levels, settings.SearchBorderPixelNum, columns,
-                          {topRows.span(), bottomRows.span()});
+  int32_t status = WalkColumns<Pixel>(image, band, levels, settings.SearchBorderPixelNum, columns,
+                                      {topRows.span(), bottomRows.span()});
+  if (status != STATUS_OK) return status;
 
   for (size_t i = 0; i < columns.count(); ++i) {
     const int32_t x = columns.right - 2 * static_cast<int32_t>(i);
-    int32_t status = AddPoint(top, x, topRows[i]);
+    status = AddPoint(top, x, topRows[i]);
     if (status != STATUS_OK) return status;
     status = AddPoint(bottom, x, bottomRows[i]);
     if (status != STATUS_OK) return status;
@@ -148,7 +147,7 @@ int32_t ScanRows(const ImageRec* image, const ScanBand* band, GreyBand levels, S
   TraceBuilder leftSide;
   TraceBuilder rightSide;
   status = WithDepth(image->bitsPerPixel, [&](auto pixel) {
-    return WalkRows<decltype(pixel)>(*image, *band, levels, &leftSide, &rightSide);
+    return TraceRows<decltype(pixel)>(*image, *band, levels, &leftSide, &rightSide);
   });
   if (status != STATUS_OK) return status;
 
@@ -175,7 +174,7 @@ int32_t ScanColumns(const ImageRec* image, const ScanBand* band, GreyBand levels
   TraceBuilder topSide;
   TraceBuilder bottomSide;
   status = WithDepth(image->bitsPerPixel, [&](auto pixel) {
-    return WalkColumns<decltype(pixel)>(*image, *band, levels, columns, &topSide, &bottomSide);
+    return TraceColumns<decltype(pixel)>(*image, *band, levels, columns, &topSide, &bottomSide);
   });
   if (status != STATUS_OK) return status;
 

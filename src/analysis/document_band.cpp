@@ -1,6 +1,8 @@
 #include <algorithm>
+#include <bit>
 
 #include "analysis/border_scan.h"
+#include "analysis/document_mask.h"
 #include "analysis/pixel_access.h"
 #include "frame/settings.h"
 
@@ -15,18 +17,21 @@ constexpr int32_t kBandMargin = 9;
 constexpr int32_t kMethod1RowLimit = 85;
 constexpr int32_t kRowLimit = 1;
 
-// Whether more than `limit` pixels of a row are lighter than `low`.
-template <typename Pixel>
-bool IsPageRow(const uint8_t* row, int32_t width, uint8_t low, int32_t limit) {
-  int32_t light = 0;
-  for (int32_t x = 0; x < width && light <= limit; ++x) light += Pixel::Level(row, x) > low;
-  return light > limit;
+// Grey levels above `low`; none for 255.
+GreyBand LevelsAbove(uint8_t low) {
+  return low == 255 ? GreyBand{1, 0} : GreyBand{static_cast<uint8_t>(low + 1), 255};
 }
 
-template <>
-bool IsPageRow<Bit1>(const uint8_t* row, int32_t width, uint8_t /*low*/, int32_t limit) {
+// Whether more than `limit` pixels of a row are lighter than `low`; at 1 bit, are set.
+template <typename Pixel>
+bool IsPageRow(const uint8_t* row, int32_t width, uint8_t low, int32_t limit) {
+  const DocumentMask<Pixel> isLight(LevelsAbove(low));
   int32_t light = 0;
-  for (int32_t x = 0; x < width && light <= limit; ++x) light += Bit1::Level(row, x) != 0;
+  for (int32_t x = 0; x < width && light <= limit;) {
+    const int32_t count = std::min(kMaskPixels, width - x);
+    light += std::popcount(isLight(row, x, count));
+    x += count;
+  }
   return light > limit;
 }
 

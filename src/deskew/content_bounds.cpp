@@ -1,20 +1,28 @@
 #include "deskew/content_bounds.h"
 
-#include "deskew/bright_lines.h"
+#include "deskew/bright_lines_sse2.h"
 #include "deskew/content_search.h"
 #include "frame/settings.h"
 
 namespace vorlanepic {
 namespace {
 
-template <typename Pixel>
+#if defined(__SSE2__)
+template <typename Kernel>
+using Lines = FastLines<Kernel>;
+#else
+template <typename Kernel>
+using Lines = PlainLines<typename Kernel::Pixel>;
+#endif
+
+template <typename Kernel>
 int32_t FindContentBoundsAt(const ImageRec& image, const ContentSearch& search, double rowShare,
                             ContentBounds* bounds) {
   if (search.searchMode == kSearchColumns &&
       (bounds->top < 0 || bounds->bottom < 0 || bounds->bottom > image.height - 1)) {
     return BAD_ARGUMENT;
   }
-  PlainLines<Pixel> lines(image, search.threshold);
+  Lines<Kernel> lines(image, search.threshold);
   SearchContent(lines, image.width, image.height, search, rowShare, bounds);
   return STATUS_OK;
 }
@@ -41,11 +49,11 @@ int32_t FindContentBounds(const ImageRec* image, const ContentSearch& search,
   const double bitShare = isShareAsked ? kBrightShareOfBitRow : 0.0;
   switch (image->bitsPerPixel) {
     case 1:
-      return FindContentBoundsAt<BrightBit>(*image, reachable, bitShare, bounds);
+      return FindContentBoundsAt<BitKernel>(*image, reachable, bitShare, bounds);
     case 8:
-      return FindContentBoundsAt<BrightGrey>(*image, reachable, share, bounds);
+      return FindContentBoundsAt<GreyKernel>(*image, reachable, share, bounds);
     case 24:
-      return FindContentBoundsAt<BrightColour>(*image, reachable, share, bounds);
+      return FindContentBoundsAt<ColourKernel>(*image, reachable, share, bounds);
     default:
       return BAD_ARGUMENT;
   }

@@ -1,6 +1,7 @@
 #include "deskew/dib_set.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 
 #include "frame/arithmetic.h"
@@ -23,18 +24,25 @@ int32_t RowBytes(int32_t width, int32_t bitsPerPixel) {
   return static_cast<int32_t>((int64_t{width} * bitsPerPixel + 31) / 32 * 4);
 }
 
-// A record around the pixels of `image`, with `rows` as its row table.
-ImageRec WrapOne(const DibRec& image, uint8_t** rows) {
+// A record around the pixels of `image`, as yet without rows.
+ImageRec WrapOne(const DibRec& image) {
   ImageRec rec{};
   rec.width = DibWidth(image);
   rec.height = DibHeight(image);
   rec.bitsPerPixel = DibBitsPerPixel(image);
   rec.lineBytes = RowBytes(rec.width, rec.bitsPerPixel);
   rec.imageBytes = WrapMul(rec.lineBytes, rec.height);
-  rec.rows = rows;
   rec.pixels = image.bits;
-  for (int32_t y = 0; y < rec.height; ++y) rows[y] = rec.pixels + ptrdiff_t{y} * rec.lineBytes;
   return rec;
+}
+
+size_t RowCount(const ImageRec& image) { return static_cast<size_t>(std::max(image.height, 0)); }
+
+void LayRows(uint8_t** rows, ImageRec* image) {
+  for (int32_t y = 0; y < image->height; ++y) {
+    rows[y] = image->pixels + ptrdiff_t{y} * image->lineBytes;
+  }
+  image->rows = rows;
 }
 
 void CopyRows(const ImageRec& from, const DibRec& to) {
@@ -67,16 +75,16 @@ int32_t DibSet::Wrap(const DibRec* images, int32_t count) {
 
   size_t rowCount = 0;
   for (size_t i = 0; i < setSize; ++i) {
-    const int32_t status = i > 0 ? ImgbufCheck(&images[i]) : STATUS_OK;
-    if (status != STATUS_OK) return status;
-    rowCount += static_cast<size_t>(std::max(DibHeight(images[i]), 0));
+    if (i > 0 && ImgbufCheck(&images[i]) != STATUS_OK) continue;
+    sources_[i] = WrapOne(images[i]);
+    rowCount += RowCount(sources_[i]);
   }
   if (!rows_.Allocate(rowCount)) return OUT_OF_MEMORY;
 
   uint8_t** rows = rows_.data();
-  for (size_t i = 0; i < setSize; ++i) {
-    sources_[i] = WrapOne(images[i], rows);
-    rows += std::max(sources_[i].height, 0);
+  for (ImageRec& source : sources_.span()) {
+    LayRows(rows, &source);
+    rows += RowCount(source);
   }
   return STATUS_OK;
 }

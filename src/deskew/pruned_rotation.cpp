@@ -108,14 +108,14 @@ bool HasShapeOf(const ImageRec& image, const ImageRec& first) {
 
 int32_t RunPrunedRotation(std::span<const ImageRec> sources, const PrunedRotationOptions& options,
                           double* angle, std::span<ImageRec> results) {
+  ForgetPageRecords();
   PageRecords own;
-  PageRecords* records = settings.pageRecords != nullptr ? settings.pageRecords : &own;
-  *records = PageRecords{};
+  PageRecords& records = settings.pageRecords != nullptr ? *settings.pageRecords : own;
 
-  int32_t status = FindDocument(sources.front(), options, angle, records);
+  int32_t status = FindDocument(sources.front(), options, angle, &records);
   if (status != STATUS_OK || settings.AngleOnlyFlag == 1) return status;
-  status = TurnAll(sources, options, records->geometry, results);
-  if (status == STATUS_OK) records->stage = PageStage::kTurned;
+  status = TurnAll(sources, options, records.geometry, results);
+  if (status == STATUS_OK) records.stage = PageStage::kTurned;
   return status;
 }
 

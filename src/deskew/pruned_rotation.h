@@ -28,8 +28,8 @@ struct PrunedRotationOptions {
 //
 // Returns STATUS_OK or the status of the first stage that failed: BORDER_NOT_FOUND,
 // ANGLE_NOT_FOUND, EDGE_NOT_FOUND, BAD_ARGUMENT (also for a null `angle` or `fill`), OUT_OF_MEMORY
-// or a code of the image library. `results` stay empty on failure. Leaves what the stages found in
-// settings.pageRecords, where a host has set them.
+// or a code of the image library. `results` stay empty on failure. What the stages found goes to
+// settings.pageRecords.
 int32_t RunPrunedRotation(std::span<const ImageRec> sources, const PrunedRotationOptions& options,
                           double* angle, std::span<ImageRec> results);
 

@@ -3,6 +3,7 @@
 #include <cstring>
 #include <span>
 
+#include "deskew/page_records.h"
 #include "deskew/pruned_rotation.h"
 #include "frame/scratch.h"
 #include "frame/settings.h"
@@ -52,6 +53,7 @@ void CopyPixels(uint8_t* to, const uint8_t* from, int32_t bytes) {
 int32_t VORLANEPIC_STDCALL VorlanePic(uint8_t* pixels, int32_t* width, int32_t* height,
                                       int32_t bitsPerPixel, int32_t mode,
                                       int32_t threshold) noexcept {
+  ForgetPageRecords();
   if (pixels == nullptr || width == nullptr || height == nullptr) return kRejected;
   if (*width <= 0 && *height <= 0) return kRejected;
   if (!IsDepth(bitsPerPixel) || !IsMode(mode)) return kRejected;
@@ -90,6 +92,7 @@ int32_t VORLANEPIC_STDCALL ImageVorlane(const ImageRec* source, int32_t mode, in
 int32_t VORLANEPIC_STDCALL ImageVorlaneEx(const ImageRec* source, int32_t mode, int32_t threshold,
                                           int32_t background, double* angle,
                                           ImageRec* result) noexcept {
+  ForgetPageRecords();
   if (source == nullptr || result == nullptr || angle == nullptr) return BAD_ARGUMENT;
   if (threshold < 0 || threshold > kHighestThreshold) return BAD_ARGUMENT;
   if (!IsMode(mode)) return BAD_ARGUMENT;

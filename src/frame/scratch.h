@@ -18,6 +18,11 @@ class ScratchImage {
   ScratchImage() = default;
   ScratchImage(const ScratchImage&) = delete;
   ScratchImage& operator=(const ScratchImage&) = delete;
+  ScratchImage(ScratchImage&& other) noexcept : rec_(other.Take()) {}
+  ScratchImage& operator=(ScratchImage&& other) noexcept {
+    std::swap(rec_, other.rec_);
+    return *this;
+  }
   ~ScratchImage() { Release(); }
 
   ImageRec* rec() { return &rec_; }

@@ -7,12 +7,10 @@
 
 #include "frame/arithmetic.h"
 #include "omr/block_points.h"
+#include "omr/large_pages.h"
 
 namespace vorlanepic {
 namespace {
-
-// Points behind the capacity of a list that writing may touch, so that it can go in whole steps.
-constexpr size_t kOverrun = 8;
 
 // What adding a merged block's points to a list reserves beyond them.
 constexpr int64_t kMergeReserve = 1024;
@@ -60,22 +58,22 @@ BlockTotal TotalOf(const BlockGrowth& growth, int32_t root) {
   return total;
 }
 
-BlockRec FinishedRecord(const BlockTotal& total) {
+// Fills the record in its place: a copy made elsewhere costs more than all the rest.
+void FillRecord(const BlockTotal& total, BlockRec* block) {
   const GrowingBlock& sums = total.sums;
-  BlockRec block{};
-  block.area = block.pointCount = static_cast<int32_t>(sums.area);
-  block.centerX = sums.sumX;
-  block.centerY = sums.sumY;
-  block.left = sums.left;
-  block.right = sums.right;
-  block.top = sums.top;
-  block.bottom = sums.bottom;
-  block.reserved1 = block.reserved2 = -1;
-  block.minValue = sums.values.Smallest();
-  block.maxValue = sums.values.Largest();
-  block.pointCapacity = static_cast<int32_t>(total.pointCapacity);
-  Finish(&block);
-  return block;
+  *block = {};
+  block->area = block->pointCount = static_cast<int32_t>(sums.area);
+  block->centerX = sums.sumX;
+  block->centerY = sums.sumY;
+  block->left = sums.left;
+  block->right = sums.right;
+  block->top = sums.top;
+  block->bottom = sums.bottom;
+  block->reserved1 = block->reserved2 = -1;
+  block->minValue = Smallest(sums.values);
+  block->maxValue = Largest(sums.values);
+  block->pointCapacity = static_cast<int32_t>(total.pointCapacity);
+  Finish(block);
 }
 
 // The capacity of a set that grew block by block and run by run: it grows when a block is opened or
@@ -96,15 +94,17 @@ int32_t GrowSet(int64_t capacity, BlockSetRec* set) {
   void* grown = std::realloc(set->blocks, static_cast<size_t>(capacity) * sizeof(BlockRec));
   if (grown == nullptr) return OUT_OF_MEMORY;
   set->blocks = static_cast<BlockRec*>(grown);
+  AdviseLargePages(grown, static_cast<size_t>(capacity) * sizeof(BlockRec));
   set->capacity = static_cast<int32_t>(capacity);
   return STATUS_OK;
 }
 
-BlockPoint* NewPoints(int64_t capacity) {
-  if (capacity > INT32_MAX) return nullptr;
-  const size_t count = static_cast<size_t>(capacity) + kOverrun;
-  if (count > SIZE_MAX / sizeof(BlockPoint)) return nullptr;
-  return static_cast<BlockPoint*>(std::malloc(count * sizeof(BlockPoint)));
+// Memory for the points alone: reserving what the list counted up to would cost two kilobytes and
+// half a page fault for every speck.
+BlockPoint* NewPoints(const BlockTotal& total) {
+  const auto count = static_cast<uint64_t>(total.sums.area);
+  if (total.pointCapacity > INT32_MAX || count > SIZE_MAX / sizeof(BlockPoint)) return nullptr;
+  return static_cast<BlockPoint*>(std::malloc(static_cast<size_t>(count) * sizeof(BlockPoint)));
 }
 
 // Gives each block of a chain its piece of the root's list: the root's own points first.
@@ -112,8 +112,7 @@ void DividePoints(const BlockGrowth& growth, int32_t root, BlockPoint* points,
                   ScratchArray<PointCursor>* cursors) {
   for (int32_t b = root; b >= 0; b = growth.block(b).next) {
     BlockPoint* end = points + growth.block(b).area;
-    const bool isLast = growth.block(b).next < 0;
-    (*cursors)[static_cast<size_t>(b)] = {points, isLast ? end + kOverrun : end};
+    (*cursors)[static_cast<size_t>(b)] = {points, end};
     points = end;
   }
 }
@@ -130,16 +129,16 @@ int32_t AddRecords(const BlockGrowth& growth, int32_t shortestDiagonal, BlockSet
   for (int32_t b = 0; b < growth.blockCount(); ++b) {
     if (growth.block(b).parent != b) continue;
     const BlockTotal total = TotalOf(growth, b);
-    BlockRec record = FinishedRecord(total);
-    if (BoxDiagonal(record.width, record.height) < shortestDiagonal) continue;
-    record.points = NewPoints(total.pointCapacity);
-    if (record.points == nullptr) {
+    BlockRec& block = set->blocks[*end];
+    FillRecord(total, &block);
+    if (BoxDiagonal(block.width, block.height) < shortestDiagonal) continue;
+    block.points = NewPoints(total);
+    if (block.points == nullptr) {
       ReleasePoints(set->blocks, set->count, *end);
       return OUT_OF_MEMORY;
     }
-    record.root = *end;
-    set->blocks[(*end)++] = record;
-    DividePoints(growth, b, record.points, cursors);
+    block.root = (*end)++;
+    DividePoints(growth, b, block.points, cursors);
   }
   return STATUS_OK;
 }

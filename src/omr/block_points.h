@@ -13,8 +13,8 @@
 
 namespace vorlanepic {
 
-// The rest of a piece of a point list that is written front to back. Points next .. end - 1 may be
-// overwritten at any time: whoever owns them writes after this piece is full, or never reads them.
+// The rest of a piece of a point list, next .. end - 1, that is written front to back. What lies
+// behind the points written so far may be overwritten.
 struct PointCursor {
   BlockPoint* next;
   BlockPoint* end;

@@ -63,8 +63,10 @@ bool DibToGray(const DibRec* image, GreyBuffer* grey) {
 
   const auto width = static_cast<size_t>(grey->width);
   const auto height = static_cast<size_t>(grey->height);
-  if (width > SIZE_MAX / height || !grey->pixels.Allocate(width * height)) return false;
   const uint64_t lineBytes = (static_cast<uint64_t>(width) * bitsPerPixel + 31) / 32 * 4;
+  // The image library has no larger images: such a header lies about the rows behind it.
+  if (lineBytes > INT32_MAX / static_cast<uint64_t>(height)) return false;
+  if (width > SIZE_MAX / height || !grey->pixels.Allocate(width * height)) return false;
   for (size_t y = 0; y < height; ++y) {
     const uint8_t* row = image->bits + static_cast<size_t>(lineBytes) * (height - 1 - y);
     greyRow(row, grey->width, grey->pixels.data() + y * width);

@@ -40,7 +40,8 @@ TEST_P(StraightenTest, FindsAngleAndSizeOfADrawnPage) {
   double angle = -1;
   ImageRec straight{};
   ASSERT_EQ(ImageVorlaneEx(scan.rec(), INTERP_BILINEAR, 0, 0, &angle, &straight), STATUS_OK);
-  EXPECT_NEAR(TurnedDegrees(angle), degrees, 0.3);
+  // At 1 bit the border points lie on a coarser grid.
+  EXPECT_NEAR(TurnedDegrees(angle), degrees, bitsPerPixel == 1 ? 0.6 : 0.3);
   EXPECT_NEAR(straight.width, page.pageWidth, 8);
   EXPECT_NEAR(straight.height, page.pageHeight, 8);
   EXPECT_EQ(straight.bitsPerPixel, bitsPerPixel);

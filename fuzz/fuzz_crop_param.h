@@ -1,0 +1,15 @@
+// Parameter records for the deskew-crop and form services from fuzz input.
+#pragma once
+
+#include "fuzz_input.h"
+#include "vorlanepic/vorlanepic.h"
+
+namespace vorlanepic::fuzz {
+
+// Fields mostly in their ranges. The path is null, that of no file, or `profile`.
+DeskewCropParam ReadCropParam(FuzzInput& input, const char* profile);
+
+// The corner option: small, or so large that no image can have its size.
+int32_t ReadCornerOption(FuzzInput& input);
+
+}  // namespace vorlanepic::fuzz

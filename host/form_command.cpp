@@ -1,0 +1,91 @@
+// vorlane form: line-guided deskew of forms with a reference bar.
+#include <memory>
+
+#include "host/commands.h"
+#include "host/deskew_options.h"
+#include "host/dib_image.h"
+#include "host/fill_colour.h"
+#include "host/page_geometry.h"
+#include "host/record_scope.h"
+#include "host/threshold_choice.h"
+
+namespace vorlanepic::host {
+namespace {
+
+struct FormOptions {
+  BatchRequest batch;
+  DeskewOptions deskew;
+  int32_t threshold = -1;
+  int32_t dpi = 0;
+  int32_t interpolation = INTERP_BICUBIC;
+  FillColour fill;
+};
+
+TurnOutcome StraightenForm(const FormOptions& options, const Page& page) {
+  const ImageRec& image = *page.image.rec();
+  TurnOutcome outcome;
+  outcome.kind = TurnKind::kBar;
+  // The rows stand bottom first: what is measured on them is mirrored.
+  outcome.isFlipped = true;
+  outcome.page = std::make_unique<PageRecords>();
+  outcome.bar = std::make_unique<BarRecords>();
+  outcome.threshold = options.threshold >= 0 ? options.threshold : SplitLevel(image);
+  const RecordScope scope(outcome.page.get(), outcome.bar.get());
+
+  ScratchDib source;
+  outcome.status =
+      MakeDib(image, options.dpi > 0 ? options.dpi : page.xDpi, RowOrder::kBottomFirst, &source);
+  if (outcome.status != STATUS_OK) return outcome;
+  ScratchDib result;
+  const DeskewCropParam param = ParamOf(options.deskew);
+  const std::array<uint8_t, 3> fill = FillBytes(options.fill, image.bitsPerPixel);
+  double degrees = 0;
+  outcome.milliseconds = Timed([&] {
+    outcome.status =
+        ImageDeskewCropWithLine(source.rec(), options.interpolation, outcome.threshold, 0, 0,
+                                fill.data(), &degrees, result.rec(), param, 0, 0, 0, 0, 1);
+  });
+  if (outcome.status == STATUS_OK) {
+    outcome.status = FromDib(result.rec(), RowOrder::kBottomFirst, &outcome.result);
+  }
+  if (outcome.status != STATUS_OK) return outcome;
+  outcome.degrees = NormalDegrees(-degrees);
+  outcome.verdict = Judge(outcome, image);
+  return outcome;
+}
+
+}  // namespace
+
+CommandRun AddForm(CLI::App* app) {
+  auto options = std::make_shared<FormOptions>();
+  CLI::App* command = app->add_subcommand(
+      "form", "Straighten and crop a form by its printed reference bar: one long, thin, solid bar");
+  AddBatchOptions(command, &options->batch);
+  AddInterpolationOption(command, &options->interpolation);
+  command
+      ->add_option("--threshold", options->threshold,
+                   "Grey level: the bar is at or below it, paper above [where the picture's levels "
+                   "part best]")
+      ->check(CLI::Range(0, 255));
+  command
+      ->add_option("--dpi", options->dpi,
+                   "Dots per inch, instead of what the file says; 200 when it says nothing")
+      ->check(CLI::Range(1, 4800));
+  AddContentOptions(command, &options->deskew);
+  AddFillOption(command, &options->fill);
+  command->footer(
+      "The bar is at least 600 pixels long and 4 to 20 thick at 200 dpi, more at higher "
+      "resolutions;\n"
+      "a profile's section [ImageDeskewLine] can say otherwise.\n"
+      "Examples:\n"
+      "  vorlane form sheets.tif -o forms.tif --overlay found/\n"
+      "  vorlane form photo.jpg -o form.png --dpi 150 --profile sample-profile.ini");
+  return [options] {
+    options->batch.command = "form";
+    (void)ParamOf(options->deskew);
+    return RunBatch(options->batch,
+                    [&](const Page& page) { return StraightenForm(*options, page); });
+  };
+}
+
+}  // namespace vorlanepic::host

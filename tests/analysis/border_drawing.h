@@ -1,0 +1,78 @@
+// Small pages and borders with every point known, for the stages of the border analysis.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "analysis/border_records.h"
+#include "frame/settings.h"
+#include "support/page_drawing.h"
+
+namespace vorlanepic {
+
+inline bool operator==(EdgePoint a, EdgePoint b) { return a.x == b.x && a.y == b.y; }
+inline void PrintTo(EdgePoint point, std::ostream* out) {
+  *out << "(" << point.x << ", " << point.y << ")";
+}
+
+namespace testing {
+
+// The settings of the pruned rotation, for as long as a test runs.
+class AnalysisTest : public ::testing::Test {
+ protected:
+  AnalysisTest() {
+    settings = {};
+    settings.SearchBorderPixelNum = 2;
+    settings.SegmentMaxGap = 6;
+    settings.SegmentPointNum = 6;
+    settings.SegmentMinPointNum = 4;
+    settings.BorderMethod = 1;
+    settings.parallel = 3.5;
+    settings.perpendicular = 2.0;
+    settings.ImageNum = 1;
+  }
+  ~AnalysisTest() override { settings = {}; }
+};
+
+inline void FillColumns(TestImage* image, int32_t y, int32_t left, int32_t right, uint8_t grey) {
+  for (int32_t x = left; x <= right; ++x) image->Set(x, y, grey);
+}
+
+inline void FillRectangle(TestImage* image, int32_t left, int32_t top, int32_t right,
+                          int32_t bottom, uint8_t grey) {
+  for (int32_t y = top; y <= bottom; ++y) FillColumns(image, y, left, right, grey);
+}
+
+// A trace of segments of `points` equal points each.
+inline void FillTrace(SideTrace* side, const std::vector<EdgePoint>& means, int32_t points = 2) {
+  const auto count = static_cast<int32_t>(means.size());
+  ASSERT_TRUE(side->points.Allocate(means.size() * static_cast<size_t>(points)));
+  ASSERT_TRUE(side->list.segments.Allocate(means.size()));
+  side->pointCount = count * points;
+  side->list.segmentCount = count;
+  side->list.pointTotal = side->pointCount;
+  EdgePoint* point = side->points.data();
+  for (size_t i = 0; i < means.size(); ++i) {
+    side->list.segments[i] = {points, point, 0, means[i].x, means[i].y};
+    for (int32_t k = 0; k < points; ++k) *point++ = means[i];
+  }
+}
+
+// `count` positions from (x, y) in steps of (dx, dy).
+inline std::vector<EdgePoint> Line(int32_t count, int32_t x, int32_t y, int32_t dx, int32_t dy) {
+  std::vector<EdgePoint> points;
+  for (int32_t i = 0; i < count; ++i) points.push_back({x + i * dx, y + i * dy});
+  return points;
+}
+
+inline std::vector<EdgePoint> MeansOf(const SegmentList& list) {
+  std::vector<EdgePoint> means;
+  for (const BorderSegment& segment : list.view()) means.push_back({segment.meanX, segment.meanY});
+  return means;
+}
+
+}  // namespace testing
+}  // namespace vorlanepic

@@ -1,0 +1,192 @@
+#include "analysis/border_walks.h"
+
+#include <algorithm>
+#include <random>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "analysis/border_walks_plain.h"
+#include "analysis/pixel_access.h"
+#include "support/page_drawing.h"
+
+namespace vorlanepic {
+namespace {
+
+using testing::TestImage;
+
+template <typename Pixel>
+constexpr int32_t kDepth = 8;
+template <>
+constexpr int32_t kDepth<Bit1> = 1;
+template <>
+constexpr int32_t kDepth<Colour24> = 24;
+
+// Without row padding, so that a sanitizer sees every byte too many.
+TestImage TightImage(int32_t width, int32_t height, int32_t depth) {
+  const int32_t padded = (width * depth + 31) / 32 * 4;
+  return TestImage(width, height, depth, (width * depth + 7) / 8 - padded);
+}
+
+// Bytes drawn one by one at 8 and 24 bits, bits at 1 bit; `share` of them light.
+void FillWithNoise(TestImage* image, double share, uint32_t seed) {
+  std::mt19937 random(seed);
+  std::bernoulli_distribution isLight(share);
+  std::uniform_int_distribution<int32_t> level(0, 127);
+  const ImageRec& rec = *image->rec();
+  for (int32_t i = 0; i < rec.imageBytes; ++i) {
+    uint8_t byte = 0;
+    if (rec.bitsPerPixel == 1) {
+      for (int32_t bit = 0; bit < 8; ++bit)
+        byte = static_cast<uint8_t>(byte << 1 | isLight(random));
+    } else {
+      byte = static_cast<uint8_t>(level(random) + (isLight(random) ? 128 : 0));
+    }
+    rec.pixels[i] = byte;
+  }
+}
+
+// Light stretches of random length between dark ones of random length, another in every row.
+void FillWithStretches(TestImage* image, int32_t longest, uint32_t seed) {
+  std::mt19937 random(seed);
+  std::uniform_int_distribution<int32_t> length(1, longest);
+  for (int32_t y = 0; y < image->rec()->height; ++y) {
+    bool light = false;
+    for (int32_t x = 0; x < image->rec()->width; light = !light) {
+      const int32_t end = std::min(x + length(random), image->rec()->width);
+      for (; x < end; ++x) image->Set(x, y, light ? 200 : 40);
+    }
+  }
+}
+
+std::vector<TestImage> Images(int32_t width, int32_t height, int32_t depth) {
+  std::vector<TestImage> images;
+  for (const double share : {0.0, 0.02, 0.3, 0.7, 0.97, 1.0}) {
+    FillWithNoise(&images.emplace_back(TightImage(width, height, depth)), share, 7);
+  }
+  for (const int32_t longest : {3, 20, 90}) {
+    FillWithStretches(&images.emplace_back(TightImage(width, height, depth)), longest, 11);
+  }
+  return images;
+}
+
+constexpr GreyBand kBands[] = {{128, 255}, {30, 48}, {255, 255}};
+
+std::string Describe(const ImageRec& rec, int32_t run, const ScanBand& band) {
+  return std::to_string(rec.width) + " x " + std::to_string(rec.height) + ", run " +
+         std::to_string(run) + ", columns " + std::to_string(band.left) + ".." +
+         std::to_string(band.right) + ", rows " + std::to_string(band.top) + ".." +
+         std::to_string(band.bottom);
+}
+
+template <typename Pixel>
+class BorderWalksTest : public ::testing::Test {
+ protected:
+  void CompareRows(const TestImage& image, const ScanBand& band, GreyBand levels, int32_t run) {
+    for (int32_t y = 0; y < image.rec()->height; ++y) {
+      const uint8_t* row = image.row(y);
+      ASSERT_EQ(WalkFromLeft<Pixel>(row, band, levels, run),
+                PlainWalkFromLeft<Pixel>(row, band, levels, run))
+          << Describe(*image.rec(), run, band) << ", row " << y;
+      ASSERT_EQ(WalkFromRight<Pixel>(row, band, levels, run),
+                PlainWalkFromRight<Pixel>(row, band, levels, run))
+          << Describe(*image.rec(), run, band) << ", row " << y;
+    }
+  }
+
+  void CompareColumns(const TestImage& image, const ScanBand& band, GreyBand levels, int32_t run) {
+    const ColumnRange columns{band.left, band.right};
+    std::vector<int32_t> top(columns.count());
+    std::vector<int32_t> bottom(columns.count());
+    std::vector<int32_t> plainTop(columns.count());
+    std::vector<int32_t> plainBottom(columns.count());
+    ASSERT_EQ(WalkColumns<Pixel>(*image.rec(), band, levels, run, columns, {top, bottom}), 0);
+    PlainWalkColumns<Pixel>(*image.rec(), band, levels, run, columns, {plainTop, plainBottom});
+    ASSERT_EQ(top, plainTop) << Describe(*image.rec(), run, band);
+    ASSERT_EQ(bottom, plainBottom) << Describe(*image.rec(), run, band);
+  }
+};
+
+using Depths = ::testing::Types<Bit1, Grey8, Colour24>;
+class DepthNames {
+ public:
+  template <typename Pixel>
+  static std::string GetName(int) {
+    return std::to_string(kDepth<Pixel>) + "bit";
+  }
+};
+TYPED_TEST_SUITE(BorderWalksTest, Depths, DepthNames);
+
+TYPED_TEST(BorderWalksTest, RowsMeetTheBorderWhereThePlainWalksDo) {
+  for (const int32_t width : {1, 2, 9, 16, 63, 64, 65, 72, 100, 127, 128, 129, 200, 331}) {
+    for (const TestImage& image : Images(width, 12, kDepth<TypeParam>)) {
+      for (int32_t run = 1; run <= kLongestRun; ++run) {
+        const ScanBand inner{width / 5, width - 1 - width / 7, 0, 11};
+        for (const GreyBand levels : kBands) {
+          this->CompareRows(image, {0, width - 1, 0, 11}, levels, run);
+          this->CompareRows(image, inner, levels, run);
+        }
+      }
+    }
+  }
+}
+
+TYPED_TEST(BorderWalksTest, ColumnsMeetTheBorderWhereThePlainWalksDo) {
+  for (const int32_t width : {1, 2, 63, 64, 65, 150}) {
+    for (const int32_t height : {1, 2, 5, 12, 31, 48}) {
+      for (const TestImage& image : Images(width, height, kDepth<TypeParam>)) {
+        for (int32_t run = 1; run <= kLongestRun; ++run) {
+          const ScanBand inner{width / 5, width - 1 - width / 7, height / 5, height - 1};
+          for (const GreyBand levels : kBands) {
+            this->CompareColumns(image, {0, width - 1, 0, height - 1}, levels, run);
+            this->CompareColumns(image, inner, levels, run);
+          }
+        }
+      }
+    }
+  }
+}
+
+struct BitWalkCase {
+  const char* name;
+  std::vector<uint8_t> bytes;
+  int32_t width;
+  int32_t run;
+  int32_t left;
+  int32_t right;
+};
+
+class BitWalkTest : public ::testing::TestWithParam<BitWalkCase> {};
+
+TEST_P(BitWalkTest, StepsOverZeroBytesAndStopsBehindARun) {
+  const BitWalkCase& walk = GetParam();
+  const ScanBand band{0, walk.width - 1, 0, 0};
+  EXPECT_EQ(PlainWalkFromLeft<Bit1>(walk.bytes.data(), band, {}, walk.run), walk.left);
+  EXPECT_EQ(WalkFromLeft<Bit1>(walk.bytes.data(), band, {}, walk.run), walk.left);
+  EXPECT_EQ(PlainWalkFromRight<Bit1>(walk.bytes.data(), band, {}, walk.run), walk.right);
+  EXPECT_EQ(WalkFromRight<Bit1>(walk.bytes.data(), band, {}, walk.run), walk.right);
+}
+
+// Rounds as they are met from the left | from the right.
+INSTANTIATE_TEST_SUITE_P(
+    Rows, BitWalkTest,
+    ::testing::Values(
+        // (0, 8) (16, 17) | (23, 22) (21, 20) (19, 18)
+        BitWalkCase{"RunAtTheStartOfAByte", {0x00, 0x00, 0xF0}, 24, 2, 18, 17},
+        // (0, 1) (2, 3) (4, 5) ... never 3 and 4 in one round | (7, 6) (5, 4) (3, 2) ...
+        BitWalkCase{"RunAcrossTwoRounds", {0x18}, 8, 2, kNoBorder, kNoBorder},
+        // (0, 8) (9, 10) (11, 12): the zero byte has moved the rounds to odd pixels | (15, 14) ...
+        BitWalkCase{"OneZeroByteShiftsTheRounds", {0x00, 0x18}, 16, 2, 13, kNoBorder},
+        // (0, 1, 2) (3, 4, 5) (6, 7, 8) (16, 17, 18) | (23, 22, 21)
+        BitWalkCase{"ZeroByteInsideARound", {0x01, 0x00, 0xFF}, 24, 3, 19, 20},
+        // (0) | (10) (2): from the third pixel of a byte to the third of the next
+        BitWalkCase{"StepFromTheMiddleOfAZeroByte", {0xFF, 0x00}, 11, 1, 1, 1},
+        // (0) | (10) (9) (8) (7)
+        BitWalkCase{"PaddingCountsForTheZeroTest", {0xFF, 0x1F}, 11, 1, 1, 6},
+        // (0, 1) | (1, 0): the points are the columns outside the image
+        BitWalkCase{"RunsToBothEnds", {0xFF}, 2, 2, 2, -1}),
+    [](const auto& walk) { return std::string(walk.param.name); });
+
+}  // namespace
+}  // namespace vorlanepic

@@ -1,0 +1,212 @@
+#include "analysis/edge_lines.h"
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "analysis/border_drawing.h"
+#include "support/failing_heap.h"
+#include "support/failing_imgbuf.h"
+
+namespace vorlanepic {
+namespace {
+
+using testing::FillTrace;
+using testing::Line;
+using testing::TestImage;
+
+class BuildEdgesTest : public testing::AnalysisTest {
+ protected:
+  int32_t Build() {
+    edges_ = {};
+    straightness_ = 7;
+    return BuildEdges(image_.rec(), &extremes_, &straightness_, &traces_, &edges_);
+  }
+
+  // 30 segments a side of a page that stands on its corner: the top and the right side run down to
+  // the right, the others likewise, so that every part of them is a straight line.
+  void TraceDiamond() {
+    FillTrace(&traces_.left, Line(30, 100, 100, 6, 12));
+    FillTrace(&traces_.right, Line(30, 300, 100, 6, 12));
+    FillTrace(&traces_.top, Line(30, 500, 300, -12, -6));
+    FillTrace(&traces_.bottom, Line(30, 500, 600, -12, -6));
+    settings.LeftExtremeSegFirst = 15;
+    settings.LeftExtremeSegLast = 16;
+    settings.RightExtremeSegFirst = 17;
+    settings.RightExtremeSegLast = 18;
+    settings.TopExtremeSegFirst = 19;
+    settings.TopExtremeSegLast = 13;
+    settings.BottomExtremeSegFirst = 20;
+    settings.BottomExtremeSegLast = 12;
+    extremes_ = {{100, 400}, {500, 300}, {400, 0}, {200, 700}};
+  }
+
+  // 30 segments a side of an upright page, with the leftmost point low.
+  void TraceUpright() {
+    FillTrace(&traces_.left, Line(30, 100, 20, 0, 12));
+    FillTrace(&traces_.right, Line(30, 500, 20, 0, 12));
+    FillTrace(&traces_.top, Line(30, 500, 20, -12, 0));
+    FillTrace(&traces_.bottom, Line(30, 500, 380, -12, 0));
+    extremes_ = {{100, 30}, {500, 30}, {300, 20}, {300, 380}};
+  }
+
+  struct Part {
+    const SideTrace& side;
+    size_t first;
+    int32_t count;
+  };
+  void ExpectParts(const Part (&parts)[4]) {
+    const EdgeLine* edges[] = {&edges_.e1, &edges_.e2, &edges_.e3, &edges_.e4};
+    for (size_t i = 0; i < 4; ++i) {
+      ASSERT_EQ(edges[i]->list.segmentCount, parts[i].count) << "edge " << i + 1;
+      EXPECT_EQ(edges[i]->list.segments[0].first, parts[i].side.list.segments[parts[i].first].first)
+          << "edge " << i + 1;
+    }
+  }
+
+  TestImage image_{800, 800, 8};
+  ExtremePoints extremes_{};
+  int32_t straightness_ = 7;
+  BorderTraces traces_;
+  DocumentEdges edges_;
+};
+
+// The trim is 32 / 6 = 5 segments. The page touches row 0 and its sides stand at 63 degrees, so
+// they do not count as straight.
+TEST_F(BuildEdgesTest, TakesTheSidesBeyondTheExtremesOfATurnedPage) {
+  TraceDiamond();
+  ASSERT_EQ(Build(), STATUS_OK);
+  EXPECT_EQ(straightness_, 1);
+  EXPECT_EQ(settings.EdgeArrangement, 2);  // 700 - 400 is not more than 400 - 0
+  ExpectParts(
+      {{traces_.left, 5, 5}, {traces_.bottom, 17, 8}, {traces_.right, 23, 2}, {traces_.top, 5, 9}});
+
+  extremes_.leftmost.y = 300;
+  ASSERT_EQ(Build(), STATUS_OK);
+  EXPECT_EQ(settings.EdgeArrangement, 1);
+  ExpectParts({{traces_.top, 18, 7},
+               {traces_.left, 21, 4},
+               {traces_.bottom, 5, 10},
+               {traces_.right, 5, 7}});
+}
+
+TEST_F(BuildEdgesTest, TakesWholeSidesOfAStraightPage) {
+  TraceUpright();
+  settings.EdgeArrangement = 9;
+  ASSERT_EQ(Build(), STATUS_OK);
+  EXPECT_EQ(straightness_, 0);
+  EXPECT_EQ(settings.EdgeArrangement, 9);
+  ExpectParts({{traces_.top, 5, 20},
+               {traces_.left, 5, 20},
+               {traces_.bottom, 5, 20},
+               {traces_.right, 5, 20}});
+
+  settings.BorderMethod = 3;
+  ASSERT_EQ(Build(), STATUS_OK);
+  EXPECT_EQ(settings.EdgeArrangement, 1);
+  ExpectParts({{traces_.top, 5, 20},
+               {traces_.left, 5, 20},
+               {traces_.bottom, 5, 20},
+               {traces_.right, 5, 20}});
+  extremes_.leftmost.y = 300;
+  ASSERT_EQ(Build(), STATUS_OK);
+  EXPECT_EQ(settings.EdgeArrangement, 2);
+  ExpectParts({{traces_.left, 5, 20},
+               {traces_.bottom, 5, 20},
+               {traces_.right, 5, 20},
+               {traces_.top, 5, 20}});
+}
+
+TEST_F(BuildEdgesTest, TrimsByThePointsOfASegment) {
+  TraceUpright();
+  settings.SegmentPointNum = 10;  // 32 / 10 = 3 segments
+  ASSERT_EQ(Build(), STATUS_OK);
+  EXPECT_EQ(edges_.e1.list.segmentCount, 24);
+  settings.SegmentPointNum = 1;  // 32 at both ends are more than there are
+  EXPECT_EQ(Build(), BAD_ARGUMENT);
+}
+
+// 10 segments 12 apart along x = 100; some lie 50 aside, paired so that the halves' means stay at
+// 100. With segments 1, 3, 6, 8 aside 6 of 10 are near, which is not more than 0.6 of them. With 1,
+// 3 and 6 aside the chord runs from (100, 44) to (110, 104), at 80.5 degrees, and 7 are near.
+std::vector<EdgePoint> Crooked(bool fourAside) {
+  std::vector<EdgePoint> side = Line(10, 100, 20, 0, 12);
+  side[1].x += 50;
+  side[3].x -= 50;
+  side[6].x += 50;
+  if (fourAside) side[8].x -= 50;
+  return side;
+}
+
+std::vector<EdgePoint> Transposed(std::vector<EdgePoint> side) {
+  for (EdgePoint& point : side) std::swap(point.x, point.y);
+  return side;
+}
+
+// The side's chord stands at arctan(5), 78.7 degrees.
+const std::vector<EdgePoint> kSlanted = Line(10, 100, 20, 12, 60);
+const std::vector<EdgePoint> kUprightSide = Line(10, 100, 20, 0, 12);
+const std::vector<EdgePoint> kLevelSide = Line(10, 20, 100, 12, 0);
+
+struct StraightCase {
+  const char* name;
+  std::vector<EdgePoint> left;
+  std::vector<EdgePoint> top;
+  int32_t width;  // of the page; it is 400 high
+  int32_t topmost;
+  int32_t straightness;
+};
+
+class StraightnessTest : public BuildEdgesTest,
+                         public ::testing::WithParamInterface<StraightCase> {};
+
+TEST_P(StraightnessTest, IsJudgedOnTheLongerSidesOrTheUprightOnes) {
+  const StraightCase& page = GetParam();
+  FillTrace(&traces_.left, page.left);
+  FillTrace(&traces_.right, page.left);
+  FillTrace(&traces_.top, page.top);
+  FillTrace(&traces_.bottom, page.top);
+  extremes_ = {{10, 200}, {10 + page.width, 200}, {200, page.topmost}, {200, page.topmost + 400}};
+  EXPECT_EQ(Build(), BAD_ARGUMENT);  // the trim leaves no segment
+  EXPECT_EQ(straightness_, page.straightness);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Pages, StraightnessTest,
+    ::testing::Values(
+        StraightCase{"SixOfTen", Crooked(true), kLevelSide, 300, 9, 1},
+        StraightCase{"SevenOfTen", Crooked(false), kLevelSide, 300, 9, 0},
+        StraightCase{"TallPage", kUprightSide, Transposed(Crooked(true)), 400, 9, 0},
+        StraightCase{"WidePage", Crooked(true), kLevelSide, 401, 9, 0},
+        StraightCase{"WidePageWithACrookedTop", kUprightSide, Transposed(Crooked(true)), 401, 9, 1},
+        StraightCase{"WidePageAtTheFrame", kUprightSide, Transposed(Crooked(true)), 401, 0, 0},
+        StraightCase{"SlantedPage", kSlanted, kLevelSide, 300, 9, 0},
+        StraightCase{"SlantedPageAtTheFirstRow", kSlanted, kLevelSide, 300, 0, 1},
+        StraightCase{"SlantedPageAtTheLastRow", kSlanted, kLevelSide, 300, 399, 1},
+        StraightCase{"SteepPageAtTheFrame", Crooked(false), kLevelSide, 300, 0, 0}),
+    [](const auto& page) { return std::string(page.param.name); });
+
+TEST_F(BuildEdgesTest, PassesFailingFitsAndChecksOn) {
+  TraceUpright();
+  extremes_.rightmost.x = 400;  // taller than wide
+  FillTrace(&traces_.right, Line(1, 500, 100, 0, 0));
+  EXPECT_EQ(Build(), BAD_ARGUMENT);
+  FillTrace(&traces_.right, Line(4, 500, 100, 0, 0));
+  EXPECT_EQ(Build(), ANGLE_NOT_FOUND);
+  EXPECT_EQ(BuildEdges(image_.rec(), nullptr, &straightness_, &traces_, &edges_), BAD_ARGUMENT);
+  testing::FailingImgbuf imgbuf;
+  imgbuf.FailCheck(0, 77);
+  EXPECT_EQ(Build(), 77);
+}
+
+TEST_F(BuildEdgesTest, ReportsExhaustedMemoryAtEveryStep) {
+  TraceDiamond();
+  int32_t status = STATUS_OK;
+  testing::ForEachHeapFailure([&] { status = Build(); },
+                              [&](int32_t) { EXPECT_EQ(status, OUT_OF_MEMORY); });
+  EXPECT_EQ(status, STATUS_OK);
+}
+
+}  // namespace
+}  // namespace vorlanepic

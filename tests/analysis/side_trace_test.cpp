@@ -1,0 +1,102 @@
+#include "analysis/side_trace.h"
+
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "analysis/border_drawing.h"
+#include "support/failing_heap.h"
+#include "vorlanepic/vorlanepic.h"
+
+namespace vorlanepic {
+namespace {
+
+using testing::AnalysisTest;
+using testing::Line;
+using testing::MeansOf;
+
+std::vector<EdgePoint> Joined(std::initializer_list<std::vector<EdgePoint>> parts) {
+  std::vector<EdgePoint> all;
+  for (const auto& part : parts) all.insert(all.end(), part.begin(), part.end());
+  return all;
+}
+
+struct TraceCase {
+  const char* name;
+  std::vector<EdgePoint> points;
+  std::vector<int32_t> counts;
+  std::vector<EdgePoint> means;
+};
+
+class TraceBuilderTest : public AnalysisTest, public ::testing::WithParamInterface<TraceCase> {};
+
+TEST_P(TraceBuilderTest, CutsTheBorderIntoSegments) {
+  TraceBuilder builder;
+  for (const EdgePoint point : GetParam().points) ASSERT_EQ(builder.Add(point), STATUS_OK);
+  ASSERT_EQ(builder.Finish(), STATUS_OK);
+  const SideTrace side = builder.Take();
+  std::vector<int32_t> counts;
+  const EdgePoint* first = side.points.data();
+  for (const BorderSegment& segment : side.list.view()) {
+    counts.push_back(segment.count);
+    EXPECT_EQ(segment.first, first);
+    EXPECT_EQ(segment.used, 0);
+    first += segment.count;
+  }
+  EXPECT_EQ(counts, GetParam().counts);
+  EXPECT_EQ(MeansOf(side.list), GetParam().means);
+  EXPECT_EQ(first - side.points.data(), side.pointCount);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Borders, TraceBuilderTest,
+    ::testing::Values(
+        // 10, 12, ... 20 and 22, ... 28; means are truncated.
+        TraceCase{"SixPointsASegment", Line(10, 5, 10, 0, 2), {6, 4}, {{5, 15}, {5, 25}}},
+        TraceCase{"ShortRestIsDropped", Line(9, 5, 10, 0, 2), {6}, {{5, 15}}},
+        TraceCase{"StepOfSixStays", Line(5, 0, 0, 6, 2), {5}, {{12, 4}}},
+        TraceCase{"StepInX",
+                  Joined({Line(5, 20, 0, 0, 2), Line(5, 13, 10, 0, 2)}),
+                  {5, 5},
+                  {{20, 4}, {13, 14}}},
+        TraceCase{"StepInY",
+                  Joined({Line(4, 20, 0, 0, 2), Line(4, 20, 13, 0, 2)}),
+                  {4, 4},
+                  {{20, 3}, {20, 16}}},
+        // The three points in the middle leave no trace.
+        TraceCase{"ShortSegmentIsDropped",
+                  Joined({Line(4, 20, 0, 0, 2), Line(3, 90, 8, 0, 2), Line(4, 20, 14, 0, 2)}),
+                  {4, 4},
+                  {{20, 3}, {20, 17}}},
+        TraceCase{"Nothing", {}, {}, {}}),
+    [](const auto& border) { return std::string(border.param.name); });
+
+TEST_F(AnalysisTest, TraceRefusesNegativeCoordinates) {
+  TraceBuilder builder;
+  EXPECT_EQ(builder.Add({-1, 0}), BAD_ARGUMENT);
+  EXPECT_EQ(builder.Add({0, -1}), BAD_ARGUMENT);
+  EXPECT_TRUE(builder.IsEmpty());
+}
+
+TEST_F(AnalysisTest, TraceReportsExhaustedMemoryAtEveryStep) {
+  int32_t failures = 0;
+  int32_t status = STATUS_OK;
+  testing::ForEachHeapFailure(
+      [&] {
+        TraceBuilder builder;
+        status = STATUS_OK;
+        // 6500 points in segments of 6: points grow six times, segments twice.
+        for (int32_t i = 0; i < 6500 && status == STATUS_OK; ++i) status = builder.Add({i, i});
+        if (status == STATUS_OK) status = builder.Finish();
+      },
+      [&](int32_t) {
+        EXPECT_EQ(status, OUT_OF_MEMORY);
+        ++failures;
+      });
+  EXPECT_EQ(status, STATUS_OK);
+  EXPECT_EQ(failures, 7 + 2);
+}
+
+}  // namespace
+}  // namespace vorlanepic

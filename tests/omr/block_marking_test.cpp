@@ -1,0 +1,346 @@
+#include <algorithm>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <random>
+#include <set>
+#include <string>
+#include <vector>
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "omr/block_pictures.h"
+#include "omr/plain_blocks.h"
+#include "support/failing_heap.h"
+#include "vorlanepic/vorlanepic.h"
+
+namespace vorlanepic::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::ElementsAreArray;
+using ::testing::Pair;
+
+int32_t MarkDark(const BlockPicture& picture, const BlockMarkParam& param, const BlockRect& rect,
+                 TestSet* set) {
+  return ImageBlockMarkHorEx(picture.pixels.data(), picture.height, picture.width, &param, &rect,
+                             set->get());
+}
+
+// What a picture's blocks look like, as "left,top,width x height,area" each.
+std::vector<std::string> Outlines(TestSet& set) {
+  std::vector<std::string> outlines;
+  for (int32_t i = 0; i < set->count; ++i) {
+    const BlockRec& b = set[i];
+    outlines.push_back(std::to_string(b.left) + "," + std::to_string(b.top) + " " +
+                       std::to_string(b.width) + "x" + std::to_string(b.height) + " " +
+                       std::to_string(b.area));
+  }
+  return outlines;
+}
+
+struct MarkCase {
+  const char* name;
+  std::vector<std::string> picture;
+  BlockMarkParam param;
+  BlockRect rect;
+  std::vector<std::string> blocks;
+};
+
+class BlockMarkingTest : public ::testing::TestWithParam<MarkCase> {};
+
+TEST_P(BlockMarkingTest, FindsTheBlocksOf) {
+  const MarkCase& c = GetParam();
+  TestSet set;
+  ASSERT_EQ(MarkDark(BlockPicture(c.picture), c.param, c.rect, &set), STATUS_OK);
+  EXPECT_THAT(Outlines(set), ElementsAreArray(c.blocks));
+}
+
+constexpr BlockRect kAll{0, 0, 100, 100};
+
+INSTANTIATE_TEST_SUITE_P(
+    Pictures, BlockMarkingTest,
+    ::testing::Values(
+        MarkCase{"NothingDark", {"...", "..."}, kPlainRuns, kAll, {}},
+        MarkCase{
+            "DiagonalNeighbours", {"#....", ".#...", "..#.."}, kPlainRuns, kAll, {"0,0 3x3 3"}},
+        MarkCase{"AGapOfOneColumnParts",
+                 {"#.#..", "....."},
+                 kPlainRuns,
+                 kAll,
+                 {"0,0 1x1 1", "2,0 1x1 1"}},
+        MarkCase{"ALetterU", {"#...#..", "#...#..", "#####.."}, kPlainRuns, kAll, {"0,0 5x3 9"}},
+        // The arms stand from right to left; the last one, opened third, absorbs the others.
+        MarkCase{"AStaircaseToTheLeft",
+                 {"......#..", "...#..#..", "#..#..#..", "#######.."},
+                 kPlainRuns,
+                 kAll,
+                 {"0,0 7x4 13"}},
+        MarkCase{"RunsOutsideTheLimitsAreDropped",
+                 {"##..........", "###.........", "............", "##########..", "............",
+                  "###########."},
+                 {3, 10, 0, 100},
+                 kAll,
+                 {"0,1 3x1 3", "0,3 10x1 10"}},
+        MarkCase{"OneLimitAloneDropsNothing",
+                 {"##.###...."},
+                 {3, 0, 0, 100},
+                 kAll,
+                 {"0,0 2x1 2", "3,0 3x1 3"}},
+        MarkCase{"ANegativeLimitDropsAll", {"##.###...."}, {-1, -5, 0, 100}, kAll, {}},
+        MarkCase{"JoinedRunsCountTheirGap",
+                 {"###..###.........."},
+                 {1, 10, 3, 100},
+                 kAll,
+                 {"0,0 8x1 8"}},
+        MarkCase{"AJoinedRunThatGetsTooLongIsRemoved",
+                 {"###..###.####....."},
+                 {1, 10, 3, 100},
+                 kAll,
+                 {}},
+        MarkCase{
+            "AGapOfTwoJoinsFromTwoOn", {"#.#...", "......"}, {0, 0, 2, 100}, kAll, {"0,0 3x1 3"}},
+        MarkCase{"AGapOfOneNeverJoins",
+                 {"#.#...", "......"},
+                 {0, 0, 1, 100},
+                 kAll,
+                 {"0,0 1x1 1", "2,0 1x1 1"}},
+        MarkCase{
+            "ARunTakesTheLastColumnUnseen", {"..##.", "....#"}, kPlainRuns, kAll, {"2,0 3x2 4"}},
+        MarkCase{
+            "ARunMayBeginInTheLastColumn", {"#...#"}, kPlainRuns, kAll, {"0,0 1x1 1", "4,0 1x1 1"}},
+        MarkCase{"AnInnerRectangleReachesOneFurther",
+                 {"#####", "#####", "#####", "#####"},
+                 kPlainRuns,
+                 {1, 1, 2, 1},
+                 {"1,1 3x2 6"}},
+        MarkCase{"NegativeExtentsGoLeftAndUp",
+                 {"#####", "#####", "#####", "#####"},
+                 kPlainRuns,
+                 {3, 3, -2, -1},
+                 {"1,2 3x2 6"}},
+        MarkCase{"AnOriginLeftOfTheImageKeepsTheExtent",
+                 {"#####", "#####", "#####"},
+                 kPlainRuns,
+                 {-3, -9, 1, 1},
+                 {"0,0 2x2 4"}},
+        MarkCase{"NoExtentIsOnePixel", {"####", "####"}, kPlainRuns, {2, 1, 0, 0}, {"2,1 1x1 1"}},
+        MarkCase{"TheLargestNumbersReachTheWholeImage",
+                 {"###", "###"},
+                 kPlainRuns,
+                 {INT32_MIN, INT32_MIN, INT32_MAX, INT32_MIN},
+                 {"0,0 3x2 6"}}),
+    [](const auto& mark) { return mark.param.name; });
+
+TEST(BlockMarkingRecordTest, AbsorbedBlocksStandBehindTheSurvivorsPoints) {
+  // Opened in this order: at the right, in the middle, at the left, which meets the right one.
+  const BlockPicture picture({"......2..", "...7..2..", "3.....4..", "355555556", "........."});
+  TestSet set;
+  ASSERT_EQ(MarkDark(picture, kPlainRuns, picture.All(), &set), STATUS_OK);
+  ASSERT_EQ(set->count, 2);
+  EXPECT_THAT(PointsOf(set[0]), ElementsAre(Pair(3, 1)));
+  EXPECT_THAT(PointsOf(set[1]),
+              ElementsAre(Pair(0, 2), Pair(0, 3), Pair(1, 3), Pair(2, 3), Pair(3, 3), Pair(4, 3),
+                          Pair(5, 3), Pair(6, 3), Pair(7, 3), Pair(8, 3), Pair(6, 0), Pair(6, 1),
+                          Pair(6, 2)));
+  const BlockRec& b = set[1];
+  EXPECT_EQ(b.area, 13);
+  EXPECT_EQ(b.centerX, 54 / 13);  // 0 + 36 + 18
+  EXPECT_EQ(b.centerY, 32 / 13);  // 2 + 27 + 3
+  EXPECT_EQ(b.state, BLOCK_FINISHED);
+  EXPECT_EQ(b.reserved1, -1);
+  EXPECT_EQ(b.reserved2, -1);
+  EXPECT_EQ(b.childCount, 0);
+  EXPECT_EQ(b.childCapacity, 0);
+  EXPECT_EQ(b.children, nullptr);
+  EXPECT_EQ(b.root, 1);
+  EXPECT_EQ(b.minValue, 20U);
+  EXPECT_EQ(b.maxValue, 50U);  // the 60 stands in the last column, where it is not looked at
+  EXPECT_EQ(set->capacity, 100);
+}
+
+TEST(BlockMarkingRecordTest, CoordinatesBeyond16BitsAreCutAndSumsWrap) {
+  BlockPicture picture(70000, 1, 0);
+  TestSet set;
+  ASSERT_EQ(BWBlockMarkHorEx(picture.pixels.data(), 1, 70000, &kPlainRuns,
+                             std::vector<BlockRect>{picture.All()}.data(), set.get()),
+            STATUS_OK);
+  EXPECT_EQ(set->count, 0);
+  ASSERT_EQ(MarkDark(picture, kPlainRuns, picture.All(), &set), STATUS_OK);
+  ASSERT_EQ(set->count, 1);
+  // 0 + 1 + ... + 69999 = 2449965000, which is -1845002296 in 32 bits; a seventy-thousandth of that
+  // is -26357, and rounding by adding a half takes one off a negative number.
+  EXPECT_EQ(set[0].centerX, -26356);
+  EXPECT_EQ(set[0].right, 69999);
+  EXPECT_EQ(set[0].points[65535].x, 65535);
+  EXPECT_EQ(set[0].points[65536].x, 0);
+  EXPECT_EQ(set[0].points[65536].y, 0);
+  EXPECT_EQ(set[0].points[69999].x, 69999 - 65536);
+}
+
+void ExpectSame(TestSet& set, const PlainSet& plain) {
+  ASSERT_EQ(set->count, static_cast<int32_t>(plain.blocks.size()));
+  EXPECT_EQ(set->capacity, plain.capacity);
+  for (int32_t i = 0; i < set->count; ++i) {
+    const BlockRec& a = set[i];
+    const PlainBlock& b = plain.blocks[static_cast<size_t>(i)];
+    const auto fields = [](const BlockRec& r) {
+      return std::vector<int64_t>{r.area,      r.centerX,   r.centerY,    r.width,         r.left,
+                                  r.right,     r.height,    r.bottom,     r.top,           r.state,
+                                  r.reserved1, r.reserved2, r.childCount, r.childCapacity, r.root,
+                                  r.minValue,  r.maxValue,  r.pointCount, r.pointCapacity};
+    };
+    ASSERT_EQ(fields(a), fields(b.rec)) << "block " << i;
+    const bool samePoints =
+        std::equal(b.points.begin(), b.points.end(), a.points, a.points + a.pointCount,
+                   [](BlockPoint p, BlockPoint q) { return p.x == q.x && p.y == q.y; });
+    ASSERT_TRUE(samePoints) << "block " << i;
+  }
+}
+
+TEST(BlockMarkingDifferentialTest, AgreesWithThePlainMarkerOnRandomPictures) {
+  std::mt19937 random(7);
+  const auto upTo = [&](int32_t most) { return static_cast<int32_t>(random() % (most + 1U)); };
+  for (int round = 0; round < 600; ++round) {
+    // Now and then long rows, for runs of many vectors and lists beyond the first reserve.
+    const int32_t width = 1 + upTo(round % 10 == 0 ? 400 : 70);
+    const int32_t height = 1 + upTo(40);
+    const BlockPicture picture =
+        RandomPicture(width, height, static_cast<uint32_t>(upTo(100)), &random);
+    const BlockMarkParam param{static_cast<int16_t>(upTo(3)), static_cast<int16_t>(upTo(30)),
+                               static_cast<int16_t>(round % 2 == 0 ? 0 : upTo(5)),
+                               static_cast<uint8_t>(round % 3 == 0 ? upTo(255) : 100)};
+    const BlockRect rect =
+        round % 4 == 0 ? BlockRect{upTo(80) - 10, upTo(50) - 10, upTo(120) - 60, upTo(120) - 60}
+                       : picture.All();
+    TestSet set;
+    PlainSet plain;
+    ASSERT_EQ(MarkDark(picture, param, rect, &set),
+              MarkPlainly(picture.pixels.data(), height, width, param, rect, IsDark, &plain));
+    ASSERT_NO_FATAL_FAILURE(ExpectSame(set, plain)) << "round " << round;
+
+    // A second call adds to the same set.
+    BlockPicture inverted = picture;
+    for (uint8_t& pixel : inverted.pixels) pixel = pixel == 255 ? 0 : pixel;
+    ASSERT_EQ(BWBlockMarkHorEx(inverted.pixels.data(), height, width, &param, &rect, set.get()),
+              MarkPlainly(inverted.pixels.data(), height, width, param, rect, IsNonZero, &plain));
+    ASSERT_NO_FATAL_FAILURE(ExpectSame(set, plain)) << "round " << round << ", second call";
+  }
+}
+
+// The pixels connected to a pixel, taken off the picture.
+std::set<std::pair<int32_t, int32_t>> TakeFlood(BlockPicture* picture, int32_t x, int32_t y) {
+  std::set<std::pair<int32_t, int32_t>> flood;
+  std::deque<std::pair<int32_t, int32_t>> open{{x, y}};
+  while (!open.empty()) {
+    const auto [px, py] = open.front();
+    open.pop_front();
+    if (px < 0 || py < 0 || px >= picture->width || py >= picture->height) continue;
+    if (picture->At(px, py) > 100) continue;
+    picture->At(px, py) = 255;
+    flood.emplace(px, py);
+    for (int32_t k = 0; k < 9; ++k) open.emplace_back(px + k % 3 - 1, py + k / 3 - 1);
+  }
+  return flood;
+}
+
+TEST(BlockMarkingDifferentialTest, BlocksAreWhatAFloodFillReaches) {
+  std::mt19937 random(11);
+  for (int round = 0; round < 60; ++round) {
+    BlockPicture picture = RandomPicture(90, 60, 5 + static_cast<uint32_t>(round) % 50, &random);
+    // Nothing dark comes up to the last column, which a run would take in unseen.
+    for (int32_t y = 0; y < picture.height; ++y) picture.At(88, y) = picture.At(89, y) = 255;
+    TestSet set;
+    ASSERT_EQ(MarkDark(picture, kPlainRuns, picture.All(), &set), STATUS_OK);
+    for (int32_t i = 0; i < set->count; ++i) {
+      const Points points = PointsOf(set[i]);
+      const auto flood = TakeFlood(&picture, points.at(0).first, points.at(0).second);
+      ASSERT_EQ(flood.size(), points.size());
+      ASSERT_TRUE(std::all_of(points.begin(), points.end(),
+                              [&](const auto& point) { return flood.count(point) == 1; }));
+    }
+    ASSERT_EQ(std::count(picture.pixels.begin(), picture.pixels.end(), 255), 90 * 60);
+  }
+}
+
+TEST(BlockMarkingArgumentsTest, RefusesWhatCannotBeSearchedAndChangesNothing) {
+  const BlockPicture picture({"##.", "##."});
+  const uint8_t* pixels = picture.pixels.data();
+  const BlockRect all = picture.All();
+  TestSet set;
+  for (const auto mark : {ImageBlockMarkHorEx, BWBlockMarkHorEx}) {
+    EXPECT_EQ(mark(nullptr, 2, 3, &kPlainRuns, &all, set.get()), BAD_ARGUMENT);
+    EXPECT_EQ(mark(pixels, 2, 3, nullptr, &all, set.get()), BAD_ARGUMENT);
+    EXPECT_EQ(mark(pixels, 2, 3, &kPlainRuns, nullptr, set.get()), BAD_ARGUMENT);
+    EXPECT_EQ(mark(pixels, 2, 3, &kPlainRuns, &all, nullptr), BAD_ARGUMENT);
+    for (const BlockRect& rect : {BlockRect{3, 0, 1, 1}, BlockRect{0, 2, 1, 1},
+                                  BlockRect{9, 0, -6, 1}, BlockRect{INT32_MAX, 0, INT32_MIN, 1}}) {
+      const bool isInside = rect.w == INT32_MIN;  // the origin is -1, which moves to 0
+      EXPECT_EQ(mark(pixels, 2, 3, &kPlainRuns, &rect, set.get()),
+                isInside ? STATUS_OK : BAD_ARGUMENT);
+    }
+    EXPECT_EQ(mark(pixels, 0, 3, &kPlainRuns, &all, set.get()), BAD_ARGUMENT);
+    EXPECT_EQ(mark(pixels, 2, -3, &kPlainRuns, &all, set.get()), BAD_ARGUMENT);
+    // Sizes below 1 that the origin still precedes hold no pixel.
+    const BlockRect before{INT32_MIN, INT32_MIN, 0, 0};
+    EXPECT_EQ(mark(pixels, -5, -5, &kPlainRuns, &before, set.get()), STATUS_OK);
+  }
+  DestoryBlockSetRec(set.get());
+  set->count = 4;  // blocks without an array
+  EXPECT_EQ(MarkDark(picture, kPlainRuns, all, &set), 10);
+  EXPECT_EQ(set->blocks, nullptr);
+  *set.get() = {};
+}
+
+TEST(BlockMarkingMemoryTest, SurvivesEveryHeapFailureWithTheSetAsItWas) {
+  const BlockPicture picture(
+      {"#..#..#...", "#..#..#...", "#######...", "..........", "#........."});
+  TestSet set;
+  ASSERT_EQ(MarkDark(picture, kPlainRuns, picture.All(), &set), STATUS_OK);
+  int32_t failures = 0;
+  TestSet fresh;
+  int32_t status = STATUS_OK;
+  ForEachHeapFailure(
+      [&] {
+        DestoryBlockSetRec(fresh.get());
+        status = MarkDark(picture, kPlainRuns, picture.All(), &fresh);
+      },
+      [&](int32_t) {
+        ++failures;
+        EXPECT_EQ(status, OUT_OF_MEMORY);
+        EXPECT_EQ(fresh->count, 0);
+      });
+  EXPECT_GT(failures, 4);  // runs, labels, blocks, records and two lists at least
+  EXPECT_EQ(status, STATUS_OK);
+  ForEachHeapFailure([&] { status = MarkDark(picture, kPlainRuns, picture.All(), &set); },
+                     [&](int32_t) {
+                       EXPECT_EQ(status, OUT_OF_MEMORY);
+                       EXPECT_THAT(Outlines(set), ElementsAre("0,0 7x3 13", "0,4 1x1 1"));
+                     });
+  EXPECT_EQ(set->count, 4);
+}
+
+TEST(BlockMarkingMemoryTest, BlocksLeftUnfinishedAreFinishedOrReleased) {
+  const BlockPicture picture({"#.#.#...", "........"});
+  TestSet set;
+  ASSERT_EQ(MarkDark(picture, kPlainRuns, picture.All(), &set), STATUS_OK);
+  ASSERT_EQ(set->count, 3);
+  BlockRec& growing = set->blocks[0];
+  growing.state = BLOCK_GROWING;
+  growing.centerX = 7;  // sums while it grows
+  growing.area = 2;
+  growing.width = growing.height = 0;
+  set->blocks[1].state = BLOCK_MERGED;
+  ASSERT_EQ(MarkDark(picture, kPlainRuns, {0, 0, 1, 0}, &set), STATUS_OK);
+  ASSERT_EQ(set->count, 3);
+  EXPECT_EQ(set[0].state, BLOCK_FINISHED);
+  EXPECT_EQ(set[0].centerX, 3);
+  EXPECT_EQ(set[0].width, 1);
+  EXPECT_EQ(set[1].left, 4);
+  EXPECT_EQ(set[2].left, 0);
+  for (int32_t i = 0; i < 3; ++i) EXPECT_EQ(set[i].root, i);
+}
+
+}  // namespace
+}  // namespace vorlanepic::testing

@@ -1,0 +1,72 @@
+# Checks what the headers of the two libraries say: exactly the listed names, undecorated; imports
+# from the system's own libraries and imgbuf.dll alone; relocatable, with data that can't run.
+function(describe variable library)
+  execute_process(COMMAND ${OBJDUMP} -p ${library} OUTPUT_VARIABLE text RESULT_VARIABLE result)
+  if(NOT result EQUAL 0)
+    message(FATAL_ERROR "cannot read ${library}")
+  endif()
+  set(${variable} "${text}" PARENT_SCOPE)
+endfunction()
+
+function(expect_same what actual expected)
+  list(SORT actual)
+  list(SORT expected)
+  if(NOT actual STREQUAL expected)
+    message(SEND_ERROR "${what}: ${actual}\nexpected: ${expected}")
+  endif()
+endfunction()
+
+function(check_exports what text def_file)
+  string(REGEX MATCH "\\[Ordinal/Name Pointer\\] Table.*" table "${text}")
+  string(REGEX REPLACE "\n\n.*" "" table "${table}")
+  string(REPLACE "]" ":" table "${table}")  # brackets would join list items
+  string(REGEX MATCHALL "[0-9]: [^\n]+" names "${table}")
+  list(TRANSFORM names REPLACE "^[0-9]: " "")
+  list(TRANSFORM names STRIP)
+  file(STRINGS ${def_file} expected REGEX "^    [A-Za-z_]+ ")
+  list(TRANSFORM expected REPLACE "^    ([A-Za-z_]+) .*" "\\1")
+  expect_same("${what} exports" "${names}" "${expected}")
+endfunction()
+
+function(check_imports what text)
+  string(REGEX MATCHALL "DLL Name: [^\n]+" libraries "${text}")
+  list(TRANSFORM libraries REPLACE "DLL Name: " "")
+  list(TRANSFORM libraries STRIP)
+  expect_same("${what} imports from" "${libraries}" "${ARGN}")
+endfunction()
+
+function(check_flags what text)
+  foreach(flag DYNAMIC_BASE NX_COMPAT)
+    if(NOT text MATCHES "\n[\t ]+${flag}")
+      message(SEND_ERROR "${what} lacks the flag ${flag}")
+    endif()
+  endforeach()
+  if(text MATCHES "relocations stripped" OR text MATCHES "Entry 5 0+ 0+ Base Relocation")
+    message(SEND_ERROR "${what} cannot be relocated")
+  endif()
+  execute_process(COMMAND ${OBJDUMP} -h ${ARGN} OUTPUT_VARIABLE sections)
+  # Flags of a section stand on the line behind it; code is never writable.
+  string(REGEX MATCHALL "\n[^\n]*CODE[^\n]*" code_sections "${sections}")
+  foreach(flags IN LISTS code_sections)
+    if(NOT flags MATCHES "READONLY")
+      message(SEND_ERROR "${what} has writable code")
+    endif()
+  endforeach()
+endfunction()
+
+describe(vorlanepic ${VORLANEPIC})
+check_exports(vorlanepic.dll "${vorlanepic}" ${SOURCE_DIR}/vorlanepic.def)
+check_imports(vorlanepic.dll "${vorlanepic}" KERNEL32.dll msvcrt.dll imgbuf.dll)
+check_flags(vorlanepic.dll "${vorlanepic}" ${VORLANEPIC})
+
+# What it wants of the image library are the plain names, so that another one can take its place.
+string(REGEX MATCH "DLL Name: imgbuf.dll.*" wanted "${vorlanepic}")
+string(REGEX REPLACE "\n\n.*" "" wanted "${wanted}")
+string(REGEX MATCHALL "Imgbuf?[A-Za-z_@0-9]+" wanted "${wanted}")
+expect_same("vorlanepic.dll wants" "${wanted}"
+  "Imgbuf_New;Imgbuf_Check;Imgbuf_Destory;ImgbufNew;ImgbufCheck")
+
+describe(imgbuf ${IMGBUF})
+check_exports(imgbuf.dll "${imgbuf}" ${SOURCE_DIR}/imgbuf/imgbuf.def)
+check_imports(imgbuf.dll "${imgbuf}" KERNEL32.dll msvcrt.dll)
+check_flags(imgbuf.dll "${imgbuf}" ${IMGBUF})
