@@ -1,7 +1,7 @@
 // Rotation alone: by kind of pixel and instruction set, by angle, and by size.
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
-#include <map>
 #include <memory>
 #include <string>
 
@@ -29,7 +29,7 @@ constexpr Kind kKinds[] = {
     {"colour_nearest", 24, INTERP_NEAREST}, {"colour_bicubic", 24, INTERP_BICUBIC},
     {"bit_nearest", 1, INTERP_NEAREST}};
 
-constexpr const char* kSetNames[] = {"scalar", "sse2", "avx2", "avx512"};
+constexpr const char* kSetNames[] = {"scalar", "sse2", "avx2"};
 
 // A page of 9/10 the width and 14/15 the height of its image, turned about the middle.
 struct Scan {
@@ -141,31 +141,37 @@ struct Size {
 constexpr Size kSizes[] = {
     {"2MP", 1200, 1800}, {"8MP", 2400, 3500}, {"33MP", 4800, 7000}, {"96MP", 8200, 11800}};
 
-[[maybe_unused]] const bool kRegistered = [] {
-  for (const Kind& kind : kKinds) {
-    const std::string name = std::string("page/") + kind.name + "/";
-    Register(name + "plain_one_thread", 2000, 3000, kind, 2.0, RunPlain);
-    for (const InstructionSet set : kInstructionSets) {
-      if (!HasInstructionSet(set)) continue;
-      Register(name + kSetNames[static_cast<size_t>(set)], 2000, 3000, kind, 2.0,
-               [set](benchmark::State& state, const Scan& scan) {
-                 SelectRotateKernels(set);
-                 RunRotateImage(state, scan);
-                 SelectRotateKernels(BestInstructionSet());
-               });
+void RegisterPage(const Kind& kind) {
+  const std::string name = std::string("page/") + kind.name + "/";
+  Register(name + "plain_one_thread", 2000, 3000, kind, 2.0, RunPlain);
+  for (const InstructionSet set : kInstructionSets) {
+    if (!HasInstructionSet(set)) continue;
+    Register(name + kSetNames[static_cast<size_t>(set)], 2000, 3000, kind, 2.0,
+             [set](benchmark::State& state, const Scan& scan) {
+               SelectRotateKernels(set);
+               RunRotateImage(state, scan);
+               SelectRotateKernels(BestInstructionSet());
+             });
+  }
+}
+
+void RegisterGrowth(const Kind& kind) {
+  for (const Size& size : kSizes) {
+    for (const char* degrees : {"0.5", "2", "10", "40"}) {
+      Register(std::string("growth/") + kind.name + "/" + size.name + "/" + degrees + "deg",
+               size.width, size.height, kind, std::stod(degrees), RunRotateImage);
     }
   }
-  for (const Kind& kind : kKinds) {
-    for (const Size& size : kSizes) {
-      for (const double degrees : {0.5, 2.0, 10.0, 40.0}) {
-        const std::string angle = degrees == 0.5 ? "0.5" : std::to_string(std::lround(degrees));
-        Register(std::string("growth/") + kind.name + "/" + size.name + "/" + angle, size.width,
-                 size.height, kind, degrees, RunRotateImage);
-      }
-    }
-  }
-  return true;
-}();
+}
 
 }  // namespace
 }  // namespace vorlanepic
+
+int main(int argc, char** argv) {
+  benchmark::Initialize(&argc, argv);
+  for (const auto& kind : vorlanepic::kKinds) vorlanepic::RegisterPage(kind);
+  for (const auto& kind : vorlanepic::kKinds) vorlanepic::RegisterGrowth(kind);
+  benchmark::RunSpecifiedBenchmarks();
+  benchmark::Shutdown();
+  return 0;
+}
