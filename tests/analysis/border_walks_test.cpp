@@ -38,8 +38,9 @@ void FillWithNoise(TestImage* image, double share, uint32_t seed) {
   for (int32_t i = 0; i < rec.imageBytes; ++i) {
     uint8_t byte = 0;
     if (rec.bitsPerPixel == 1) {
-      for (int32_t bit = 0; bit < 8; ++bit)
+      for (int32_t bit = 0; bit < 8; ++bit) {
         byte = static_cast<uint8_t>(byte << 1 | isLight(random));
+      }
     } else {
       byte = static_cast<uint8_t>(level(random) + (isLight(random) ? 128 : 0));
     }

@@ -104,7 +104,8 @@ std::vector<EdgePoint> NotchedEdge(int32_t half, int32_t depth) {
   std::vector<EdgePoint> means = Line(2 * half, 0, 104, 12, 0);
   for (const int32_t center : {half / 2, half + half / 2}) {
     for (int32_t k = -depth / 6; k <= depth / 6; ++k) {
-      means[static_cast<size_t>(center + k)].y -= depth - 6 * std::abs(k);
+      const int32_t index = center + k;
+      means[static_cast<size_t>(index)].y -= depth - 6 * std::abs(k);
     }
   }
   return means;
