@@ -50,9 +50,13 @@ struct Offsets {
   alignas(16) uint16_t column[8];
   alignas(16) uint16_t row[8];
 
-  TARGET_SSE2 explicit Offsets(const Places& places) {
+  TARGET_SSE2 Offsets(const PixelRun& run, const Places& places) {
     _mm_store_si128(reinterpret_cast<__m128i*>(column), places.column);
     _mm_store_si128(reinterpret_cast<__m128i*>(row), places.row);
+    // Later rows find their part of the source in the cache. The address may lie outside it.
+    const auto address =
+        reinterpret_cast<uintptr_t>(run.origin + Of(run, 0)) + static_cast<uintptr_t>(run.ahead);
+    _mm_prefetch(reinterpret_cast<const char*>(address), _MM_HINT_T0);
   }
   ptrdiff_t Of(const PixelRun& run, size_t k) const {
     return static_cast<ptrdiff_t>(row[k]) * run.sourceLine + ptrdiff_t{column[k]} * kBytes;
@@ -61,14 +65,14 @@ struct Offsets {
 
 template <int kBytes>
 TARGET_SSE2 inline void Nearest8(const PixelRun& run, int32_t i) {
-  const Offsets<kBytes> offsets(PlacesAt(run, i));
+  const Offsets<kBytes> offsets(run, PlacesAt(run, i));
   uint8_t* out = run.out + ptrdiff_t{i} * kBytes;
   for (size_t k = 0; k < 8; ++k)
     std::memcpy(out + k * kBytes, run.origin + offsets.Of(run, k), kBytes);
 }
 
 TARGET_SSE2 inline void BitNearest8(const PixelRun& run, int32_t i) {
-  const Offsets<1> offsets(PlacesAt(run, i));
+  const Offsets<1> offsets(run, PlacesAt(run, i));
   uint32_t bits = 0;
   for (size_t k = 0; k < 8; ++k) {
     const int32_t column = offsets.column[k] + run.originBit;
@@ -120,7 +124,7 @@ TARGET_SSE2 inline __m128i LoadPairs(const PixelRun& run, const Offsets<1>& offs
 
 TARGET_SSE2 inline void GreyBilinear8(const PixelRun& run, int32_t i) {
   const Places places = PlacesAt(run, i);
-  const Offsets<1> offsets(places);
+  const Offsets<1> offsets(run, places);
   const __m128i top = LoadPairs(run, offsets, run.origin);
   const __m128i bottom = LoadPairs(run, offsets, run.origin + run.sourceLine);
   const __m128i first = _mm_set1_epi16(0x00FF);
@@ -158,7 +162,7 @@ TARGET_SSE2 inline void StoreColour(uint8_t* out, __m128i bytes) {
 
 TARGET_SSE2 inline void ColourBilinear8(const PixelRun& run, int32_t i) {
   const Places places = PlacesAt(run, i);
-  const Offsets<3> offsets(places);
+  const Offsets<3> offsets(run, places);
   __m128i weightsX = BlendWeight(places.restX);
   __m128i weightsY = BlendWeight(places.restY);
   uint8_t* out = run.out + ptrdiff_t{i} * 3;
@@ -213,7 +217,7 @@ TARGET_SSE2 inline __m128i LoadTwoRows(const uint8_t* row, ptrdiff_t line) {
 
 TARGET_SSE2 inline void GreyBicubic8(const PixelRun& run, int32_t i) {
   const Places places = PlacesAt(run, i);
-  const Offsets<1> offsets(places);
+  const Offsets<1> offsets(run, places);
   const Phases phases(places);
   const ptrdiff_t line = run.sourceLine;
   for (size_t k = 0; k < 8; ++k) {
@@ -248,7 +252,7 @@ TARGET_SSE2 inline __m128i WeighColours(const uint8_t* first, __m128i weights01,
 
 TARGET_SSE2 inline void ColourBicubic8(const PixelRun& run, int32_t i) {
   const Places places = PlacesAt(run, i);
-  const Offsets<3> offsets(places);
+  const Offsets<3> offsets(run, places);
   const Phases phases(places);
   const ptrdiff_t line = run.sourceLine;
   uint8_t* out = run.out + ptrdiff_t{i} * 3;
@@ -273,12 +277,14 @@ TARGET_SSE2 inline void ColourBicubic8(const PixelRun& run, int32_t i) {
   }
 }
 
-// Whole blocks of a run, and a last one that ends with it and may repeat pixels.
+// Whole blocks of a run, and a last one that ends with it and may repeat pixels. Works on a copy,
+// which no store to the output can change.
 template <void (*kPixels)(const PixelRun&, int32_t)>
 TARGET_SSE2 void InEights(const PixelRun& run) {
+  const PixelRun own = run;
   int32_t i = 0;
-  for (; i + 8 <= run.count; i += 8) kPixels(run, i);
-  if (i < run.count) kPixels(run, run.count - 8);
+  for (; i + 8 <= own.count; i += 8) kPixels(own, i);
+  if (i < own.count) kPixels(own, own.count - 8);
 }
 
 }  // namespace

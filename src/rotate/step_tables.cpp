@@ -1,11 +1,13 @@
 #include "rotate/step_tables.h"
 
+#include "frame/arithmetic.h"
 #include "frame/trigonometry.h"
 
 namespace vorlanepic {
 
 bool StepTables::Build(double angle, size_t size) {
-  if (!cos_.Allocate(size) || !sin_.Allocate(size)) return false;
+  if (!cos_.Allocate(2 * size - 1) || !sin_.Allocate(2 * size - 1)) return false;
+  most_ = static_cast<int32_t>(size - 1);
 
   const double cosine = Cosine(angle);
   const double sine = Sine(angle);
@@ -13,8 +15,12 @@ bool StepTables::Build(double angle, size_t size) {
   double cosineSum = 0.0;
   double sineSum = 0.0;
   for (size_t k = 0; k < size; ++k) {
-    cos_[k] = TruncToInt32(cosineSum * 100.0);
-    sin_[k] = TruncToInt32(sineSum * 100.0);
+    const int32_t cosineStep = TruncToInt32(cosineSum * 100.0);
+    const int32_t sineStep = TruncToInt32(sineSum * 100.0);
+    cos_[size - 1 + k] = cosineStep;
+    sin_[size - 1 + k] = sineStep;
+    cos_[size - 1 - k] = WrapSub(0, cosineStep);
+    sin_[size - 1 - k] = WrapSub(0, sineStep);
     cosineSum += cosine;
     sineSum += sine;
   }

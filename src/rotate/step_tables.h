@@ -3,27 +3,23 @@
 
 #include <cstdint>
 
-#include "frame/arithmetic.h"
 #include "frame/scratch.h"
 
 namespace vorlanepic {
 
-// Offsets in hundredths of a source pixel for k steps in the output, k = 0 .. size - 1. Steps
+// Offsets in hundredths of a source pixel for k steps in the output, in either direction. Steps
 // beyond the int32 range hold INT32_MIN.
 class StepTables {
  public:
-  // Fills tables of `size` entries for a turn by `angle` radians. False when there is no memory.
+  // Fills tables for |k| < `size`, size >= 1, of a turn by `angle` radians. False when there is no
+  // memory.
   [[nodiscard]] bool Build(double angle, size_t size);
 
-  // Offsets for k steps in either direction, |k| < size.
-  int32_t Cos(int32_t k) const { return Signed(cos_, k); }
-  int32_t Sin(int32_t k) const { return Signed(sin_, k); }
+  int32_t Cos(int32_t k) const { return cos_[static_cast<size_t>(k + most_)]; }
+  int32_t Sin(int32_t k) const { return sin_[static_cast<size_t>(k + most_)]; }
 
  private:
-  static int32_t Signed(const ScratchArray<int32_t>& table, int32_t k) {
-    return k >= 0 ? table[static_cast<size_t>(k)] : WrapSub(0, table[static_cast<size_t>(-k)]);
-  }
-
+  int32_t most_ = 0;  // the largest k
   ScratchArray<int32_t> cos_;
   ScratchArray<int32_t> sin_;
 };

@@ -36,17 +36,26 @@ class TiledRotation {
     int32_t top;
     int32_t bottom;
   };
-  class TileMap;
+  // Output columns first..last of a row.
+  struct Columns {
+    int32_t first = 0;
+    int32_t last = -1;
+
+    int32_t count() const { return last - first + 1; }
+  };
+  class RowWriter;
 
   int32_t OffsetX(int32_t x, int32_t y) const;
   int32_t OffsetY(int32_t x, int32_t y) const;
   SourceRect BasePixelsOf(const OutputRect& rect) const;
+  // Whether all taps of these base pixels lie in the region, and where a kernel may read them. May
+  // be cautious for more than one source row.
   bool HoldsTapsOf(const SourceRect& basePixels) const;
+  bool IsInside(int32_t x, int32_t y) const;
+  bool IsInner(int32_t x, int32_t y) const;
 
   void RotateTile(const OutputRect& tile) const;
-  void MapRect(const OutputRect& rect, TileMap& map) const;
-  void MapPixels(const OutputRect& rect, TileMap& map) const;
-  void RotateMappedRow(const TileMap& map, int32_t y) const;
+  Columns RotateMixedRow(int32_t y, int32_t left, int32_t right, const Columns& likely) const;
 
   // Pixels first..last of row y, all with their taps in the region.
   void RotateInnerRun(int32_t y, int32_t first, int32_t last) const;
@@ -59,6 +68,7 @@ class TiledRotation {
   const RunKernel kernel_;
   int32_t rowsOfEight_;
   int32_t rowsOfFour_;
+  ptrdiff_t ahead_;      // bytes from a source pixel to the one some output rows below it
   int32_t lastSafeRow_;  // of the source, for a tap of a kernel
   RegionIndex index_;
   ScratchArray<uint16_t> stepX_;  // low 16 bits of each output column's part in the offsets
