@@ -14,7 +14,7 @@ constexpr std::array<Colour, 5> kColours = {
     {{240, 50, 50}, {40, 130, 255}, {20, 190, 70}, {255, 0, 200}, {255, 140, 0}}};
 
 // More numbers than this hide the page; the largest blocks get them.
-constexpr size_t kMostNumbers = 150;
+constexpr size_t kMostNumbers = 80;
 
 int32_t SmallestNumbered(std::span<const BlockRec> blocks) {
   if (blocks.size() <= kMostNumbers) return 0;

@@ -12,6 +12,7 @@
 #include "host/page_geometry.h"
 #include "host/page_set.h"
 #include "host/record_scope.h"
+#include "host/threshold_choice.h"
 
 namespace vorlanepic::host {
 namespace {
@@ -79,6 +80,10 @@ TurnOutcome MeasureAngle(const CropOptions& options, const ImageRec& image, int3
   return outcome;
 }
 
+int32_t Preferred(const CropOptions& options, const ImageRec& image) {
+  return MethodOf(options.deskew) == 2 ? PageThreshold(image) : 0;
+}
+
 void AddCropSettings(CLI::App* command, const std::shared_ptr<CropOptions>& options) {
   AddThresholdOptions(command, &options->threshold);
   AddDeskewOptions(command, &options->deskew);
@@ -91,15 +96,16 @@ int RunCrop(const std::shared_ptr<CropOptions>& options) {
   options->batch.command = "crop";
   CheckProfile(*options);
   if (options->oneGeometry) {
-    return RunPageSets(options->batch,
-                       [&](const std::vector<ImageRec>& pages, std::vector<ImageRec>* results) {
-                         return CropSet(*options, pages, options->threshold.threshold, results);
-                       });
+    return RunPageSets(options->batch, [&](const std::vector<ImageRec>& pages,
+                                           std::vector<ImageRec>* results) {
+      const int32_t given = options->threshold.threshold;
+      return CropSet(*options, pages, given >= 0 ? given : Preferred(*options, pages[0]), results);
+    });
   }
   return RunBatch(options->batch, [&](const Page& page) {
-    return RunThresholds(options->threshold, *page.image.rec(), [&](int32_t threshold) {
-      return CropPage(*options, *page.image.rec(), threshold);
-    });
+    return RunThresholds(
+        options->threshold, Preferred(*options, *page.image.rec()), *page.image.rec(),
+        [&](int32_t threshold) { return CropPage(*options, *page.image.rec(), threshold); });
   });
 }
 
@@ -144,9 +150,9 @@ CommandRun AddAngle(CLI::App* app) {
     options->batch.command = "angle";
     CheckProfile(*options);
     return RunBatch(options->batch, [&](const Page& page) {
-      return RunThresholds(options->threshold, *page.image.rec(), [&](int32_t threshold) {
-        return MeasureAngle(*options, *page.image.rec(), threshold);
-      });
+      return RunThresholds(
+          options->threshold, Preferred(*options, *page.image.rec()), *page.image.rec(),
+          [&](int32_t threshold) { return MeasureAngle(*options, *page.image.rec(), threshold); });
     });
   };
 }

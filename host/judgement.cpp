@@ -101,41 +101,82 @@ double ShareBeyond(const ImageRec& image, const CutRect& cut) {
   return static_cast<double>(beyond) / (kGrid * kGrid);
 }
 
-void JudgeSides(const TurnOutcome& outcome, const ImageRec& image, const CutRect& cut,
-                Judging* judge) {
-  int seen = 0;
-  int agreeing = 0;
-  std::string seenNames;
-  double worst = 0;
-  const char* worstName = "";
+// The cut's size along and across a side.
+double LengthAlong(const CutRect& cut, Side side) {
+  const bool isUpright = side == Side::kLeft || side == Side::kRight;
+  return isUpright ? cut.bottom - cut.top : cut.right - cut.left;
+}
+double LengthAcross(const CutRect& cut, Side side) {
+  const bool isUpright = side == Side::kLeft || side == Side::kRight;
+  return isUpright ? cut.right - cut.left : cut.bottom - cut.top;
+}
+
+double DistanceFromCut(const CutRect& cut, const SideMeasure& measure) {
+  const Place middle = cut.ToCut(measure.middle.x, measure.middle.y);
+  switch (measure.side) {
+    case Side::kLeft:
+      return std::abs(middle.x - cut.left);
+    case Side::kRight:
+      return std::abs(middle.x - cut.right);
+    case Side::kTop:
+      return std::abs(middle.y - cut.top);
+    default:
+      return std::abs(middle.y - cut.bottom);
+  }
+}
+
+// The sides of which enough is seen to judge by.
+std::vector<SideMeasure> SeenSides(const TurnOutcome& outcome, const ImageRec& image,
+                                   const CutRect& cut) {
+  std::vector<SideMeasure> seen;
   for (const Side side : kSides) {
     const SideMeasure measure = MeasureSide(outcome, image, side);
-    const bool isUpright = side == Side::kLeft || side == Side::kRight;
-    const double whole = isUpright ? cut.bottom - cut.top : cut.right - cut.left;
-    if (measure.points < kFewestPoints || measure.onFrameShare > kMostOnFrame ||
-        measure.length < kShortestSeen * whole) {
-      continue;
-    }
-    ++seen;
-    seenNames += std::string(seenNames.empty() ? "" : ", ") + SideName(side);
-    const double off = measure.leanDegrees + outcome.degrees;
-    if (std::abs(off) <= kLean.likely) ++agreeing;
-    if (std::abs(off) > std::abs(worst)) {
-      worst = off;
-      worstName = SideName(side);
+    const double shortest = cut.isKnown ? kShortestSeen * LengthAlong(cut, side) : 0;
+    if (measure.points >= kFewestPoints && measure.onFrameShare <= kMostOnFrame &&
+        measure.length >= shortest) {
+      seen.push_back(measure);
     }
   }
-  if (seen == 0) {
-    judge->Below(seen, kSeenSides,
-                 "no border of the page is seen: its sides run along the picture's edges");
-  } else {
-    judge->Below(seen, kSeenSides, "only the " + seenNames + " border is seen");
+  return seen;
+}
+
+void JudgeSeenCount(const std::vector<SideMeasure>& seen, Judging* judge) {
+  std::string names;
+  for (const SideMeasure& side : seen) {
+    names += std::string(names.empty() ? "" : " and ") + SideName(side.side);
   }
-  // A side may hang askew where two others bear the turn out: an open book, a torn sheet.
-  const Limits lean = agreeing >= 2 ? Limits{kLean.likely, 45} : kLean;
-  judge->Above(std::abs(worst), lean,
-               std::string("the ") + worstName + " border leans " + Degrees(worst) +
-                   " against the turned page");
+  const auto count = static_cast<double>(seen.size());
+  judge->Below(
+      count, kSeenSides,
+      seen.empty()
+          ? "no border of the page is seen, its sides run along the picture's edges"
+          : "only the " + names + (seen.size() == 1 ? " border is" : " borders are") + " seen");
+}
+
+void JudgeLean(const std::vector<SideMeasure>& seen, double turn, Judging* judge) {
+  // Modulo a quarter turn: near 45 degrees a side may be folded to the other axis.
+  const auto off = [turn](const SideMeasure& side) {
+    return std::remainder(side.leanDegrees + turn, 90);
+  };
+  const SideMeasure* worst = nullptr;
+  int agreeing = 0;
+  for (const SideMeasure& side : seen) {
+    if (std::abs(off(side)) <= kLean.likely) ++agreeing;
+    if (worst == nullptr || std::abs(off(side)) > std::abs(off(*worst))) worst = &side;
+  }
+  if (worst == nullptr) return;
+  judge->Above(std::abs(off(*worst)), agreeing >= 2 ? Limits{kLean.likely, 90} : kLean,
+               std::string("the ") + SideName(worst->side) + " border leans " +
+                   Degrees(off(*worst)) + " against the turned page");
+}
+
+void JudgeDistance(const std::vector<SideMeasure>& seen, const CutRect& cut, Judging* judge) {
+  for (const SideMeasure& side : seen) {
+    const double distance = DistanceFromCut(cut, side);
+    judge->Above(distance / LengthAcross(cut, side.side), kApart,
+                 std::string("the ") + SideName(side.side) + " border is seen " +
+                     std::to_string(std::lround(distance)) + " pixels away from the cut's side");
+  }
 }
 
 void JudgeCut(const TurnOutcome& outcome, const ImageRec& image, const CutRect& cut,
@@ -169,8 +210,13 @@ Verdict Judge(const TurnOutcome& outcome, const ImageRec& image) {
   }
   judge.Above(std::abs(outcome.degrees), kSteep,
               "the page is turned steeply and may come out a quarter turn off");
-  JudgeSides(outcome, image, cut, &judge);
-  if (cut.isKnown) JudgeCut(outcome, image, cut, &judge);
+  const std::vector<SideMeasure> seen = SeenSides(outcome, image, cut);
+  JudgeSeenCount(seen, &judge);
+  JudgeLean(seen, outcome.degrees, &judge);
+  if (cut.isKnown) {
+    JudgeDistance(seen, cut, &judge);
+    JudgeCut(outcome, image, cut, &judge);
+  }
   return judge.verdict();
 }
 

@@ -22,18 +22,22 @@ inline constexpr int32_t kFewestPoints = 8;
 inline constexpr double kShortestSeen = 0.15;
 inline constexpr double kMostOnFrame = 0.5;
 
-// Degrees between a seen side and the turn. Feeding shears a sheet by some tenths of a degree;
-// photographs of flat pages reach one.
-inline constexpr Limits kLean{0.5, 2.0};
+// Degrees between a seen side and the turn. Feeding shears a sheet by some tenths of a degree.
+// Where two sides bear the turn out, a third one past the limits leaves it likely: an open book, a
+// torn sheet, a page in perspective.
+inline constexpr Limits kLean{0.5, 1.5};
+
+// Distance between a seen side and the cut's side, as a share of the cut's size across it.
+inline constexpr Limits kApart{0.02, 0.06};
 
 // Sides that are seen: fewer than these.
-inline constexpr Limits kSeenSides{2, 1};
+inline constexpr Limits kSeenSides{3, 2};
 
 // Share of the picture's light pixels that the cut leaves out.
 inline constexpr Limits kLeftOut{0.04, 0.20};
 
 // Share of the cut that is dark. A page with large photographs is half dark.
-inline constexpr Limits kDark{0.50, 0.75};
+inline constexpr Limits kDark{0.40, 0.70};
 
 // Share of the cut that lies beyond the picture's edges.
 inline constexpr Limits kBeyond{0.02, 0.15};

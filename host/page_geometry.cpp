@@ -41,6 +41,7 @@ void FitAcross(const std::vector<EdgePoint>& points, SideMeasure* measure) {
   const auto count = static_cast<double>(points.size());
   meanX /= count;
   meanY /= count;
+  measure->middle = {meanX, meanY};
   double xx = 0;
   double xy = 0;
   double yy = 0;

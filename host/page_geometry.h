@@ -27,6 +27,7 @@ std::vector<EdgePoint> SupportOf(const TurnOutcome& outcome, Side side);
 struct SideMeasure {
   Side side = Side::kLeft;
   int32_t points = 0;
+  Place middle{};           // mean of the points
   double leanDegrees = 0;   // how far the side is turned clockwise as seen, above -45 up to 45
   double length = 0;        // pixels, along the line
   double onFrameShare = 0;  // share of the points that lie on the picture's own edge

@@ -148,19 +148,22 @@ std::vector<Place> SeenCorners(const TurnOutcome& outcome, const CutRect& cut, d
   return corners;
 }
 
-std::string ResultCaption(const TurnOutcome& outcome) {
+std::string ResultCaption(const Page& page, const TurnOutcome& outcome) {
   if (outcome.status != STATUS_OK) {
     return "FAILED (" + std::to_string(outcome.status) + "): " + FailureWords(outcome);
   }
+  const bool isGrey = page.image.rec()->bitsPerPixel != 1;
   char text[96];
-  std::snprintf(text, sizeof(text), "turn %+.2f deg (clockwise is positive), threshold %d, %s",
-                outcome.degrees, outcome.threshold, ConfidenceName(outcome.verdict.confidence));
+  std::snprintf(text, sizeof(text), "turn %+.2f deg (clockwise is positive), %s%s%s",
+                outcome.degrees, isGrey ? "threshold " : "",
+                isGrey ? (std::to_string(outcome.threshold) + ", ").c_str() : "",
+                ConfidenceName(outcome.verdict.confidence));
   return text;
 }
 
 std::vector<CaptionLine> Caption(const Page& page, const TurnOutcome& outcome) {
   std::vector<CaptionLine> lines;
-  lines.push_back({ResultCaption(outcome)});
+  lines.push_back({ResultCaption(page, outcome)});
   for (const std::string& reason : outcome.verdict.reasons) lines.push_back({"- " + reason});
   if (outcome.kind != TurnKind::kBar) {
     for (const Side side : kSides) {

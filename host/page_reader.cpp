@@ -3,8 +3,10 @@
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
+#include <fcntl.h>
 #include <filesystem>
 #include <memory>
+#include <unistd.h>
 #include <utility>
 
 #include "host/image_convert.h"
@@ -13,6 +15,26 @@
 
 namespace vorlanepic::host {
 namespace {
+
+// The decoders write to the error output on their own; what they find is told in our words.
+class QuietErrors {
+ public:
+  QuietErrors() : kept_(::dup(STDERR_FILENO)) {
+    const int nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+    if (kept_ >= 0 && nowhere >= 0) (void)::dup2(nowhere, STDERR_FILENO);
+    if (nowhere >= 0) (void)::close(nowhere);
+  }
+  QuietErrors(const QuietErrors&) = delete;
+  QuietErrors& operator=(const QuietErrors&) = delete;
+  ~QuietErrors() {
+    if (kept_ < 0) return;
+    (void)::dup2(kept_, STDERR_FILENO);
+    (void)::close(kept_);
+  }
+
+ private:
+  int kept_;
+};
 
 struct FileClose {
   void operator()(std::FILE* file) const { (void)std::fclose(file); }
@@ -63,8 +85,9 @@ std::string PageName(const std::string& path, int32_t number, int32_t count) {
 
 PageReader::PageReader(const std::string& path) : path_(path) {
   const FilePtr file = OpenFile(path);
+  const QuietErrors quiet;
   if (findFileFormatStream(file.get(), &format_) != 0 || format_ == IFF_UNKNOWN) {
-    throw FileError(path + ": is not an image file (TIFF, PNG, JPEG, BMP or PNM)");
+    throw FileError(path + ": is no image file (TIFF, PNG, JPEG, BMP or PNM), or is damaged");
   }
   int32_t width = 0;
   int32_t height = 0;
@@ -85,6 +108,7 @@ bool PageReader::Next(Page* page) {
   page->number = ++done_;
   page->count = count_;
 
+  const QuietErrors quiet;
   PixPtr pix = IsTiff(format_) ? PixPtr(pixReadFromMultipageTiff(path_.c_str(), &offset_))
                                : ReadSinglePage(path_);
   const std::string name = PageName(path_, done_, count_);

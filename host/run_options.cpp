@@ -53,18 +53,18 @@ void AddInterpolationOption(CLI::App* app, int32_t* interpolation) {
 
 void AddThresholdOptions(CLI::App* app, ThresholdOptions* options) {
   app->add_option("--threshold", options->threshold,
-                  "Grey level from which a pixel counts as page, 1..255; 0: estimated from the "
-                  "picture's left and right margin")
-      ->check(CLI::Range(0, 255))
-      ->capture_default_str();
+                  "Grey level from which a pixel counts as page, 1..255; 0: the library's estimate "
+                  "from the picture's left and right margin [0; for method 2, whose estimate takes "
+                  "an even background for page, at least 80]")
+      ->check(CLI::Range(0, 255));
   app->add_flag("--try-thresholds", options->tryOthers,
                 "Where that finds nothing, or something doubtful, try levels that the picture "
                 "suggests");
 }
 
-TurnOutcome RunThresholds(const ThresholdOptions& options, const ImageRec& image,
+TurnOutcome RunThresholds(const ThresholdOptions& options, int32_t preferred, const ImageRec& image,
                           const ThresholdCall& call) {
-  TurnOutcome best = call(options.threshold);
+  TurnOutcome best = call(options.threshold >= 0 ? options.threshold : preferred);
   if (!options.tryOthers) return best;
   for (const int32_t threshold : ThresholdsToTry(image)) {
     if (best.status == STATUS_OK && best.verdict.confidence != Confidence::kDoubtful) break;

@@ -23,9 +23,9 @@ void AddMeasureOptions(CLI::App* app, BatchRequest* request);
 // --interpolation bicubic|bilinear|nearest.
 void AddInterpolationOption(CLI::App* app, int32_t* interpolation);
 
-// --threshold N with 0 for an estimate, and --try-thresholds.
+// --threshold N with 0 for the library's estimate, and --try-thresholds.
 struct ThresholdOptions {
-  int32_t threshold = 0;
+  int32_t threshold = -1;  // -1: the command's choice
   bool tryOthers = false;
 };
 void AddThresholdOptions(CLI::App* app, ThresholdOptions* options);
@@ -33,9 +33,10 @@ void AddThresholdOptions(CLI::App* app, ThresholdOptions* options);
 // A call with one threshold, judged.
 using ThresholdCall = std::function<TurnOutcome(int32_t threshold)>;
 
-// The outcome with the threshold asked for, or, when that is not to be trusted and others may be
-// tried, the best outcome over the thresholds that the page suggests.
-TurnOutcome RunThresholds(const ThresholdOptions& options, const ImageRec& image,
+// The outcome with the threshold asked for, or with `preferred` when none is, or, when that is not
+// to be trusted and others may be tried, the best outcome over the thresholds that the page
+// suggests.
+TurnOutcome RunThresholds(const ThresholdOptions& options, int32_t preferred, const ImageRec& image,
                           const ThresholdCall& call);
 
 // Milliseconds that `call` takes.

@@ -57,7 +57,7 @@ CommandRun AddStraighten(CLI::App* app) {
   return [options] {
     options->batch.command = "straighten";
     return RunBatch(options->batch, [&](const Page& page) {
-      return RunThresholds(options->threshold, *page.image.rec(), [&](int32_t threshold) {
+      return RunThresholds(options->threshold, 0, *page.image.rec(), [&](int32_t threshold) {
         return Straighten(*options, *page.image.rec(), threshold);
       });
     });

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 
+#include "analysis/threshold.h"
+
 namespace vorlanepic::host {
 namespace {
 
@@ -28,8 +30,10 @@ int32_t BestSplit(const Histogram& counts) {
     total += counts[i];
     totalSum += static_cast<double>(i) * counts[i];
   }
-  int32_t best = 127;
-  double bestBetween = 0;
+  // Between two levels that stand apart every split is as good: the middle one is taken.
+  int32_t first = 127;
+  int32_t last = 127;
+  double best = 0;
   double below = 0;
   double belowSum = 0;
   for (size_t i = 0; i + 1 < counts.size(); ++i) {
@@ -39,18 +43,26 @@ int32_t BestSplit(const Histogram& counts) {
     if (below == 0 || above == 0) continue;
     const double apart = belowSum / below - (totalSum - belowSum) / above;
     const double between = below * above * apart * apart;
-    if (between > bestBetween) {
-      bestBetween = between;
-      best = static_cast<int32_t>(i);
+    if (between > best) {
+      best = between;
+      first = static_cast<int32_t>(i);
     }
+    if (between >= best) last = static_cast<int32_t>(i);
   }
-  return best;
+  return (first + last) / 2;
 }
 
 }  // namespace
 
 int32_t SplitLevel(const ImageRec& image) {
   return image.bitsPerPixel == 1 ? 127 : BestSplit(CountLevels(image));
+}
+
+int32_t PageThreshold(const ImageRec& image) {
+  constexpr uint8_t kLeast = 80;
+  uint8_t estimate = 0;
+  if (EstimateThreshold(&image, &estimate) != STATUS_OK || estimate < kLeast) return kLeast;
+  return SplitLevel(image) + 1;
 }
 
 std::vector<int32_t> ThresholdsToTry(const ImageRec& image) {

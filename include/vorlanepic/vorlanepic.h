@@ -143,11 +143,12 @@ typedef struct DeskewCropParam {
  *   threshold      grey level that separates background from page; 0: estimated
  *   background     not used
  *   cornerOption   methods 1 and 3: every edge moves outwards by twice this many pixels
- *   fill           3 bytes for 24-bit images (blue, green, red), else 1: value of pixels outside
- * the page; at 1 bit the byte is written eight pixels at a time angleOut       receives the angle
- * of the first image: radians for methods 1 and 3, degrees from 0 up to 360 for method 2 imageNum
- * images in a set, at least 1: exposures of one page, all turned and cut with the geometry of the
- * first; methods 1 and 3 ask them to have its size and depth
+ *   fill           value of pixels outside the page: 3 bytes for 24-bit images (blue, green, red),
+ *                  else 1; at 1 bit the byte is written eight pixels at a time
+ *   angleOut       receives the clockwise turn of the first image, with rows in memory order from
+ *                  the top: radians for methods 1 and 3, degrees from 0 up to 360 for method 2
+ *   imageNum       images in a set, at least 1: exposures of one page, all turned and cut with the
+ *                  geometry of the first; methods 1 and 3 ask them to have its size and depth
  */
 
 /*
@@ -168,8 +169,13 @@ ImageDeskewCropEx(const ImageRec* images, int32_t interpolation, int32_t thresho
 /*
  * ImageDeskewCropEx on device-independent images.
  *
- *   outImages  imageNum records; on success each holds a new image made by ImgbufNew that the
- * caller owns
+ *   inImages   read in memory order, so that a page turned clockwise as seen counts as turned the
+ *              other way
+ *   outImages  imageNum records; the caller owns the new images, made by ImgbufNew, also those that
+ *              were made before ImgbufNew failed
+ *
+ * Returns what ImageDeskewCropEx does; BAD_ARGUMENT also for a null outImages and a later image of
+ * the set that cannot be used.
  */
 VORLANEPIC_API int32_t VORLANEPIC_STDCALL ImageDeskewCrop(const DibRec* inImages,
                                                           int32_t interpolation, int32_t threshold,
@@ -189,9 +195,11 @@ ImageDeskewAngle(const DibRec* inImages, int32_t threshold, double* angleOut,
  *   threshold      grey level, 0..255: the bar is at or below it, paper above it
  *   angleOut       receives the angle in degrees, positive where the bar descends to the right
  *   param          only profilePath, useProfile, SearchLimitNum, PixelNum and CropPixelNum are
- * read, and not range-checked. Without a profile the bar is at least 600 pixels long and 4..20
- * thick at 200 dots per inch; the limits are scaled to the image's resolution background,
- * cornerOption, spare1..spare4  not read
+ *                  read, and not range-checked. Without a profile the bar is at least 600 pixels
+ *                  long and 4..20 thick at 200 dots per inch; the limits are scaled to the image's
+ *                  resolution
+ *   outImages      as ImageDeskewCrop takes it
+ *   background, cornerOption, spare1..spare4  not read
  *
  * Returns STATUS_OK, -1 when no bar gives an angle, or a code as ImageDeskewCrop does.
  */
@@ -231,8 +239,8 @@ typedef struct BlockRec {
   uint32_t minValue;     /* smallest pixel value */
   uint32_t maxValue;     /* largest pixel value */
   int32_t pointCount;    /* equals area when handed back */
-  int32_t pointCapacity;
-  BlockPoint* points; /* every pixel of the block */
+  int32_t pointCapacity; /* what the list counted up to; memory is for pointCount */
+  BlockPoint* points;    /* every pixel of the block */
 } BlockRec;
 
 /*
@@ -281,8 +289,8 @@ typedef struct LabelArea {
  *   set            receives the blocks, behind those it already holds
  *
  * Returns 0; 1 for a null pointer or a rectangle whose origin lies outside the image (nothing is
- * changed); 2 when memory runs out and 10 for an inconsistent set (the set then holds unfinished
- * blocks and is released as usual).
+ * changed); 2 when memory runs out and 10 for a set whose numbers contradict each other (the set
+ * then holds the blocks that it held before and is released as usual).
  */
 VORLANEPIC_API int32_t VORLANEPIC_CDECL ImageBlockMarkHorEx(const uint8_t* image, int32_t height,
                                                             int32_t width,

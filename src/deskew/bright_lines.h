@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "frame/arithmetic.h"
 #include "vorlanepic/imgbuf.h"
 
 namespace vorlanepic {
@@ -15,7 +16,7 @@ using LuminanceTable = std::array<int32_t, 256>;
 constexpr LuminanceTable MakeLuminanceTable(double share) {
   LuminanceTable table{};
   for (int32_t v = 0; v < 256; ++v) {
-    table[static_cast<size_t>(v)] = static_cast<int32_t>(v * share * 1024 + 0.5);
+    table[static_cast<size_t>(v)] = RoundToInt32(v * share * 1024);
   }
   return table;
 }

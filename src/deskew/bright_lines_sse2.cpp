@@ -19,6 +19,7 @@ static_assert(kRowsPerLook < 256);
 // Rows ahead that are fetched while one is counted: a strip takes a new cache line in each, further
 // apart than the processor foresees.
 constexpr int32_t kRowsAhead = 16;
+constexpr ptrdiff_t kCacheLineBytes = 64;
 
 constexpr int32_t kVectorBytes = 16;
 
@@ -56,19 +57,22 @@ void CountInLooks(const StripRows& rows, uint32_t (&counts)[kStripColumns], Coun
   }
 }
 
-const uint8_t* RowAhead(const ImageRec& image, int32_t y) {
-  return image.rows[y + std::min(kRowsAhead, image.height - 1 - y)];
+// Fetches `length` bytes from byte `offset` of a row that is counted soon after row y.
+void FetchAhead(const ImageRec& image, int32_t y, ptrdiff_t offset, ptrdiff_t length) {
+  const uint8_t* row = image.rows[y + std::min(kRowsAhead, image.height - 1 - y)] + offset;
+  for (ptrdiff_t at = 0; at < length; at += kCacheLineBytes) {
+    _mm_prefetch(reinterpret_cast<const char*>(row + at), _MM_HINT_T0);
+  }
 }
 
-// Adds the pixels of rows first..end - 1 above `threshold`. `first` .. `end` span at most
-// kRowsPerLook rows.
+// Adds the pixels of rows first..end - 1, kRowsPerLook at most, that are above `threshold`.
 void CountGreyRows(const ImageRec& image, uint8_t threshold, int32_t strip, int32_t first,
                    int32_t end, uint32_t (&counts)[kStripColumns]) {
   constexpr size_t kVectors = kStripColumns / kVectorBytes;
   const __m128i limit = _mm_set1_epi8(static_cast<char>(threshold));
   __m128i dark[kVectors] = {};  // 16 columns each, modulo 256
   for (int32_t y = first; y < end; ++y) {
-    _mm_prefetch(reinterpret_cast<const char*>(RowAhead(image, y) + strip), _MM_HINT_T0);
+    FetchAhead(image, y, strip, kStripColumns);
     const uint8_t* pixels = image.rows[y] + strip;
     for (size_t v = 0; v < kVectors; ++v) {
       dark[v] = _mm_sub_epi8(dark[v], AtMost(Load(pixels + v * kVectorBytes), limit));
@@ -192,6 +196,7 @@ void ColourKernel::CountColumns(const ImageRec& image, uint8_t threshold, int32_
                                 const StripRows& rows, uint32_t (&counts)[kStripColumns]) {
   CountInLooks(rows, counts, [&](int32_t first, int32_t end, auto& sums) {
     for (int32_t y = first; y < end; ++y) {
+      FetchAhead(image, y, ptrdiff_t{strip} * 3, kStripColumns * 3);
       CountColourRow(image.rows[y] + ptrdiff_t{strip} * 3, threshold, sums);
     }
   });

@@ -13,6 +13,8 @@ struct ContentBounds {
   int32_t right;
   int32_t top;
   int32_t bottom;
+
+  bool operator==(const ContentBounds&) const = default;
 };
 
 // Which bounds a search sets; the others are given.

@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "frame/arithmetic.h"
+#include "omr/large_pages.h"
 
 namespace vorlanepic {
 namespace {
@@ -23,12 +24,15 @@ int32_t GrownCapacity(int32_t capacity, int64_t count, int64_t more) {
   return static_cast<int32_t>(std::min<int64_t>(grown, INT32_MAX));
 }
 
-// Room for `needed` elements, half as much again as before each time, so that the cost of moving
-// them stays in proportion to their number.
+// Room for `needed` elements: half as much again as before each time, so that the cost of moving
+// them stays in proportion to their number, or what the rest of the image is `expected` to add.
 template <typename T>
-bool Reserve(ScratchArray<T>* array, size_t needed) {
+bool Reserve(ScratchArray<T>* array, size_t needed, size_t expected) {
   if (needed <= array->size()) return true;
-  return array->Grow(std::max(needed - array->size(), array->size() / 2));
+  const size_t size = std::max({needed, array->size() / 2 * 3, expected});
+  if (!array->Grow(size - array->size())) return false;
+  AdviseLargePages(array->data(), array->size() * sizeof(T));
+  return true;
 }
 
 }  // namespace
@@ -41,8 +45,17 @@ bool BlockGrowth::Begin(int32_t firstRow, size_t rows) {
 
 bool BlockGrowth::ReserveRow(size_t mostRuns) {
   const size_t blocks = blockCount_ + mostRuns;
-  return blocks <= INT32_MAX && Reserve(&runs_, runCount_ + mostRuns) &&
-         Reserve(&labels_, runCount_ + mostRuns) && Reserve(&blocks_, blocks);
+  return blocks <= INT32_MAX && Reserve(&runs_, runCount_ + mostRuns, Expected(runCount_)) &&
+         Reserve(&labels_, runCount_ + mostRuns, Expected(runCount_)) &&
+         Reserve(&blocks_, blocks, Expected(blockCount_));
+}
+
+size_t BlockGrowth::Expected(size_t count) const {
+  constexpr size_t kLeastShare = 16;  // of the rows, before they tell anything about the rest
+  const size_t rows = rowStarts_.size() - 1;
+  if (rowCount_ < rows / kLeastShare + 1) return 0;
+  const uint64_t whole = static_cast<uint64_t>(count) * rows / rowCount_;
+  return static_cast<size_t>(std::min<uint64_t>(whole + whole / 8, SIZE_MAX));
 }
 
 void BlockGrowth::LinkRow(size_t count) {

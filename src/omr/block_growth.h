@@ -68,6 +68,9 @@ class BlockGrowth {
   bool lastRunOpened() const { return lastOpener_ + 1 == runCount_; }
 
  private:
+  // How many there will be in all if the rows to come are like those linked; 0 if that can't be
+  // told.
+  size_t Expected(size_t count) const;
   void Open(size_t r, int32_t y);
   void Add(size_t r, int32_t b, int32_t y);
   void Merge(int32_t survivor, int32_t other);

@@ -7,6 +7,7 @@
 
 #include "frame/arithmetic.h"
 #include "omr/block_points.h"
+#include "omr/large_pages.h"
 
 namespace vorlanepic {
 namespace {
@@ -57,22 +58,22 @@ BlockTotal TotalOf(const BlockGrowth& growth, int32_t root) {
   return total;
 }
 
-BlockRec FinishedRecord(const BlockTotal& total) {
+// Fills the record in its place: a copy made elsewhere costs more than all the rest.
+void FillRecord(const BlockTotal& total, BlockRec* block) {
   const GrowingBlock& sums = total.sums;
-  BlockRec block{};
-  block.area = block.pointCount = static_cast<int32_t>(sums.area);
-  block.centerX = sums.sumX;
-  block.centerY = sums.sumY;
-  block.left = sums.left;
-  block.right = sums.right;
-  block.top = sums.top;
-  block.bottom = sums.bottom;
-  block.reserved1 = block.reserved2 = -1;
-  block.minValue = sums.values.Smallest();
-  block.maxValue = sums.values.Largest();
-  block.pointCapacity = static_cast<int32_t>(total.pointCapacity);
-  Finish(&block);
-  return block;
+  *block = {};
+  block->area = block->pointCount = static_cast<int32_t>(sums.area);
+  block->centerX = sums.sumX;
+  block->centerY = sums.sumY;
+  block->left = sums.left;
+  block->right = sums.right;
+  block->top = sums.top;
+  block->bottom = sums.bottom;
+  block->reserved1 = block->reserved2 = -1;
+  block->minValue = Smallest(sums.values);
+  block->maxValue = Largest(sums.values);
+  block->pointCapacity = static_cast<int32_t>(total.pointCapacity);
+  Finish(block);
 }
 
 // The capacity of a set that grew block by block and run by run: it grows when a block is opened or
@@ -93,6 +94,7 @@ int32_t GrowSet(int64_t capacity, BlockSetRec* set) {
   void* grown = std::realloc(set->blocks, static_cast<size_t>(capacity) * sizeof(BlockRec));
   if (grown == nullptr) return OUT_OF_MEMORY;
   set->blocks = static_cast<BlockRec*>(grown);
+  AdviseLargePages(grown, static_cast<size_t>(capacity) * sizeof(BlockRec));
   set->capacity = static_cast<int32_t>(capacity);
   return STATUS_OK;
 }
@@ -127,16 +129,16 @@ int32_t AddRecords(const BlockGrowth& growth, int32_t shortestDiagonal, BlockSet
   for (int32_t b = 0; b < growth.blockCount(); ++b) {
     if (growth.block(b).parent != b) continue;
     const BlockTotal total = TotalOf(growth, b);
-    BlockRec record = FinishedRecord(total);
-    if (BoxDiagonal(record.width, record.height) < shortestDiagonal) continue;
-    record.points = NewPoints(total);
-    if (record.points == nullptr) {
+    BlockRec& block = set->blocks[*end];
+    FillRecord(total, &block);
+    if (BoxDiagonal(block.width, block.height) < shortestDiagonal) continue;
+    block.points = NewPoints(total);
+    if (block.points == nullptr) {
       ReleasePoints(set->blocks, set->count, *end);
       return OUT_OF_MEMORY;
     }
-    record.root = *end;
-    set->blocks[(*end)++] = record;
-    DividePoints(growth, b, record.points, cursors);
+    block.root = (*end)++;
+    DividePoints(growth, b, block.points, cursors);
   }
   return STATUS_OK;
 }

@@ -29,12 +29,13 @@ int32_t GrowBlocks(const Foreground& foreground, const GreyView& image, const Bl
   const int32_t rows = columns > 0 ? area.lastRow - area.firstRow + 1 : 0;
   if (!growth->Begin(area.firstRow, static_cast<size_t>(std::max(rows, 0)))) return OUT_OF_MEMORY;
   const bool joins = param.joinGap != 0;
+  const bool filters = joins || (param.minRunLen != 0 && param.maxRunLen != 0);
   for (int32_t i = 0; i < rows; ++i) {
     if (!growth->ReserveRow(MaxRuns(columns))) return OUT_OF_MEMORY;
     const uint8_t* row = image.Row(area.firstRow + i);
     PixelRun* runs = growth->nextRuns();
     const size_t cut = CutRow(foreground, row, area.firstColumn, area.lastColumn, runs);
-    growth->LinkRow(FilterRuns(param, runs, cut));
+    growth->LinkRow(filters ? FilterRuns(param, runs, cut) : cut);
     const size_t end = growth->RowStart(static_cast<size_t>(i) + 1);
     for (size_t r = growth->RowStart(static_cast<size_t>(i)); r < end; ++r) {
       const PixelRun& run = growth->run(r);

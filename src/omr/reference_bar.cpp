@@ -82,7 +82,9 @@ bool Examine(const BlockRec& block, const BarLimits& limits, ExaminedBar bar, Ba
 bool IsThin(const ExaminedBar& bar, float ratio) {
   const auto length = static_cast<int16_t>(bar.length);
   const auto thickness = static_cast<int16_t>(bar.thickness);
-  return thickness != 0 && static_cast<float>(length / thickness) > ratio;
+  if (thickness == 0) return false;
+  const int32_t wholeRatio = length / thickness;
+  return static_cast<float>(wholeRatio) > ratio;
 }
 
 // Leaves the choice to one of several bars that passed; null when all are too thick for their

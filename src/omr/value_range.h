@@ -16,23 +16,7 @@ namespace vorlanepic {
 struct ValueRange {
   uint8_t lowest[16];
   uint8_t highest[16];
-
-  uint8_t Smallest() const { return *std::min_element(lowest, lowest + 16); }
-  uint8_t Largest() const { return *std::max_element(highest, highest + 16); }
 };
-
-// A range that holds no value yet.
-inline void Empty(ValueRange* range) {
-  std::fill_n(range->lowest, 16, uint8_t{255});
-  std::fill_n(range->highest, 16, uint8_t{0});
-}
-
-inline void Widen(ValueRange* range, const ValueRange& other) {
-  for (int k = 0; k < 16; ++k) {
-    range->lowest[k] = std::min(range->lowest[k], other.lowest[k]);
-    range->highest[k] = std::max(range->highest[k], other.highest[k]);
-  }
-}
 
 // Takes in values[0] .. values[count - 1], one after the other.
 inline void WidenPlain(ValueRange* range, const uint8_t* values, size_t count) {
@@ -52,13 +36,43 @@ inline __m128i Load(const uint8_t* bytes) {
   return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
 }
 
+inline void Store(uint8_t* bytes, __m128i lanes) {
+  _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes), lanes);
+}
+
 inline void Widen16(ValueRange* range, __m128i low, __m128i high) {
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(range->lowest),
-                   _mm_min_epu8(Load(range->lowest), low));
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(range->highest),
-                   _mm_max_epu8(Load(range->highest), high));
+  Store(range->lowest, _mm_min_epu8(Load(range->lowest), low));
+  Store(range->highest, _mm_max_epu8(Load(range->highest), high));
 }
 }  // namespace value_range_lanes
+
+inline void Empty(ValueRange* range) {
+  value_range_lanes::Store(range->lowest, _mm_set1_epi8(-1));
+  value_range_lanes::Store(range->highest, _mm_setzero_si128());
+}
+
+inline void Widen(ValueRange* range, const ValueRange& other) {
+  using namespace value_range_lanes;
+  Widen16(range, Load(other.lowest), Load(other.highest));
+}
+
+inline uint8_t Smallest(const ValueRange& range) {
+  __m128i lanes = value_range_lanes::Load(range.lowest);
+  lanes = _mm_min_epu8(lanes, _mm_srli_si128(lanes, 8));
+  lanes = _mm_min_epu8(lanes, _mm_srli_si128(lanes, 4));
+  lanes = _mm_min_epu8(lanes, _mm_srli_si128(lanes, 2));
+  lanes = _mm_min_epu8(lanes, _mm_srli_si128(lanes, 1));
+  return static_cast<uint8_t>(_mm_cvtsi128_si32(lanes));
+}
+
+inline uint8_t Largest(const ValueRange& range) {
+  __m128i lanes = value_range_lanes::Load(range.highest);
+  lanes = _mm_max_epu8(lanes, _mm_srli_si128(lanes, 8));
+  lanes = _mm_max_epu8(lanes, _mm_srli_si128(lanes, 4));
+  lanes = _mm_max_epu8(lanes, _mm_srli_si128(lanes, 2));
+  lanes = _mm_max_epu8(lanes, _mm_srli_si128(lanes, 1));
+  return static_cast<uint8_t>(_mm_cvtsi128_si32(lanes));
+}
 
 // As WidenPlain; `readable` bytes may be read from `values` on, at least `count`.
 inline void Widen(ValueRange* range, const uint8_t* values, size_t count, size_t readable) {
@@ -79,6 +93,26 @@ inline void Widen(ValueRange* range, const uint8_t* values, size_t count, size_t
   }
 }
 #else
+inline void Empty(ValueRange* range) {
+  std::fill_n(range->lowest, 16, uint8_t{255});
+  std::fill_n(range->highest, 16, uint8_t{0});
+}
+
+inline void Widen(ValueRange* range, const ValueRange& other) {
+  for (int k = 0; k < 16; ++k) {
+    range->lowest[k] = std::min(range->lowest[k], other.lowest[k]);
+    range->highest[k] = std::max(range->highest[k], other.highest[k]);
+  }
+}
+
+inline uint8_t Smallest(const ValueRange& range) {
+  return *std::min_element(range.lowest, range.lowest + 16);
+}
+
+inline uint8_t Largest(const ValueRange& range) {
+  return *std::max_element(range.highest, range.highest + 16);
+}
+
 inline void Widen(ValueRange* range, const uint8_t* values, size_t count, size_t /*readable*/) {
   WidenPlain(range, values, count);
 }

@@ -6,6 +6,7 @@
 #include <system_error>
 #include <thread>
 
+#include "frame/lock.h"
 #include "frame/scratch.h"
 #include "frame/settings.h"
 #include "rotate/plain_rotation.h"
@@ -16,8 +17,8 @@ namespace vorlanepic {
 namespace {
 
 // Each half of an output is computed under its own lock: calls that overlap take turns.
-std::mutex FirstHalfLock;
-std::mutex SecondHalfLock;
+Lock FirstHalfLock;
+Lock SecondHalfLock;
 
 // Output pixels below which starting a thread costs more than it saves.
 constexpr int64_t kThreadWorthPixels = 8192;

@@ -133,8 +133,10 @@ void FinishBlock(PlainSet* set, int32_t index, bool isRoot) {
   rec.state = BLOCK_FINISHED;
   rec.height = rec.bottom - rec.top + 1;
   rec.width = rec.right - rec.left + 1;
-  rec.centerX = RoundToInt32(rec.centerX / rec.area);
-  rec.centerY = RoundToInt32(rec.centerY / rec.area);
+  const int32_t meanX = rec.centerX / rec.area;
+  const int32_t meanY = rec.centerY / rec.area;
+  rec.centerX = RoundToInt32(meanX);
+  rec.centerY = RoundToInt32(meanY);
 }
 
 void LinkRows(const PlainRow& above, PlainRow* row, PlainSet* set) {

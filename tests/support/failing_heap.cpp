@@ -4,11 +4,13 @@
 #include <cstddef>
 #include <thread>
 
+// NOLINTBEGIN(bugprone-reserved-identifier): the names that the linker's --wrap asks for
 extern "C" {
 void* __real_malloc(size_t bytes);
 void* __real_calloc(size_t count, size_t bytes);
 void* __real_realloc(void* block, size_t bytes);
 }
+// NOLINTEND(bugprone-reserved-identifier)
 
 namespace vorlanepic::testing {
 namespace {
@@ -44,7 +46,7 @@ bool FailingHeap::hasFailed() const { return failed; }
 
 using vorlanepic::testing::Strikes;
 
-// NOLINTBEGIN(bugprone-reserved-identifier): the names that the linker's --wrap asks for
+// NOLINTBEGIN(bugprone-reserved-identifier)
 extern "C" {
 void* __wrap_malloc(size_t bytes) { return Strikes() ? nullptr : __real_malloc(bytes); }
 void* __wrap_calloc(size_t count, size_t bytes) {

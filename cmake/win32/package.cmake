@@ -1,0 +1,27 @@
+# The target package-win32: one archive with what a host needs.
+set(package_name vorlanepic-${PROJECT_VERSION}-win32)
+set(package_dir ${CMAKE_BINARY_DIR}/package/${package_name})
+set(package_file ${CMAKE_BINARY_DIR}/${package_name}.zip)
+add_custom_target(package-win32
+  COMMAND ${CMAKE_COMMAND} -E rm -rf ${package_dir} ${package_file}
+  COMMAND ${CMAKE_COMMAND} -E make_directory
+          ${package_dir}/bin ${package_dir}/lib ${package_dir}/include ${package_dir}/examples
+          ${package_dir}/docs
+  COMMAND ${CMAKE_COMMAND} -E copy $<TARGET_FILE:vorlanepic> $<TARGET_FILE:imgbuf> ${package_dir}/bin
+  COMMAND ${CMAKE_COMMAND} -E copy
+          $<TARGET_LINKER_FILE:vorlanepic> $<TARGET_LINKER_FILE:imgbuf> ${package_dir}/lib
+  COMMAND ${CMAKE_COMMAND} -E copy_directory
+          ${PROJECT_SOURCE_DIR}/include/vorlanepic ${package_dir}/include/vorlanepic
+  COMMAND ${CMAKE_COMMAND} -E copy
+          ${PROJECT_SOURCE_DIR}/examples/straighten_page.c
+          ${PROJECT_SOURCE_DIR}/examples/read_sheet.c ${package_dir}/examples
+  COMMAND ${CMAKE_COMMAND} -E copy
+          ${PROJECT_SOURCE_DIR}/docs/sample-profile.ini
+          ${PROJECT_SOURCE_DIR}/docs/hosts-guide.md ${package_dir}/docs
+  COMMAND ${CMAKE_COMMAND} -E copy
+          ${PROJECT_SOURCE_DIR}/docs/windows-readme.txt ${package_dir}/README.txt
+  COMMAND ${CMAKE_COMMAND} -E chdir ${CMAKE_BINARY_DIR}/package
+          ${CMAKE_COMMAND} -E tar cf ${package_file} --format=zip ${package_name}
+  DEPENDS vorlanepic imgbuf
+  COMMENT "Packing ${package_file}"
+  VERBATIM)

@@ -1,0 +1,73 @@
+// The profile reader on files of any bytes.
+#include <algorithm>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "frame/profile_reader.h"
+#include "fuzz_input.h"
+#include "support/profile_file.h"
+
+using namespace vorlanepic;
+using namespace vorlanepic::fuzz;
+
+namespace {
+
+// Names that the made-up files have a fair chance to hold.
+const char* const kSections[] = {"S", "[", "]", "ImageDeskew", "a b", "#"};
+const char* const kKeys[] = {"K", "", "a b", "+", "[", "SegmentLen"};
+
+bool IsStatus(int32_t status) {
+  const int32_t known[] = {kProfileFound, kProfileNoSection, kProfileNoKey, kProfileMalformedLine,
+                           kProfileValueTooLong};
+  return std::find(std::begin(known), std::end(known), status) != std::end(known);
+}
+
+void RequireSoundValue(const ProfileText& value) {
+  Require(value.length <= kProfileLineCapacity, "a value fits into a line");
+  Require(value.text[value.length] == '\0', "a value ends with a zero");
+  const std::string_view ends("\n\r\0", 3);
+  Require(value.view().find_first_of(ends) == std::string_view::npos, "a value holds no line end");
+  Require(value.length == 0 || (value.text[0] != ' ' && value.text[0] != '\t'),
+          "a value begins behind its blanks");
+}
+
+// In storage of the exact size, so that a sanitizer sees a byte written too many.
+void RequireSameText(const ProfileText& value, uint32_t size, const char* section, const char* key,
+                     const char* path) {
+  const auto out = std::make_unique<char[]>(size_t{size} + 1);
+  const uint32_t length = ReadProfileText(section, key, "d", out.get(), size, path);
+  const std::string_view expected =
+      value.length > size ? value.view().substr(0, size - 1) : value.view();
+  Require(std::string_view(out.get(), length) == expected && out[length] == '\0',
+          "the text is the value, cut to size");
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
+  FuzzInput input(data, size);
+  const char* section = kSections[input.In(0, 5)];
+  const char* key = kKeys[input.In(0, 5)];
+  const auto textSize = static_cast<uint32_t>(input.In(1, 5000));
+  // Now and then a line of some thousand characters stands in front.
+  std::string bytes(input.Byte() < 230 ? 0 : static_cast<size_t>(input.In(0, 9000)), 'x');
+  bytes += input.Flag() ? std::string("\n[") + section + "]\n" : "";
+  bytes += input.RestAsText();
+  const testing::ProfileOnDisk file(bytes);
+
+  ProfileText value;
+  const int32_t status = FindProfileValue(file.path(), section, key, &value);
+  Require(IsStatus(status), "a search ends with one of its statuses");
+  if (status == kProfileFound) RequireSoundValue(value);
+
+  if (*key == '\0') return 0;  // found where a key is blank, but refused by the readers
+  const int32_t number = ReadProfileInt(section, key, -7, file.path());
+  if (status != kProfileFound || value.length == 0) {
+    Require(number == -7, "a failed or empty read gives the default");
+  } else {
+    Require(number >= 0, "a number is never negative");
+  }
+  if (status == kProfileFound) RequireSameText(value, textSize, section, key, file.path());
+  return 0;
+}

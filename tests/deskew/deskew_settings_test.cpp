@@ -1,0 +1,239 @@
+#include "deskew/deskew_settings.h"
+
+#include <cmath>
+#include <fstream>
+#include <string>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "frame/profile_reader.h"
+#include "frame/settings.h"
+#include "support/profile_file.h"
+
+namespace vorlanepic {
+namespace {
+
+using testing::ProfileOnDisk;
+
+constexpr DeskewCropParam kParam{nullptr, 0, 2, 2, 8, 5, 3.5, 2.0, 10, 3, 5, 50, 2.0};
+
+DeskewCropParam FromProfile(const char* path) {
+  DeskewCropParam param{};  // nothing of it counts
+  param.profilePath = path;
+  param.useProfile = 1;
+  param.DeskewMethod = 1;
+  return param;
+}
+
+class DeskewSettingsTest : public ::testing::Test {
+ protected:
+  void SetUp() override { settings = {}; }
+  void TearDown() override { settings = {}; }
+};
+
+TEST_F(DeskewSettingsTest, TheMethodComesFromTheProfileWhenOneIsUsed) {
+  const ProfileOnDisk file("[ImageDeskew]\nDeskewMethod=3\n");
+  EXPECT_EQ(ChosenMethod(FromProfile(file.path())), 3);
+  EXPECT_EQ(ChosenMethod(FromProfile("no/such/file.ini")), 2);
+  EXPECT_EQ(ChosenMethod(FromProfile(nullptr)), 0);
+  DeskewCropParam param = FromProfile(file.path());
+  param.useProfile = 2;
+  EXPECT_EQ(ChosenMethod(param), 1);
+}
+
+TEST_F(DeskewSettingsTest, MethodsOneAndThreeAssignTheirsOnly) {
+  settings.SegmentLen = 77;
+  settings.CropPixelFlag = 78;
+  settings.AngleMode = 79;
+  settings.ImageNum = 80;
+  DeskewCropParam param = kParam;
+  param.SearchBorderPixelNum = 4;
+  param.ToLineMixDis = 20;
+  param.ToLineDistance = 1;
+  param.parallel = 0.0;
+  param.perpendicular = 5.0;
+  EXPECT_TRUE(AssignPrunedRotationSettings(param, 3));
+  EXPECT_EQ(settings.SegmentMaxGap, 6);
+  EXPECT_EQ(settings.SegmentPointNum, 6);
+  EXPECT_EQ(settings.SegmentMinPointNum, 4);
+  EXPECT_EQ(settings.BorderMethod, 3);
+  EXPECT_EQ(settings.ExtremeAnchorFlag, 1.0);
+  EXPECT_EQ(settings.SearchBorderPixelNum, 4);
+  EXPECT_EQ(settings.ToLineMixDis, 20);
+  EXPECT_EQ(settings.ToLineDistance, 1);
+  EXPECT_EQ(settings.parallel, 0.0);
+  EXPECT_EQ(settings.perpendicular, 5.0);
+  EXPECT_TRUE(AssignPrunedRotationSettings(param, 1));
+  EXPECT_EQ(settings.BorderMethod, 1);
+  EXPECT_EQ(settings.ExtremeAnchorFlag, 0.0);
+  EXPECT_EQ(settings.SegmentLen, 77);
+  EXPECT_EQ(settings.CropPixelFlag, 78);
+  EXPECT_EQ(settings.AngleMode, 79);
+  EXPECT_EQ(settings.ImageNum, 80);
+}
+
+TEST_F(DeskewSettingsTest, MethodTwoAssignsItsOnly) {
+  settings.BorderMethod = 3;
+  settings.ExtremeAnchorFlag = 1.0;
+  settings.ToLineMixDis = 77;
+  settings.parallel = 78.0;
+  settings.CropPixelFlag = 1;
+  settings.AngleMode = 1;
+  EXPECT_TRUE(AssignDeskewCropSettings(kParam));
+  EXPECT_EQ(settings.SegmentMaxGap, 1);
+  EXPECT_EQ(settings.SegmentPointNum, 1);
+  EXPECT_EQ(settings.SegmentMinPointNum, 1);
+  EXPECT_EQ(settings.SegmentLen, 10);
+  EXPECT_EQ(settings.CropPixelNum, 50);
+  EXPECT_EQ(settings.CropPixelFlag, 0);
+  EXPECT_EQ(settings.AngleMode, 0);
+  EXPECT_EQ(settings.BorderMethod, 3);
+  EXPECT_EQ(settings.ExtremeAnchorFlag, 1.0);
+  EXPECT_EQ(settings.ToLineMixDis, 77);
+  EXPECT_EQ(settings.parallel, 78.0);
+}
+
+TEST_F(DeskewSettingsTest, ReadsRealNumbersOfThreeCharacters) {
+  struct Case {
+    const char* text;
+    double value;
+    bool good;
+  };
+  for (const Case& c : {Case{"1.5", 1.5, true}, Case{"2.75", 2.0, true}, Case{"0.5", 0.5, false},
+                        Case{"", 0.0, false}, Case{"5", 5.0, true}, Case{"5.1", 5.1, false},
+                        Case{"abc", 0.0, false}, Case{"-1", -1.0, false}, Case{"1e1", 1.0, true}}) {
+    const ProfileOnDisk file(std::string("[ImageDeskew2]\nGroupAngle=") + c.text + "\n");
+    EXPECT_EQ(AssignDeskewCropSettings(FromProfile(file.path())), c.good) << c.text;
+    EXPECT_EQ(settings.GroupAngle, c.value) << c.text;
+  }
+}
+
+TEST_F(DeskewSettingsTest, AProfileWithoutItsSectionsGivesTheDefaults) {
+  settings.CropPixelFlag = 1;
+  const DeskewCropParam param = FromProfile("no/such/file.ini");
+  EXPECT_TRUE(AssignDeskewCropSettings(param));
+  EXPECT_EQ(settings.CropPixelNum, 8);
+  EXPECT_EQ(settings.CropPixelFlag, 0);
+  EXPECT_EQ(settings.GroupAngle, 2.0);
+  EXPECT_TRUE(AssignPrunedRotationSettings(param, 1));
+  EXPECT_EQ(settings.parallel, 3.5);
+  EXPECT_EQ(settings.perpendicular, 2.0);
+}
+
+// No path is not an unreadable file: every key is then 0.
+TEST_F(DeskewSettingsTest, AMissingPathGivesZeros) {
+  settings.SegmentLen = 10;
+  settings.GroupAngle = 2.0;
+  EXPECT_FALSE(AssignDeskewCropSettings(FromProfile(nullptr)));
+  EXPECT_EQ(settings.SegmentLen, 0);
+  EXPECT_EQ(settings.GroupAngle, 0.0);
+}
+
+TEST_F(DeskewSettingsTest, ChecksTheRanges) {
+  struct Case {
+    int32_t DeskewCropParam::*field;
+    int32_t smallest;
+    int32_t largest;
+    bool pruned;
+    bool crop;
+  };
+  const Case cases[] = {
+      {&DeskewCropParam::SearchBorderPixelNum, 1, 10, true, true},
+      {&DeskewCropParam::ToLineDistance, 1, 20, true, true},
+      {&DeskewCropParam::ToLineMixDis, 1, 20, true, false},
+      {&DeskewCropParam::SegmentLen, 5, 50, false, true},
+      {&DeskewCropParam::SearchLimitNum, 1, 10, false, true},
+      {&DeskewCropParam::PixelNum, 1, 20, false, true},
+      {&DeskewCropParam::CropPixelNum, 1, INT32_MAX, false, true},
+  };
+  for (const Case& c : cases) {
+    const auto check = [&](int32_t value, bool good) {
+      DeskewCropParam param = kParam;
+      param.*c.field = value;
+      EXPECT_EQ(AssignPrunedRotationSettings(param, 1), good || !c.pruned) << value;
+      EXPECT_EQ(AssignDeskewCropSettings(param), good || !c.crop) << value;
+    };
+    check(c.smallest, true);
+    check(c.smallest - 1, false);
+    check(c.largest, true);
+    if (c.largest < INT32_MAX) check(c.largest + 1, false);
+  }
+}
+
+TEST_F(DeskewSettingsTest, ChecksTheRangesOfRealNumbers) {
+  for (const double bad : {-0.001, 5.001, std::nan(""), HUGE_VAL}) {
+    DeskewCropParam param = kParam;
+    param.parallel = bad;
+    EXPECT_FALSE(AssignPrunedRotationSettings(param, 1)) << bad;
+    param = kParam;
+    param.perpendicular = bad;
+    EXPECT_FALSE(AssignPrunedRotationSettings(param, 1)) << bad;
+    param = kParam;
+    param.GroupAngle = bad;
+    EXPECT_FALSE(AssignDeskewCropSettings(param)) << bad;
+    EXPECT_TRUE(AssignPrunedRotationSettings(param, 1));
+  }
+  DeskewCropParam param = kParam;
+  param.GroupAngle = 0.999;
+  EXPECT_FALSE(AssignDeskewCropSettings(param));
+}
+
+TEST_F(DeskewSettingsTest, TheLineGuidedServiceChecksNothing) {
+  DeskewCropParam param = kParam;
+  param.PixelNum = -4;
+  param.SearchLimitNum = 0;
+  BarLimits limits = AssignLineGuidedSettings(param);
+  EXPECT_EQ(limits.minLength, 600);
+  EXPECT_EQ(limits.minThickness, 4);
+  EXPECT_EQ(limits.maxThickness, 20);
+  EXPECT_EQ(settings.PixelNum, -4);
+  EXPECT_EQ(settings.SearchLimitNum, 0);
+  EXPECT_EQ(settings.CropPixelNum, 50);
+
+  const ProfileOnDisk file("[ImageDeskewLine]\nLineMinThickness=7\nCropPixelNum=-3\n");
+  limits = AssignLineGuidedSettings(FromProfile(file.path()));
+  EXPECT_EQ(limits.minLength, 500);
+  EXPECT_EQ(limits.minThickness, 7);
+  EXPECT_EQ(settings.PixelNum, 5);
+  EXPECT_EQ(settings.SearchLimitNum, 3);
+  EXPECT_EQ(settings.CropPixelNum, 0);
+  AssignLineGuidedSettings(FromProfile("no/such/file.ini"));
+  EXPECT_EQ(settings.CropPixelNum, 200);
+}
+
+// The sample that ships with the project shows every key, at its default.
+TEST_F(DeskewSettingsTest, TheSampleProfileHoldsEveryKeyAtItsDefault) {
+  struct Key {
+    const char* section;
+    const char* key;
+    const char* text;
+  };
+  const std::vector<Key> keys = {
+      {"ImageDeskew", "DeskewMethod", "2"},          {"ImageDeskew1", "SearchBorderPixelNum", "2"},
+      {"ImageDeskew1", "ToLineMixDis", "5"},         {"ImageDeskew1", "ToLineDistance", "8"},
+      {"ImageDeskew1", "parallel", "3.5"},           {"ImageDeskew1", "perpendicular", "2"},
+      {"ImageDeskew2", "SearchBorderPixelNum", "2"}, {"ImageDeskew2", "SegmentLen", "10"},
+      {"ImageDeskew2", "SearchLimitNum", "3"},       {"ImageDeskew2", "PixelNum", "5"},
+      {"ImageDeskew2", "ToLineDistance", "8"},       {"ImageDeskew2", "CropPixelNum", "8"},
+      {"ImageDeskew2", "CropPixelFlag", "0"},        {"ImageDeskew2", "AngleMode", "0"},
+      {"ImageDeskew2", "GroupAngle", "2"},           {"ImageDeskewLine", "SearchLimitNum", "3"},
+      {"ImageDeskewLine", "PixelNum", "5"},          {"ImageDeskewLine", "CropPixelNum", "200"},
+      {"ImageDeskewLine", "LineMixLength", "500"},   {"ImageDeskewLine", "LineMinThickness", "4"},
+      {"ImageDeskewLine", "LineMaxThickness", "20"},
+  };
+  for (const Key& key : keys) {
+    char text[8];
+    ReadProfileText(key.section, key.key, "missing", text, 7, VORLANEPIC_SAMPLE_PROFILE);
+    EXPECT_STREQ(text, key.text) << key.section << ", " << key.key;
+  }
+  size_t keyLines = 0;
+  std::ifstream file(VORLANEPIC_SAMPLE_PROFILE);
+  for (std::string line; std::getline(file, line);) {
+    if (!line.empty() && line[0] != '#' && line[0] != '[') ++keyLines;
+  }
+  EXPECT_EQ(keyLines, keys.size());
+}
+
+}  // namespace
+}  // namespace vorlanepic

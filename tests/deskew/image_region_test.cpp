@@ -1,0 +1,210 @@
+#include "deskew/image_region.h"
+
+#include <algorithm>
+#include <random>
+
+#include <gtest/gtest.h>
+
+#include "frame/scratch.h"
+#include "frame/settings.h"
+#include "support/failing_heap.h"
+#include "support/failing_imgbuf.h"
+#include "support/page_drawing.h"
+
+namespace vorlanepic {
+namespace {
+
+using testing::FailingImgbuf;
+using testing::ForEachHeapFailure;
+using testing::TestImage;
+
+TestImage MakeNoise(int32_t width, int32_t height, int32_t bitsPerPixel) {
+  TestImage image(width, height, bitsPerPixel);
+  std::mt19937 random(11);
+  for (int32_t y = 0; y < height; ++y) {
+    std::generate_n(image.row(y), image.rec()->lineBytes,
+                    [&random] { return static_cast<uint8_t>(random()); });
+  }
+  return image;
+}
+
+// Bit (or byte) i of a row.
+int32_t BitAt(const uint8_t* row, int32_t i) { return row[i / 8] >> (7 - i % 8) & 1; }
+
+TEST(CopyImageRegion, CutsAtEveryBit) {
+  const FailingImgbuf imgbuf;
+  for (const int32_t depth : {1, 8, 24}) {
+    const TestImage image = MakeNoise(45, 4, depth);
+    for (int32_t left = 0; left <= 45; ++left) {
+      for (int32_t width = 1; left + width <= 45; ++width) {
+        ScratchImage cut;
+        ASSERT_EQ(CopyImageRegion(image.rec(), cut.rec(), {left, 1, width, 3}), STATUS_OK);
+        ASSERT_EQ(cut.rec()->width, width);
+        ASSERT_EQ(cut.rec()->height, 3);
+        ASSERT_EQ(cut.rec()->bitsPerPixel, depth);
+        for (int32_t y = 0; y < 3; ++y) {
+          const int32_t bits = width * depth;
+          for (int32_t i = 0; i < (bits + 7) / 8 * 8; ++i) {
+            const int32_t expected = i < bits ? BitAt(image.row(y + 1), left * depth + i) : 0;
+            ASSERT_EQ(BitAt(cut.rec()->rows[y], i), expected)
+                << depth << " bits, " << width << " pixels from " << left << ", bit " << i;
+          }
+        }
+      }
+    }
+  }
+  EXPECT_EQ(imgbuf.aliveImages(), 0);
+}
+
+// 1011 0011 0101 0101 from bit 3 on: 1001 1010 10.
+TEST(CopyImageRegion, ShiftsBitsToTheFront) {
+  TestImage image(16, 1, 1);
+  image.row(0)[0] = 0xB3;
+  image.row(0)[1] = 0x55;
+  ScratchImage cut;
+  ASSERT_EQ(CopyImageRegion(image.rec(), cut.rec(), {3, 0, 10, 1}), STATUS_OK);
+  EXPECT_EQ(cut.rec()->rows[0][0], 0x9A);
+  EXPECT_EQ(cut.rec()->rows[0][1], 0x80);
+}
+
+TEST(CopyImageRegion, RefusesWhatLiesOutside) {
+  const FailingImgbuf imgbuf;
+  const TestImage image(10, 8, 8);
+  ImageRec out{};
+  for (const ImageRegion& region :
+       {ImageRegion{-1, 0, 2, 2}, ImageRegion{0, -1, 2, 2}, ImageRegion{0, 0, -1, 2},
+        ImageRegion{0, 0, 2, -1}, ImageRegion{11, 0, 0, 1}, ImageRegion{0, 9, 1, 0},
+        ImageRegion{1, 0, 10, 8}, ImageRegion{0, 1, 10, 8}, ImageRegion{5, 5, INT32_MAX, 1},
+        ImageRegion{5, 5, 1, INT32_MAX}, ImageRegion{3, 3, 0, 2}}) {
+    EXPECT_EQ(CopyImageRegion(image.rec(), &out, region), BAD_ARGUMENT);
+  }
+  EXPECT_EQ(CopyImageRegion(nullptr, &out, {0, 0, 2, 2}), BAD_ARGUMENT);
+  EXPECT_EQ(CopyImageRegion(image.rec(), nullptr, {0, 0, 2, 2}), BAD_ARGUMENT);
+  ImageRec deep = *image.rec();
+  deep.bitsPerPixel = 4;
+  EXPECT_EQ(CopyImageRegion(&deep, &out, {0, 0, 2, 2}), BAD_ARGUMENT);
+  EXPECT_EQ(out.pixels, nullptr);
+  EXPECT_EQ(imgbuf.aliveImages(), 0);
+}
+
+TEST(CopyImageRegion, PassesTheImageLibrarysCodeOn) {
+  FailingImgbuf imgbuf;
+  imgbuf.FailNew(0, 77);
+  const TestImage image(10, 8, 8);
+  ImageRec out{};
+  EXPECT_EQ(CopyImageRegion(image.rec(), &out, {0, 0, 2, 2}), 77);
+  EXPECT_EQ(out.pixels, nullptr);
+}
+
+class RotateImageRegionTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    settings = {};
+    settings.ImageNum = 1;
+  }
+  void TearDown() override { settings = {}; }
+
+  static constexpr uint8_t kFill[3] = {7, 7, 7};
+};
+
+TEST_F(RotateImageRegionTest, OfOddSizeAtNoAngleIsTheRegionItself) {
+  for (const int32_t depth : {1, 8, 24}) {
+    const TestImage image = MakeNoise(40, 30, depth);
+    // The last one ends with the image.
+    for (const ImageRegion& region :
+         {ImageRegion{3, 4, 21, 13}, ImageRegion{0, 0, 39, 29}, ImageRegion{11, 1, 29, 29}}) {
+      ScratchImage turned;
+      ScratchImage cut;
+      ASSERT_EQ(RotateImageRegion(image.rec(), turned.rec(), kFill, region, 0.0, INTERP_BILINEAR),
+                STATUS_OK);
+      ASSERT_EQ(CopyImageRegion(image.rec(), cut.rec(), region), STATUS_OK);
+      EXPECT_TRUE(testing::SamePixels(*turned.rec(), *cut.rec())) << depth;
+    }
+  }
+}
+
+// The bounding box of the turned rectangle, rounded: 100 x 50 by 30 degrees is
+// 100 x 0.8660 + 50 x 0.5 = 111.6 wide and 100 x 0.5 + 50 x 0.8660 = 93.3 high.
+TEST_F(RotateImageRegionTest, HoldsTheTurnedRectangle) {
+  const TestImage image(120, 80, 8);
+  struct Case {
+    double degrees;
+    int32_t width;
+    int32_t height;
+  };
+  for (const Case& c : {Case{30.0, 112, 93}, Case{330.0, 112, 93}, Case{150.0, 112, 93},
+                        Case{90.0, 50, 100}, Case{180.0, 100, 50}, Case{-30.0, 112, 93}}) {
+    ScratchImage turned;
+    ASSERT_EQ(RotateImageRegion(image.rec(), turned.rec(), kFill, {10, 20, 100, 50}, c.degrees,
+                                INTERP_NEAREST),
+              STATUS_OK);
+    EXPECT_EQ(turned.rec()->width, c.width) << c.degrees;
+    EXPECT_EQ(turned.rec()->height, c.height) << c.degrees;
+  }
+}
+
+// About the centre (2 + 4 div 2, 1 + 4 div 2) = (4, 3), which goes to pixel (1, 1) of the 4 x 4
+// output: at no angle that is one column and one row on. Column 6, one beyond the region, takes
+// part; row 5 does not.
+TEST_F(RotateImageRegionTest, TurnsAboutTheRegionsCentre) {
+  TestImage image(9, 8, 8);
+  for (int32_t y = 0; y < 8; ++y) {
+    for (int32_t x = 0; x < 9; ++x) image.Set(x, y, static_cast<uint8_t>(100 + 10 * y + x));
+  }
+  const ImageRegion region{2, 1, 4, 4};
+  ScratchImage level;
+  ASSERT_EQ(RotateImageRegion(image.rec(), level.rec(), kFill, region, 0.0, INTERP_NEAREST),
+            STATUS_OK);
+  EXPECT_EQ(level.rec()->rows[0][0], 123);
+  EXPECT_EQ(level.rec()->rows[2][3], 146);
+  EXPECT_EQ(level.rec()->rows[3][0], 7);
+}
+
+TEST_F(RotateImageRegionTest, RefusesWhatItCannotTurn) {
+  const FailingImgbuf imgbuf;
+  const TestImage image(20, 20, 8);
+  ImageRec out{};
+  for (const ImageRegion& region :
+       {ImageRegion{0, 5, 10, 1}, ImageRegion{0, 0, 0, 10}, ImageRegion{0, 0, 10, 0},
+        ImageRegion{-1, 0, 10, 10}, ImageRegion{0, -1, 10, 10}, ImageRegion{0, 15, 10, 6},
+        ImageRegion{25, 0, 10, 10}, ImageRegion{0, 5, 10, INT32_MAX},
+        ImageRegion{5, 0, INT32_MAX, 10}}) {
+    EXPECT_EQ(RotateImageRegion(image.rec(), &out, kFill, region, 1.0, INTERP_NEAREST),
+              BAD_ARGUMENT);
+  }
+  const ImageRegion region{2, 2, 10, 10};
+  EXPECT_EQ(RotateImageRegion(nullptr, &out, kFill, region, 1.0, INTERP_NEAREST), BAD_ARGUMENT);
+  EXPECT_EQ(RotateImageRegion(image.rec(), nullptr, kFill, region, 1.0, 3), BAD_ARGUMENT);
+  EXPECT_EQ(RotateImageRegion(image.rec(), &out, nullptr, region, 1.0, 3), BAD_ARGUMENT);
+  EXPECT_EQ(RotateImageRegion(image.rec(), &out, kFill, region, 1.0, 4), BAD_ARGUMENT);
+  const ImageRec empty{};
+  EXPECT_EQ(RotateImageRegion(&empty, &out, kFill, region, 1.0, 3), BAD_ARGUMENT);
+  EXPECT_EQ(out.pixels, nullptr);
+  EXPECT_EQ(imgbuf.aliveImages(), 0);
+}
+
+TEST_F(RotateImageRegionTest, ReportsExhaustedMemory) {
+  const FailingImgbuf imgbuf;
+  const TestImage image(20, 20, 8);
+  ImageRec out{};
+  int32_t status = STATUS_OK;
+  int32_t failures = 0;
+  ForEachHeapFailure(
+      [&] {
+        ScratchImage turned;
+        status = RotateImageRegion(image.rec(), turned.rec(), kFill, {2, 2, 10, 10}, 1.0,
+                                   INTERP_NEAREST);
+        out = *turned.rec();
+      },
+      [&](int32_t) {
+        ++failures;
+        EXPECT_EQ(status, OUT_OF_MEMORY);
+        EXPECT_EQ(out.pixels, nullptr);
+      });
+  EXPECT_GT(failures, 0);
+  EXPECT_EQ(status, STATUS_OK);
+  EXPECT_EQ(imgbuf.aliveImages(), 0);
+}
+
+}  // namespace
+}  // namespace vorlanepic

@@ -1,0 +1,237 @@
+#include <cmath>
+#include <cstring>
+
+#include <gtest/gtest.h>
+
+#include "deskew/page_records.h"
+#include "frame/settings.h"
+#include "support/dib_image.h"
+#include "support/failing_heap.h"
+#include "support/failing_imgbuf.h"
+#include "support/page_drawing.h"
+#include "support/profile_file.h"
+#include "vorlanepic/vorlanepic.h"
+
+namespace vorlanepic {
+namespace {
+
+using testing::DrawBarSheet;
+using testing::FailingImgbuf;
+using testing::ForEachHeapFailure;
+using testing::ProfileOnDisk;
+using testing::TestDib;
+
+constexpr DeskewCropParam kParam{nullptr, 0, 2, 2, 8, 5, 3.5, 2.0, 10, 3, 5, 50, 2.0};
+constexpr uint8_t kFill[3] = {0, 0, 0};
+
+// A sheet of 700 x 500 pixels with a bar of 620 x 8 across it.
+testing::DrawnBarSheet Sheet(double degrees, int32_t depth = 8) {
+  return {.page = {.imageWidth = 900,
+                   .imageHeight = 640,
+                   .bitsPerPixel = depth,
+                   .pageWidth = 700,
+                   .pageHeight = 500,
+                   .centerX = 450,
+                   .centerY = 320,
+                   .degrees = degrees},
+          .barLength = 620,
+          .barThickness = 8,
+          .barY = -150};
+}
+
+class ImageDeskewCropWithLineTest : public ::testing::Test {
+ protected:
+  void SetUp() override { settings = {}; }
+  void TearDown() override { settings = {}; }
+
+  int32_t Run(const DibRec* images, DibRec* out, const DeskewCropParam& param = kParam,
+              int32_t imageNum = 1) {
+    return ImageDeskewCropWithLine(images, INTERP_BILINEAR, 120, 0, 0, kFill, &angle_, out, param,
+                                   0, 0, 0, 0, imageNum);
+  }
+
+  FailingImgbuf imgbuf_;
+  double angle_ = -1.0;
+};
+
+int32_t FieldOf(const DibRec& dib, int32_t offset) {
+  int32_t value = 0;
+  std::memcpy(&value, dib.infoHeader + offset, sizeof value);
+  return value;
+}
+
+// The angle is taken top row first and the turn is made in memory order, bottom row first, where
+// the sheet leans the other way: the turn that the bar asks for makes it upright.
+TEST_F(ImageDeskewCropWithLineTest, StraightensAFormByItsBar) {
+  for (const int32_t depth : {1, 8, 24}) {
+    for (const double degrees : {-3.0, 0.0, 2.0}) {
+      const TestDib dib(DrawBarSheet(Sheet(degrees, depth)));
+      DibRec out{};
+      ASSERT_EQ(Run(dib.rec(), &out), STATUS_OK) << depth << " bits, " << degrees;
+      EXPECT_NEAR(angle_, degrees, 0.15);
+      EXPECT_NEAR(FieldOf(out, 4), 700, 5);
+      EXPECT_NEAR(FieldOf(out, 8), 500, 5);
+      ImgbufDestory(&out);
+    }
+  }
+  EXPECT_EQ(imgbuf_.aliveImages(), 0);
+}
+
+TEST_F(ImageDeskewCropWithLineTest, LeavesItsSettings) {
+  const TestDib dib(DrawBarSheet(Sheet(1)));
+  settings.CropPixelFlag = 1;
+  settings.ImageNum = 7;
+  DibRec out{};
+  DeskewCropParam param = kParam;
+  param.SearchLimitNum = 4;
+  param.PixelNum = -1;
+  param.CropPixelNum = 60;
+  ASSERT_EQ(Run(dib.rec(), &out, param), STATUS_OK);
+  ImgbufDestory(&out);
+  EXPECT_EQ(settings.SearchLimitNum, 4);
+  EXPECT_EQ(settings.PixelNum, -1);
+  EXPECT_EQ(settings.CropPixelNum, 60);
+  EXPECT_EQ(settings.CropPixelFlag, 1);
+  EXPECT_EQ(settings.ImageNum, 1);
+}
+
+// 7874 pixels per metre are trunc(199999.6) div 1000 = 199 dots per inch, so that 600 becomes 597
+// and 20 becomes 19; without a resolution the limits stand. A bar of 598 x 8 is long enough for the
+// first only; lengths are those of the bounding box's diagonal.
+TEST_F(ImageDeskewCropWithLineTest, ScalesTheBarToTheResolution) {
+  struct Case {
+    int32_t pixelsPerMetre;
+    double length;
+    double thickness;
+    int32_t status;
+  };
+  for (const Case& c : {Case{0, 598, 8, -1}, Case{7874, 598, 8, STATUS_OK}, Case{7874, 594, 8, -1},
+                        Case{0, 602, 8, STATUS_OK}, Case{15748, 602, 8, -1},
+                        Case{0, 620, 20, STATUS_OK}, Case{7874, 620, 20, -1},
+                        // Below 1 dot per inch every limit falls back: 300, 4 and 20.
+                        Case{-7874, 310, 8, STATUS_OK}, Case{-7874, 280, 8, -1}}) {
+    testing::DrawnBarSheet sheet = Sheet(0);
+    // Between pixels, so that an even number of them is covered.
+    sheet.barX = 0.5;
+    sheet.barY = -150.5;
+    sheet.barLength = c.length - 0.5;
+    sheet.barThickness = c.thickness - 0.5;
+    const TestDib dib(DrawBarSheet(sheet), c.pixelsPerMetre);
+    DibRec out{};
+    EXPECT_EQ(Run(dib.rec(), &out), c.status)
+        << c.pixelsPerMetre << " per metre, bar of " << c.length << " x " << c.thickness;
+    if (out.bits != nullptr) ImgbufDestory(&out);
+  }
+}
+
+TEST_F(ImageDeskewCropWithLineTest, TakesItsLimitsFromTheProfile) {
+  testing::DrawnBarSheet sheet = Sheet(0);
+  sheet.barLength = 520;
+  const TestDib dib(DrawBarSheet(sheet));
+  DeskewCropParam param = kParam;
+  DibRec out{};
+  EXPECT_EQ(Run(dib.rec(), &out, param), -1);
+
+  param.useProfile = 1;
+  param.profilePath = "no/such/file.ini";  // 500 by default
+  EXPECT_EQ(Run(dib.rec(), &out, param), STATUS_OK);
+  ImgbufDestory(&out);
+  EXPECT_EQ(settings.CropPixelNum, 200);
+
+  const ProfileOnDisk file("[ImageDeskewLine]\nLineMixLength=540\n");
+  param.profilePath = file.path();
+  EXPECT_EQ(Run(dib.rec(), &out, param), -1);
+}
+
+TEST_F(ImageDeskewCropWithLineTest, TurnsASetByTheFirstOnesBar) {
+  const TestDib first(DrawBarSheet(Sheet(2)));
+  const TestDib second(testing::DrawPage(Sheet(2).page));
+  const DibRec images[2] = {*first.rec(), *second.rec()};
+  DibRec out[2] = {};
+  ASSERT_EQ(Run(images, out, kParam, 2), STATUS_OK);
+  EXPECT_EQ(FieldOf(out[0], 4), FieldOf(out[1], 4));
+  EXPECT_EQ(FieldOf(out[0], 8), FieldOf(out[1], 8));
+  for (DibRec& image : out) ImgbufDestory(&image);
+  EXPECT_EQ(imgbuf_.aliveImages(), 0);
+}
+
+TEST_F(ImageDeskewCropWithLineTest, StopsAfterTheAngleWhenToldTo) {
+  const TestDib dib(DrawBarSheet(Sheet(2)));
+  settings.AngleOnlyFlag = 1;
+  settings.ImageNum = 5;
+  EXPECT_EQ(Run(dib.rec(), nullptr), STATUS_OK);
+  EXPECT_NEAR(angle_, 2.0, 0.1);
+  EXPECT_EQ(imgbuf_.newCalls(), 0);
+  EXPECT_EQ(settings.ImageNum, 5);
+}
+
+TEST_F(ImageDeskewCropWithLineTest, ReportsWhatFailed) {
+  const TestDib dib(DrawBarSheet(Sheet(2)));
+  DibRec out{};
+  EXPECT_EQ(Run(nullptr, &out), BAD_ARGUMENT);
+  EXPECT_EQ(Run(dib.rec(), nullptr), BAD_ARGUMENT);
+  EXPECT_EQ(Run(dib.rec(), &out, kParam, 0), BAD_ARGUMENT);
+  EXPECT_EQ(Run(dib.rec(), &out, kParam, INT32_MAX), OUT_OF_MEMORY);
+  EXPECT_EQ(
+      ImageDeskewCropWithLine(dib.rec(), 2, 120, 0, 0, kFill, nullptr, &out, kParam, 0, 0, 0, 0, 1),
+      BAD_ARGUMENT);
+  EXPECT_EQ(ImageDeskewCropWithLine(dib.rec(), 2, 120, 0, 0, nullptr, &angle_, &out, kParam, 0, 0,
+                                    0, 0, 1),
+            BAD_ARGUMENT);
+  const TestDib plain(testing::DrawPage({}));
+  EXPECT_EQ(Run(plain.rec(), &out), -1);
+  imgbuf_.FailDibCheck(0, 51);
+  EXPECT_EQ(Run(dib.rec(), &out), 51);
+  imgbuf_.FailNew(0, 52);
+  EXPECT_EQ(Run(dib.rec(), &out), 52);
+  imgbuf_.FailDibNew(0, 53);
+  EXPECT_EQ(Run(dib.rec(), &out), 53);
+  EXPECT_EQ(out.bits, nullptr);
+  // Unlike the border vote, it does not mind an image that could not be released.
+  imgbuf_.FailDestory(0, 54);
+  EXPECT_EQ(Run(dib.rec(), &out), STATUS_OK);
+  ImgbufDestory(&out);
+  EXPECT_EQ(imgbuf_.aliveImages(), 0);
+}
+
+// The bar search reports exhausted memory as its own failure, -1, and works on with the blocks that
+// it has when the marking fails.
+TEST_F(ImageDeskewCropWithLineTest, ReleasesEverythingWhenTheHeapIsExhausted) {
+  const TestDib dib(DrawBarSheet(Sheet(2)));
+  const DibRec record = *dib.rec();
+  DibRec out{};
+  int32_t status = STATUS_OK;
+  int32_t exhausted = 0;
+  ForEachHeapFailure(
+      [&] {
+        status = Run(&record, &out);
+        if (out.bits != nullptr) ImgbufDestory(&out);
+      },
+      [&](int32_t) {
+        EXPECT_TRUE(status == OUT_OF_MEMORY || status == -1 || status == STATUS_OK) << status;
+        if (status == OUT_OF_MEMORY) ++exhausted;
+        EXPECT_EQ(imgbuf_.aliveImages(), 0);
+      });
+  EXPECT_GT(exhausted, 4);
+  EXPECT_EQ(status, STATUS_OK);
+}
+
+TEST_F(ImageDeskewCropWithLineTest, LeavesItsRecordsToTheHost) {
+  PageRecords records;
+  settings.pageRecords = &records;
+  const TestDib dib(DrawBarSheet(Sheet(2)));
+  DibRec out{};
+  ASSERT_EQ(Run(dib.rec(), &out), STATUS_OK);
+  EXPECT_EQ(records.stage, PageStage::kCropped);
+  EXPECT_EQ(records.degrees, angle_);
+  EXPECT_EQ(records.threshold, 120);
+  EXPECT_EQ(FieldOf(out, 4), records.turnedContent.right - records.turnedContent.left + 1);
+  EXPECT_NEAR(records.content.right - records.content.left, 700 + 500 * 0.0349, 5);
+  ImgbufDestory(&out);
+  const TestDib plain(testing::DrawPage({}));
+  EXPECT_EQ(Run(plain.rec(), &out), -1);
+  EXPECT_EQ(records.stage, PageStage::kNothing);
+}
+
+}  // namespace
+}  // namespace vorlanepic

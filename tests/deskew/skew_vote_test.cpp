@@ -1,0 +1,246 @@
+#include "deskew/skew_vote.h"
+
+#include <cmath>
+#include <initializer_list>
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "frame/settings.h"
+#include "support/failing_heap.h"
+
+namespace vorlanepic {
+namespace {
+
+using testing::ForEachHeapFailure;
+
+BorderSegment SegmentAt(int32_t x, int32_t y) { return {1, nullptr, 0, x, y}; }
+
+// `count` segments from (x, y) on, each a step further.
+std::vector<BorderSegment> Straight(int32_t count, int32_t x, int32_t y, int32_t stepX,
+                                    int32_t stepY) {
+  std::vector<BorderSegment> segments;
+  for (int32_t i = 0; i < count; ++i) segments.push_back(SegmentAt(x + i * stepX, y + i * stepY));
+  return segments;
+}
+
+double DegreesOf(double slope) { return std::atan(slope) * 57.295780490442965; }
+
+class SkewVoteTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    settings = {};
+    settings.ToLineDistance = 8;
+  }
+  void TearDown() override { settings = {}; }
+};
+
+using FitLineByHalvesTest = SkewVoteTest;
+
+TEST_F(FitLineByHalvesTest, LaysALineThroughTheHalvesMeans) {
+  struct Case {
+    std::vector<EdgePoint> points;
+    BorderLine line;
+  };
+  const Case cases[] = {
+      {{{10, 5}, {10, 9}}, {10.0, 0.0, 90.0, kLineVertical}},
+      {{{3, 7}, {8, 7}}, {7.0, 0.0, 0.0, kLineHorizontal}},
+      // Halves (0, 0) and (10, 5); the line descends: y = 0.5 x.
+      {{{0, 0}, {10, 5}}, {0.0, 0.5, DegreesOf(0.5), kLineGeneral}},
+      {{{0, 9}, {2, 5}}, {9.0, -2.0, DegreesOf(-2.0), kLineGeneral}},
+      // One point against two; (4 + 5) / 2 and (7 + 8) / 2 are cut.
+      {{{0, 3}, {4, 7}, {5, 8}}, {3.0, 1.0, 45.0, kLineGeneral}},
+  };
+  for (const Case& c : cases) {
+    BorderLine line;
+    ASSERT_EQ(FitLineByHalves(&line, c.points), STATUS_OK);
+    EXPECT_EQ(line.kind, c.line.kind);
+    EXPECT_EQ(line.intercept, c.line.intercept);
+    EXPECT_EQ(line.slope, c.line.slope);
+    EXPECT_NEAR(line.angle, c.line.angle, 1e-5);
+  }
+}
+
+TEST_F(FitLineByHalvesTest, RefusesFewPointsAndHalvesThatMeet) {
+  BorderLine line;
+  EXPECT_EQ(FitLineByHalves(&line, {}), BAD_ARGUMENT);
+  EXPECT_EQ(FitLineByHalves(&line, std::vector<EdgePoint>{{1, 2}}), BAD_ARGUMENT);
+  EXPECT_EQ(FitLineByHalves(&line, std::vector<EdgePoint>{{1, 2}, {5, 6}, {5, 6}, {1, 3}}),
+            ANGLE_NOT_FOUND);
+}
+
+using EstimateBorderAngleTest = SkewVoteTest;
+
+// 20 chunks of 5 give 17 directions, all the same; the last of them is only the group's limit, so
+// 16 chunks vote.
+TEST_F(EstimateBorderAngleTest, TakesTheAngleOfAStraightBorder) {
+  struct Case {
+    int32_t stepX;
+    int32_t stepY;
+    double degrees;
+  };
+  for (const Case& c : {Case{10, 1, DegreesOf(0.1)}, Case{0, 2, 90.0}, Case{2, 0, 0.0},
+                        Case{-1, 10, DegreesOf(-10.0)}}) {
+    const auto border = Straight(104, 500, 100, c.stepX, c.stepY);
+    BorderVote vote;
+    ASSERT_EQ(EstimateBorderAngle(border, 5, 2.0, &vote), STATUS_OK);
+    EXPECT_TRUE(vote.hasAngle);
+    EXPECT_NEAR(vote.angle, c.degrees, 1e-9);
+    EXPECT_EQ(vote.votes, 80);
+    EXPECT_EQ(vote.line.angle, vote.angle);
+  }
+}
+
+// Three directions, of which two chunks vote, are the fewest.
+TEST_F(EstimateBorderAngleTest, NeedsSixChunks) {
+  BorderVote vote;
+  EXPECT_EQ(EstimateBorderAngle(Straight(59, 0, 0, 10, 1), 10, 2.0, &vote), ANGLE_NOT_FOUND);
+  EXPECT_FALSE(vote.hasAngle);
+  ASSERT_EQ(EstimateBorderAngle(Straight(60, 0, 0, 10, 1), 10, 2.0, &vote), STATUS_OK);
+  EXPECT_EQ(vote.votes, 20);
+  EXPECT_EQ(EstimateBorderAngle({}, 10, 2.0, &vote), ANGLE_NOT_FOUND);
+  EXPECT_FALSE(vote.hasAngle);
+}
+
+TEST_F(EstimateBorderAngleTest, DropsPointsFarFromTheLine) {
+  auto border = Straight(100, 0, 1000, 2, 0);
+  for (const size_t far : {7U, 33U, 61U}) border[far].meanY = 1100;
+  BorderVote vote;
+  ASSERT_EQ(EstimateBorderAngle(border, 5, 5.0, &vote), STATUS_OK);
+  EXPECT_EQ(vote.angle, 0.0);
+  EXPECT_EQ(vote.line.intercept, 1000.0);
+}
+
+// One point lies 5 off: near enough to be kept (6), not near enough to be an inlier. Its chunk, the
+// ninth, turns the directions 6 and 7 out of the group, and 16 is its limit: 14 chunks are left.
+TEST_F(EstimateBorderAngleTest, AcceptsALineThatWouldBeFittedForEver) {
+  settings.ToLineDistance = 5;
+  auto border = Straight(100, 0, 1000, 2, 0);
+  border[40].meanY = 1005;
+  BorderVote vote;
+  ASSERT_EQ(EstimateBorderAngle(border, 5, 5.0, &vote), STATUS_OK);
+  EXPECT_EQ(vote.angle, 0.0);
+  EXPECT_EQ(vote.votes, 69);
+}
+
+// A zigzag 10 wide: the mean distance 5 is the cut, and nothing is nearer.
+TEST_F(EstimateBorderAngleTest, FailsWhenFewPointsAreLeft) {
+  settings.ToLineDistance = 4;
+  auto border = Straight(100, 0, 0, 0, 3);
+  for (size_t i = 0; i < border.size(); ++i) border[i].meanX = i % 2 == 0 ? 100 : 110;
+  BorderVote vote;
+  EXPECT_EQ(EstimateBorderAngle(border, 10, 2.0, &vote), ANGLE_NOT_FOUND);
+  EXPECT_FALSE(vote.hasAngle);
+  EXPECT_EQ(vote.votes, 0);
+}
+
+TEST_F(EstimateBorderAngleTest, ChecksItsArguments) {
+  const auto border = Straight(100, 0, 0, 10, 1);
+  BorderVote vote;
+  EXPECT_EQ(EstimateBorderAngle(border, 5, 2.0, nullptr), BAD_ARGUMENT);
+  for (const int32_t length : {0, 51, -1, 0x10000}) {
+    EXPECT_EQ(EstimateBorderAngle(border, length, 2.0, &vote), BAD_ARGUMENT) << length;
+  }
+  for (const double angle : {-0.1, 5.1, std::nan("")}) {
+    EXPECT_EQ(EstimateBorderAngle(border, 5, angle, &vote), BAD_ARGUMENT) << angle;
+  }
+  EXPECT_EQ(EstimateBorderAngle(border, 0x10005, 2.0, &vote), STATUS_OK);
+}
+
+TEST_F(EstimateBorderAngleTest, SurvivesCoordinatesWhoseSumsWrap) {
+  auto border = Straight(100, INT32_MAX - 1000, INT32_MAX - 1000, 10, 1);
+  BorderVote vote;
+  const int32_t status = EstimateBorderAngle(border, 5, 2.0, &vote);
+  EXPECT_TRUE(status == STATUS_OK || status == ANGLE_NOT_FOUND);
+}
+
+class EstimateSkewFromBordersTest : public SkewVoteTest {
+ protected:
+  static void Fill(SideTrace* side, const std::vector<BorderSegment>& segments) {
+    ASSERT_TRUE(side->list.segments.Allocate(segments.size()));
+    std::copy(segments.begin(), segments.end(), side->list.segments.span().begin());
+    side->list.segmentCount = static_cast<int32_t>(segments.size());
+  }
+
+  // 100 segments that descend by y in 100 columns.
+  static std::vector<BorderSegment> Level(int32_t y, int32_t count = 100) {
+    return Straight(count, 0, 5000, 100, y);
+  }
+
+  int32_t Vote() { return EstimateSkewFromBorders(traces_, 5, 2.0, votes_, &best_, &degrees_); }
+
+  BorderTraces traces_;
+  BorderVote votes_[4];
+  int32_t best_ = -1;
+  double degrees_ = -1.0;
+};
+
+TEST_F(EstimateSkewFromBordersTest, TakesTheBorderWithTheMostVotes) {
+  Fill(&traces_.left, Straight(100, 900, 0, -2, 100));
+  Fill(&traces_.right, Straight(150, 900, 0, -3, 100));
+  Fill(&traces_.top, Level(4, 150));
+  Fill(&traces_.bottom, Level(5, 120));
+  ASSERT_EQ(Vote(), STATUS_OK);
+  EXPECT_EQ(best_, 1);
+  EXPECT_EQ(votes_[1].votes, votes_[2].votes);
+  EXPECT_NEAR(degrees_, DegreesOf(-100.0 / 3), 1e-9);
+}
+
+TEST_F(EstimateSkewFromBordersTest, PassesFailedBordersOver) {
+  Fill(&traces_.top, Level(4));
+  ASSERT_EQ(Vote(), STATUS_OK);
+  EXPECT_EQ(best_, 2);
+  EXPECT_FALSE(votes_[0].hasAngle);
+  EXPECT_FALSE(votes_[3].hasAngle);
+}
+
+TEST_F(EstimateSkewFromBordersTest, FailsWithoutAnyAngle) {
+  Fill(&traces_.top, Level(4, 20));
+  EXPECT_EQ(Vote(), ANGLE_NOT_FOUND);
+  EXPECT_EQ(best_, -1);
+}
+
+// Slopes of 1, 2, 3 .. in 100 are 0.57, 1.15, 1.72 .. degrees.
+TEST_F(EstimateSkewFromBordersTest, AveragesOppositeBordersThatAgree) {
+  struct Case {
+    int32_t top;
+    int32_t bottom;
+    bool mean;
+  };
+  settings.AngleMode = 1;
+  for (const Case& c : {Case{2, 4, true}, Case{2, 5, false}, Case{-2, -4, true}, Case{-1, 1, false},
+                        Case{0, 2, true}, Case{0, -2, true}, Case{0, 3, false}}) {
+    Fill(&traces_.top, Level(c.top));
+    Fill(&traces_.bottom, Level(c.bottom));
+    ASSERT_EQ(Vote(), STATUS_OK);
+    const double top = DegreesOf(c.top * 0.01);
+    const double bottom = DegreesOf(c.bottom * 0.01);
+    EXPECT_NEAR(degrees_, c.mean ? (top + bottom) / 2 : top, 1e-9) << c.top << ", " << c.bottom;
+  }
+  // A pair of which one border failed, and a mean that nobody asked for.
+  Fill(&traces_.bottom, Level(3, 20));
+  Fill(&traces_.top, Level(2));
+  ASSERT_EQ(Vote(), STATUS_OK);
+  EXPECT_NEAR(degrees_, DegreesOf(0.02), 1e-9);
+  settings.AngleMode = 0;
+  Fill(&traces_.bottom, Level(3));
+  ASSERT_EQ(Vote(), STATUS_OK);
+  EXPECT_NEAR(degrees_, DegreesOf(0.02), 1e-9);
+}
+
+TEST_F(EstimateSkewFromBordersTest, ReportsExhaustedMemory) {
+  Fill(&traces_.left, Straight(100, 900, 0, -2, 100));
+  Fill(&traces_.top, Level(2));
+  int32_t status = STATUS_OK;
+  int32_t failures = 0;
+  ForEachHeapFailure([&] { status = Vote(); },
+                     [&](int32_t) {
+                       ++failures;
+                       EXPECT_EQ(status, OUT_OF_MEMORY);
+                     });
+  EXPECT_GT(failures, 6);
+  EXPECT_EQ(status, STATUS_OK);
+}
+
+}  // namespace
+}  // namespace vorlanepic
