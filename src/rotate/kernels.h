@@ -12,7 +12,7 @@ namespace vorlanepic {
 inline constexpr int32_t kStripColumns = 384;
 // Kernels take no run shorter than this.
 inline constexpr int32_t kShortestRun = 16;
-// Kernels may read this many bytes from a tap on, and as many rows as `rowsOfEight` below it.
+// Kernels may read this many bytes from a tap on, also in each of the `rowsOfEight` rows below it.
 inline constexpr int32_t kReadAhead = 16;
 
 // A run of neighbouring output pixels whose taps all lie in the region. Pixel i of the run lies
@@ -32,7 +32,7 @@ struct PixelRun {
   bool isFallingY;      // whether y does
   int32_t rowsOfEight;  // source rows, at most, by which the y of 8 neighbours differ; at least 1
   int32_t rowsOfFour;   // the same for 4 neighbours
-  ptrdiff_t ahead;      // bytes from a source pixel to the one that a later row will need
+  uintptr_t ahead;      // bytes from a source pixel to the one that a later row needs, mod 2^n
   uint8_t* out;         // first byte of the run; at 1 bit it begins with the run
   int32_t count;        // pixels, at least kShortestRun; a multiple of 8 at 1 bit
 };

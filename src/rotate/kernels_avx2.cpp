@@ -56,7 +56,7 @@ TARGET_AVX2 inline Places PlacesAt(const PixelRun& run, int32_t i) {
 // Later rows find their part of the source in the cache; slanted walks are too much for the
 // machine's own prefetching. The address may lie outside the source.
 inline void FetchAhead(const PixelRun& run, const uint8_t* pixel) {
-  const auto address = reinterpret_cast<uintptr_t>(pixel) + static_cast<uintptr_t>(run.ahead);
+  const auto address = reinterpret_cast<uintptr_t>(pixel) + run.ahead;
   _mm_prefetch(reinterpret_cast<const char*>(address), _MM_HINT_T0);
 }
 
@@ -416,14 +416,26 @@ TARGET_AVX2 inline void ColourBicubic8(const PixelRun& run, int32_t i) {
                                    _mm256_packs_epi32(values[2], values[3])));
 }
 
-// Whole blocks of a run, and a last one that ends with it and may repeat pixels. Works on a copy,
-// which no store to the output can change.
+// Whole blocks of a run, and a last one that ends with it and may repeat pixels.
+template <int kBlock, void (*kPixels)(const PixelRun&, int32_t)>
+TARGET_AVX2 inline void RunBlocks(const PixelRun& run) {
+  int32_t i = 0;
+  for (; i + kBlock <= run.count; i += kBlock) kPixels(run, i);
+  if (i < run.count) kPixels(run, run.count - kBlock);
+}
+
+// Works on a copy, which no store to the output can change. Most pages lie so straight that
+// neighbours differ by one row at most: with that known, no loop over rows is left.
 template <int kBlock, void (*kPixels)(const PixelRun&, int32_t)>
 TARGET_AVX2 void InBlocks(const PixelRun& run) {
-  const PixelRun own = run;
-  int32_t i = 0;
-  for (; i + kBlock <= own.count; i += kBlock) kPixels(own, i);
-  if (i < own.count) kPixels(own, own.count - kBlock);
+  PixelRun own = run;
+  if (run.rowsOfEight == 1) {
+    own.rowsOfEight = 1;
+    own.rowsOfFour = 1;
+    RunBlocks<kBlock, kPixels>(own);
+  } else {
+    RunBlocks<kBlock, kPixels>(own);
+  }
 }
 
 }  // namespace

@@ -54,8 +54,7 @@ struct Offsets {
     _mm_store_si128(reinterpret_cast<__m128i*>(column), places.column);
     _mm_store_si128(reinterpret_cast<__m128i*>(row), places.row);
     // Later rows find their part of the source in the cache. The address may lie outside it.
-    const auto address =
-        reinterpret_cast<uintptr_t>(run.origin + Of(run, 0)) + static_cast<uintptr_t>(run.ahead);
+    const auto address = reinterpret_cast<uintptr_t>(run.origin + Of(run, 0)) + run.ahead;
     _mm_prefetch(reinterpret_cast<const char*>(address), _MM_HINT_T0);
   }
   ptrdiff_t Of(const PixelRun& run, size_t k) const {
@@ -67,8 +66,9 @@ template <int kBytes>
 TARGET_SSE2 inline void Nearest8(const PixelRun& run, int32_t i) {
   const Offsets<kBytes> offsets(run, PlacesAt(run, i));
   uint8_t* out = run.out + ptrdiff_t{i} * kBytes;
-  for (size_t k = 0; k < 8; ++k)
+  for (size_t k = 0; k < 8; ++k) {
     std::memcpy(out + k * kBytes, run.origin + offsets.Of(run, k), kBytes);
+  }
 }
 
 TARGET_SSE2 inline void BitNearest8(const PixelRun& run, int32_t i) {

@@ -67,8 +67,9 @@ void FillPixels(const RotateJob& job, uint8_t* row, int32_t first, int32_t last)
       }
       break;
     case 8:
-      if (first <= last)
+      if (first <= last) {
         std::memset(row + first, job.fill[0], static_cast<size_t>(last - first) + 1);
+      }
       break;
     default:
       for (int32_t x = first; x <= last; ++x) {

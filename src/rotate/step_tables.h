@@ -15,10 +15,15 @@ class StepTables {
   // memory.
   [[nodiscard]] bool Build(double angle, size_t size);
 
-  int32_t Cos(int32_t k) const { return cos_[static_cast<size_t>(k + most_)]; }
-  int32_t Sin(int32_t k) const { return sin_[static_cast<size_t>(k + most_)]; }
+  int32_t Cos(int32_t k) const { return cos_[IndexOf(k)]; }
+  int32_t Sin(int32_t k) const { return sin_[IndexOf(k)]; }
 
  private:
+  size_t IndexOf(int32_t k) const {
+    const int32_t index = k + most_;
+    return static_cast<size_t>(index);
+  }
+
   int32_t most_ = 0;  // the largest k
   ScratchArray<int32_t> cos_;
   ScratchArray<int32_t> sin_;

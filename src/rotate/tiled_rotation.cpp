@@ -22,6 +22,12 @@ constexpr int32_t kMostSteps = 10'000'000;
 // a / b cut downward, b > 0.
 int32_t FloorDivide(int32_t a, int32_t b) { return a / b - (a % b < 0 ? 1 : 0); }
 
+// The byte of a row that holds pixel x, or its first one.
+size_t ByteOf(const PixelRule& rule, int32_t x) {
+  const auto pixels = static_cast<size_t>(x);
+  return rule.bitsPerPixel == 1 ? pixels / 8 : pixels * static_cast<size_t>(rule.bitsPerPixel / 8);
+}
+
 // The first of first..last whose offset has another sign than that of `first`; last + 1 when there
 // is none. offsetOf is monotone.
 template <typename OffsetOf>
@@ -109,8 +115,8 @@ bool TiledRotation::Suits(const RotateJob& job) {
   if (std::max(job.halfWidth(), job.halfHeight()) > kMostSteps) return false;
   const ImageRec& source = job.source;
   for (int32_t y = 0; y < source.height; ++y) {
-    if (source.rows[y] != source.pixels + static_cast<ptrdiff_t>(y) * source.lineBytes)
-      return false;
+    const uint8_t* row = source.pixels + static_cast<ptrdiff_t>(y) * source.lineBytes;
+    if (source.rows[y] != row) return false;
   }
   return true;
 }
@@ -123,8 +129,11 @@ TiledRotation::TiledRotation(const RotateJob& job)
   // behind a whole pixel.
   rowsOfEight_ = std::max(1, (std::abs(job.steps.Sin(7)) + 101) / 100);
   rowsOfFour_ = std::max(1, (std::abs(job.steps.Sin(3)) + 101) / 100);
-  ahead_ = ptrdiff_t{job.steps.Cos(10) * kRowsAhead / 1000} * job.source.lineBytes +
-           ptrdiff_t{job.steps.Sin(10) * kRowsAhead / 1000} * job.source.bitsPerPixel / 8;
+  // Unsigned, since what lies ahead may lie outside the source and its addresses.
+  const int32_t rows = job.steps.Cos(10) * kRowsAhead / 1000;
+  const int32_t bits = job.steps.Sin(10) * kRowsAhead / 1000 * job.source.bitsPerPixel;
+  ahead_ = static_cast<uintptr_t>(rows) * static_cast<uintptr_t>(job.source.lineBytes) +
+           static_cast<uintptr_t>(bits / 8);
   // Whole rows below the last tap, so that reading on stays in the pixel block.
   const int32_t lineBytes = job.source.lineBytes;
   const int32_t rowsBehind = rowsOfEight_ + (kReadAhead + lineBytes - 1) / lineBytes;
@@ -271,14 +280,13 @@ void TiledRotation::RunKernelOn(int32_t y, int32_t first, int32_t last) const {
   const int32_t raiseY = firstY < 0 ? rule_.negativeRaise : 0;
   const int32_t columnsOff = FloorDivide(std::min(firstX, lastX) + raiseX, 100);
   const int32_t rowsOff = FloorDivide(std::min(firstY, lastY) + raiseY, 100);
-  const auto column = static_cast<size_t>(job_.turn.centerX + columnsOff);
-  const auto row = static_cast<size_t>(job_.turn.centerY + rowsOff);
-  const auto bits = static_cast<size_t>(rule_.bitsPerPixel);
+  const int32_t column = job_.turn.centerX + columnsOff;
+  const int32_t row = job_.turn.centerY + rowsOff;
 
   PixelRun run{};
   const auto x = static_cast<size_t>(first);
-  run.origin = job_.source.rows[row] + column * bits / 8;
-  run.originBit = rule_.bitsPerPixel == 1 ? static_cast<int32_t>(column % 8) : 0;
+  run.origin = job_.source.rows[row] + ByteOf(rule_, column);
+  run.originBit = rule_.bitsPerPixel == 1 ? column % 8 : 0;
   run.sourceLine = job_.source.lineBytes;
   run.stepX = &stepX_[x];
   run.stepY = &stepY_[x];
@@ -289,7 +297,7 @@ void TiledRotation::RunKernelOn(int32_t y, int32_t first, int32_t last) const {
   run.rowsOfEight = rowsOfEight_;
   run.rowsOfFour = rowsOfFour_;
   run.ahead = ahead_;
-  run.out = job_.target.rows[y] + x * bits / 8;
+  run.out = job_.target.rows[y] + ByteOf(rule_, first);
   run.count = last - first + 1;
   kernel_(run);
 }

@@ -68,7 +68,7 @@ class TiledRotation {
   const RunKernel kernel_;
   int32_t rowsOfEight_;
   int32_t rowsOfFour_;
-  ptrdiff_t ahead_;      // bytes from a source pixel to the one some output rows below it
+  uintptr_t ahead_;      // bytes from a source pixel to the one some output rows below it
   int32_t lastSafeRow_;  // of the source, for a tap of a kernel
   RegionIndex index_;
   ScratchArray<uint16_t> stepX_;  // low 16 bits of each output column's part in the offsets
