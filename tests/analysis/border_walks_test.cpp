@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <random>
 #include <string>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -29,22 +30,18 @@ TestImage TightImage(int32_t width, int32_t height, int32_t depth) {
   return TestImage(width, height, depth, (width * depth + 7) / 8 - padded);
 }
 
-// Bytes drawn one by one at 8 and 24 bits, bits at 1 bit; `share` of them light.
+// Bytes drawn one by one, bits at 1 bit; `share` of them light.
 void FillWithNoise(TestImage* image, double share, uint32_t seed) {
   std::mt19937 random(seed);
   std::bernoulli_distribution isLight(share);
   std::uniform_int_distribution<int32_t> level(0, 127);
   const ImageRec& rec = *image->rec();
   for (int32_t i = 0; i < rec.imageBytes; ++i) {
-    uint8_t byte = 0;
-    if (rec.bitsPerPixel == 1) {
-      for (int32_t bit = 0; bit < 8; ++bit) {
-        byte = static_cast<uint8_t>(byte << 1 | isLight(random));
-      }
-    } else {
-      byte = static_cast<uint8_t>(level(random) + (isLight(random) ? 128 : 0));
+    int32_t byte = level(random) + (isLight(random) ? 128 : 0);
+    for (int32_t bit = 0; rec.bitsPerPixel == 1 && bit < 8; ++bit) {
+      byte = byte << 1 | isLight(random);
     }
-    rec.pixels[i] = byte;
+    rec.pixels[i] = static_cast<uint8_t>(byte);
   }
 }
 
@@ -75,10 +72,8 @@ std::vector<TestImage> Images(int32_t width, int32_t height, int32_t depth) {
 constexpr GreyBand kBands[] = {{128, 255}, {30, 48}, {255, 255}};
 
 std::string Describe(const ImageRec& rec, int32_t run, const ScanBand& band) {
-  return std::to_string(rec.width) + " x " + std::to_string(rec.height) + ", run " +
-         std::to_string(run) + ", columns " + std::to_string(band.left) + ".." +
-         std::to_string(band.right) + ", rows " + std::to_string(band.top) + ".." +
-         std::to_string(band.bottom);
+  return ::testing::PrintToString(std::make_tuple(rec.width, rec.height, run)) + " in " +
+         ::testing::PrintToString(std::make_tuple(band.left, band.right, band.top, band.bottom));
 }
 
 template <typename Pixel>
@@ -110,14 +105,7 @@ class BorderWalksTest : public ::testing::Test {
 };
 
 using Depths = ::testing::Types<Bit1, Grey8, Colour24>;
-class DepthNames {
- public:
-  template <typename Pixel>
-  static std::string GetName(int) {
-    return std::to_string(kDepth<Pixel>) + "bit";
-  }
-};
-TYPED_TEST_SUITE(BorderWalksTest, Depths, DepthNames);
+TYPED_TEST_SUITE(BorderWalksTest, Depths);
 
 TYPED_TEST(BorderWalksTest, RowsMeetTheBorderWhereThePlainWalksDo) {
   for (const int32_t width : {1, 2, 9, 16, 63, 64, 65, 72, 100, 127, 128, 129, 200, 331}) {
@@ -149,45 +137,40 @@ TYPED_TEST(BorderWalksTest, ColumnsMeetTheBorderWhereThePlainWalksDo) {
   }
 }
 
-struct BitWalkCase {
-  const char* name;
-  std::vector<uint8_t> bytes;
-  int32_t width;
-  int32_t run;
-  int32_t left;
-  int32_t right;
-};
-
-class BitWalkTest : public ::testing::TestWithParam<BitWalkCase> {};
-
-TEST_P(BitWalkTest, StepsOverZeroBytesAndStopsBehindARun) {
-  const BitWalkCase& walk = GetParam();
-  const ScanBand band{0, walk.width - 1, 0, 0};
-  EXPECT_EQ(PlainWalkFromLeft<Bit1>(walk.bytes.data(), band, {}, walk.run), walk.left);
-  EXPECT_EQ(WalkFromLeft<Bit1>(walk.bytes.data(), band, {}, walk.run), walk.left);
-  EXPECT_EQ(PlainWalkFromRight<Bit1>(walk.bytes.data(), band, {}, walk.run), walk.right);
-  EXPECT_EQ(WalkFromRight<Bit1>(walk.bytes.data(), band, {}, walk.run), walk.right);
+// Comments: rounds as they are met from the left | from the right.
+TEST(BitWalks, StepOverZeroBytesAndStopBehindARun) {
+  struct Case {
+    std::vector<uint8_t> bytes;
+    int32_t width;
+    int32_t run;
+    int32_t left;
+    int32_t right;
+  };
+  const Case cases[] = {
+      // (0, 8) (16, 17) | (23, 22) (21, 20) (19, 18)
+      {{0x00, 0x00, 0xF0}, 24, 2, 18, 17},
+      // (0, 1) (2, 3) (4, 5) ... never 3 and 4 in one round | (7, 6) (5, 4) (3, 2) ...
+      {{0x18}, 8, 2, kNoBorder, kNoBorder},
+      // (0, 8) (9, 10) (11, 12): the zero byte has moved the rounds to odd pixels | (15, 14) ...
+      {{0x00, 0x18}, 16, 2, 13, kNoBorder},
+      // (0, 1, 2) (3, 4, 5) (6, 7, 8) (16, 17, 18) | (23, 22, 21)
+      {{0x01, 0x00, 0xFF}, 24, 3, 19, 20},
+      // (0) | (10) (2): from the third pixel of a byte to the third of the next
+      {{0xFF, 0x00}, 11, 1, 1, 1},
+      // (0) | (10) (9) (8) (7): padding counts for the zero test
+      {{0xFF, 0x1F}, 11, 1, 1, 6},
+      // (0, 1) | (1, 0): the points are the columns outside the image
+      {{0xFF}, 2, 2, 2, -1},
+  };
+  for (const auto& [bytes, width, run, left, right] : cases) {
+    const ScanBand band{0, width - 1, 0, 0};
+    SCOPED_TRACE(::testing::PrintToString(bytes));
+    EXPECT_EQ(PlainWalkFromLeft<Bit1>(bytes.data(), band, {}, run), left);
+    EXPECT_EQ(WalkFromLeft<Bit1>(bytes.data(), band, {}, run), left);
+    EXPECT_EQ(PlainWalkFromRight<Bit1>(bytes.data(), band, {}, run), right);
+    EXPECT_EQ(WalkFromRight<Bit1>(bytes.data(), band, {}, run), right);
+  }
 }
-
-// Rounds as they are met from the left | from the right.
-INSTANTIATE_TEST_SUITE_P(
-    Rows, BitWalkTest,
-    ::testing::Values(
-        // (0, 8) (16, 17) | (23, 22) (21, 20) (19, 18)
-        BitWalkCase{"RunAtTheStartOfAByte", {0x00, 0x00, 0xF0}, 24, 2, 18, 17},
-        // (0, 1) (2, 3) (4, 5) ... never 3 and 4 in one round | (7, 6) (5, 4) (3, 2) ...
-        BitWalkCase{"RunAcrossTwoRounds", {0x18}, 8, 2, kNoBorder, kNoBorder},
-        // (0, 8) (9, 10) (11, 12): the zero byte has moved the rounds to odd pixels | (15, 14) ...
-        BitWalkCase{"OneZeroByteShiftsTheRounds", {0x00, 0x18}, 16, 2, 13, kNoBorder},
-        // (0, 1, 2) (3, 4, 5) (6, 7, 8) (16, 17, 18) | (23, 22, 21)
-        BitWalkCase{"ZeroByteInsideARound", {0x01, 0x00, 0xFF}, 24, 3, 19, 20},
-        // (0) | (10) (2): from the third pixel of a byte to the third of the next
-        BitWalkCase{"StepFromTheMiddleOfAZeroByte", {0xFF, 0x00}, 11, 1, 1, 1},
-        // (0) | (10) (9) (8) (7)
-        BitWalkCase{"PaddingCountsForTheZeroTest", {0xFF, 0x1F}, 11, 1, 1, 6},
-        // (0, 1) | (1, 0): the points are the columns outside the image
-        BitWalkCase{"RunsToBothEnds", {0xFF}, 2, 2, 2, -1}),
-    [](const auto& walk) { return std::string(walk.param.name); });
 
 }  // namespace
 }  // namespace vorlanepic

@@ -14,19 +14,13 @@ TEST(StepTables, HoldRunningSumsInHundredthsCutTowardZero) {
   StepTables steps;
   ASSERT_TRUE(steps.Build(0.1, 12));
   const int32_t cosines[] = {0, 99, 199, 298};
-  const int32_t sines[] = {0, 9, 19, 29, 39, 49};
+  const int32_t sines[] = {0, 9, 19, 29};
   for (int32_t k = 0; k < 4; ++k) {
     EXPECT_EQ(steps.Cos(k), cosines[k]);
     EXPECT_EQ(steps.Cos(-k), -cosines[k]);
-  }
-  for (int32_t k = 0; k < 6; ++k) {
     EXPECT_EQ(steps.Sin(k), sines[k]);
     EXPECT_EQ(steps.Sin(-k), -sines[k]);
   }
-}
-
-TEST(StepTables, AQuarterTurnHasNoCosine) {
-  StepTables steps;
   ASSERT_TRUE(steps.Build(std::acos(0.0), 1000));
   EXPECT_EQ(steps.Cos(999), 0);
   EXPECT_EQ(steps.Sin(999), 99900);
