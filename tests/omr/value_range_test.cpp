@@ -28,19 +28,5 @@ TEST(ValueRangeTest, FindsTheExtremesOfAnyLengthWithoutReadingFurther) {
   }
 }
 
-TEST(ValueRangeTest, TakesInOtherRanges) {
-  const uint8_t dark[] = {7, 9};
-  const uint8_t light[] = {200};
-  ValueRange range;
-  ValueRange other;
-  Empty(&range);
-  Empty(&other);
-  Widen(&range, dark, 2, 2);
-  Widen(&other, light, 1, 1);
-  Widen(&range, other);
-  EXPECT_EQ(Smallest(range), 7);
-  EXPECT_EQ(Largest(range), 200);
-}
-
 }  // namespace
 }  // namespace vorlanepic
