@@ -1,5 +1,6 @@
 #include "deskew/skew_vote.h"
 
+#include <algorithm>
 #include <cmath>
 #include <vector>
 
