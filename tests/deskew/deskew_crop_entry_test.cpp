@@ -1,4 +1,5 @@
 #include <algorithm>
+#include <cmath>
 
 #include <gtest/gtest.h>
 
@@ -8,7 +9,6 @@
 #include "support/failing_heap.h"
 #include "support/failing_imgbuf.h"
 #include "support/page_drawing.h"
-#include "support/profile_file.h"
 #include "vorlanepic/vorlanepic.h"
 
 namespace vorlanepic {
@@ -17,7 +17,6 @@ namespace {
 using testing::DrawPage;
 using testing::FailingImgbuf;
 using testing::ForEachHeapFailure;
-using testing::ProfileOnDisk;
 using testing::SameRows;
 using testing::TestDib;
 using testing::TestImage;
@@ -52,15 +51,18 @@ class DeskewEntryTest : public ::testing::Test {
 };
 
 TEST_F(DeskewEntryTest, EveryMethodStraightensThePage) {
-  const TestImage page = DrawPage({.degrees = 5});
-  for (const int32_t method : {1, 2, 3, 7}) {
-    ImageRec out{};
-    ASSERT_EQ(RunEx(page, ForMethod(method), &out), STATUS_OK) << method;
-    EXPECT_NEAR(out.width, 280, 5);
-    EXPECT_NEAR(out.height, 360, 5);
-    const bool inRadians = method == 1 || method == 3;
-    EXPECT_NEAR(inRadians ? angle_ * 57.29578 : angle_, 355.0, 0.3) << method;
-    Imgbuf_Destory(&out);
+  for (const double degrees : {-12.0, -3.0, 0.0, 5.0}) {
+    const TestImage page = DrawPage({.degrees = degrees});
+    for (const int32_t method : {1, 2, 3, 7}) {
+      ImageRec out{};
+      ASSERT_EQ(RunEx(page, ForMethod(method), &out), STATUS_OK) << method;
+      EXPECT_NEAR(out.width, 280, 5);
+      EXPECT_NEAR(out.height, 360, 5);
+      const bool inRadians = method == 1 || method == 3;
+      const double turn = inRadians ? angle_ * 57.29578 : angle_;  // back: 360 - degrees clockwise
+      EXPECT_NEAR(std::remainder(turn + degrees, 360.0), 0.0, 0.4) << method << ", " << degrees;
+      Imgbuf_Destory(&out);
+    }
   }
 }
 
@@ -74,22 +76,6 @@ TEST_F(DeskewEntryTest, ACountOutOfRangeLeavesTheSettingsAndASettingOutOfRangeIs
   EXPECT_EQ(RunEx(page, param, &out, 4), BAD_ARGUMENT);
   EXPECT_EQ(settings.ImageNum, 4);
   EXPECT_EQ(settings.SegmentLen, 51);
-}
-
-// The profile decides, whatever the record says: DeskewMethod 1 gives radians.
-TEST_F(DeskewEntryTest, TakesMethodAndSettingsFromTheProfile) {
-  const ProfileOnDisk file("[ImageDeskew]\nDeskewMethod=1\n[ImageDeskew1]\nToLineMixDis=9\n");
-  const TestImage page = DrawPage({.degrees = 5});
-  DeskewCropParam param = ForMethod(2);
-  param.profilePath = file.path();
-  param.useProfile = 1;
-  ImageRec out{};
-  ASSERT_EQ(RunEx(page, param, &out), STATUS_OK);
-  EXPECT_NEAR(angle_, 355.0 / 57.29578, 0.01);
-  EXPECT_EQ(settings.ToLineMixDis, 9);
-  Imgbuf_Destory(&out);
-  param.profilePath = nullptr;
-  EXPECT_EQ(RunEx(page, param, &out), BAD_ARGUMENT);
 }
 
 // A page of which no row has more than 85 light pixels is none for method 1. Method 2 asks for two
@@ -106,19 +92,24 @@ TEST_F(DeskewEntryTest, MethodTwoSeesTheBorderMethodOfTheCallBefore) {
   Imgbuf_Destory(&out);
 }
 
-TEST_F(DeskewEntryTest, TurnsSetsAlike) {
+TEST_F(DeskewEntryTest, TurnsSetsByTheirFirstImage) {
   const TestImage first = DrawPage({.degrees = 3});
   const TestImage second = DrawPage({.degrees = -8});
-  const ImageRec images[2] = {*first.rec(), *second.rec()};
+  const TestImage colour = DrawPage({.bitsPerPixel = 24, .degrees = 3});
+  const ImageRec images[] = {*first.rec(), *second.rec(), *colour.rec()};
   for (const int32_t method : {1, 2, 3}) {
-    ImageRec out[2] = {};
+    const size_t count = method == 2 ? 3 : 2;  // depths are mixed by method 2 only
+    ImageRec out[3] = {};
     ASSERT_EQ(ImageDeskewCropEx(images, INTERP_NEAREST, 120, 0, 0, kFill, &angle_, out,
-                                ForMethod(method), 2),
+                                ForMethod(method), static_cast<int32_t>(count)),
               STATUS_OK);
-    EXPECT_EQ(out[0].width, out[1].width);
-    EXPECT_EQ(out[0].height, out[1].height);
     EXPECT_EQ(settings.ImageNum, method == 2 ? 1 : 2);
-    for (ImageRec& image : out) Imgbuf_Destory(&image);
+    for (size_t i = 0; i < count; ++i) {
+      EXPECT_EQ(out[i].bitsPerPixel, images[i].bitsPerPixel);
+      EXPECT_EQ(out[i].width, out[0].width);
+      EXPECT_EQ(out[i].height, out[0].height);
+    }
+    for (size_t i = 0; i < count; ++i) Imgbuf_Destory(&out[i]);
   }
 }
 
@@ -164,15 +155,14 @@ TEST_F(DeskewEntryTest, PassesTheImageLibrarysCodesOn) {
 TEST_F(DeskewEntryTest, ALaterImageThatCannotBeUsedFailsTheSet) {
   const TestDib first(DrawPage({.degrees = 3}));
   for (const int32_t method : {1, 2}) {
-    for (int32_t spoil = 0; spoil < 4; ++spoil) {
+    for (int32_t spoil = 0; spoil < 3; ++spoil) {
       TestDib second(DrawPage({.degrees = 3}));
-      if (spoil == 1) second.rec()->infoHeader = nullptr;
-      if (spoil == 2) second.rec()->bits = nullptr;
-      if (spoil == 3) second.SetField(8, -500);
-      const DibRec images[2] = {*first.rec(), spoil == 0 ? DibRec{} : *second.rec()};
+      if (spoil == 0) second.rec()->infoHeader = nullptr;
+      if (spoil == 1) second.rec()->bits = nullptr;
+      if (spoil == 2) second.SetField(8, -500);
+      const DibRec images[2] = {*first.rec(), *second.rec()};
       DibRec out[2] = {};
       EXPECT_EQ(RunDib(images, ForMethod(method), out, 2), BAD_ARGUMENT) << spoil;
-      EXPECT_EQ(out[0].bits, nullptr);
       EXPECT_EQ(imgbuf_.aliveImages(), 0);
     }
   }

@@ -1,11 +1,8 @@
 #include "deskew/deskew_settings.h"
 
 #include <cmath>
-#include <fstream>
 #include <string>
-#include <vector>
 
-#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
 #include "frame/settings.h"
@@ -156,24 +153,6 @@ TEST_F(DeskewSettingsTest, TheLineGuidedServiceChecksNothing) {
   EXPECT_EQ(settings.CropPixelNum, 0);
   AssignLineGuidedSettings(FromProfile("no/such/file.ini"));
   EXPECT_EQ(settings.CropPixelNum, 200);
-}
-
-// The sample that ships with the project shows every key, at its default.
-TEST_F(DeskewSettingsTest, TheSampleProfileHoldsEveryKeyAtItsDefault) {
-  std::ifstream file(VORLANEPIC_SAMPLE_PROFILE);
-  std::vector<std::string> lines;
-  for (std::string line; std::getline(file, line);) {
-    if (!line.empty() && line[0] != '#') lines.push_back(line);
-  }
-  EXPECT_THAT(lines,
-              ::testing::ElementsAre(
-                  "[ImageDeskew]", "DeskewMethod = 2", "[ImageDeskew1]", "SearchBorderPixelNum = 2",
-                  "ToLineMixDis = 5", "ToLineDistance = 8", "parallel = 3.5", "perpendicular = 2",
-                  "[ImageDeskew2]", "SearchBorderPixelNum = 2", "SegmentLen = 10",
-                  "SearchLimitNum = 3", "PixelNum = 5", "ToLineDistance = 8", "CropPixelNum = 8",
-                  "CropPixelFlag = 0", "AngleMode = 0", "GroupAngle = 2", "[ImageDeskewLine]",
-                  "SearchLimitNum = 3", "PixelNum = 5", "CropPixelNum = 200", "LineMixLength = 500",
-                  "LineMinThickness = 4", "LineMaxThickness = 20"));
 }
 
 }  // namespace

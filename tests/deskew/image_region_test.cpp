@@ -7,7 +7,6 @@
 
 #include "frame/scratch.h"
 #include "frame/settings.h"
-#include "support/failing_heap.h"
 #include "support/failing_imgbuf.h"
 #include "support/page_drawing.h"
 
@@ -15,7 +14,6 @@ namespace vorlanepic {
 namespace {
 
 using testing::FailingImgbuf;
-using testing::ForEachHeapFailure;
 using testing::TestImage;
 
 TestImage MakeNoise(int32_t width, int32_t height, int32_t bitsPerPixel) {
@@ -130,33 +128,16 @@ TEST_F(RotateImageRegionTest, TurnsAboutTheRegionsCentre) {
   EXPECT_EQ(level.rec()->rows[3][0], 7);
 }
 
-TEST_F(RotateImageRegionTest, RefusesWhatItCannotTurnAndReportsExhaustedMemory) {
-  const FailingImgbuf imgbuf;
+TEST_F(RotateImageRegionTest, RefusesWhatItCannotTurn) {
   const TestImage image(20, 20, 8);
-  int32_t status = STATUS_OK;
-  const auto turn = [&](const ImageRegion& region) {
-    ScratchImage turned;
-    status = RotateImageRegion(image.rec(), turned.rec(), kFill, region, 1.0, INTERP_NEAREST);
-    return status;
-  };
   for (const ImageRegion& region :
        {ImageRegion{0, 5, 10, 1}, ImageRegion{0, 0, 0, 10}, ImageRegion{-1, 0, 10, 10},
         ImageRegion{0, -1, 10, 10}, ImageRegion{0, 15, 10, 6}, ImageRegion{25, 0, 10, 10},
         ImageRegion{0, 5, 10, INT32_MAX}, ImageRegion{5, 0, INT32_MAX, 10}}) {
-    EXPECT_EQ(turn(region), BAD_ARGUMENT);
+    ScratchImage turned;
+    EXPECT_EQ(RotateImageRegion(image.rec(), turned.rec(), kFill, region, 1.0, INTERP_NEAREST),
+              BAD_ARGUMENT);
   }
-  int32_t failures = 0;
-  ForEachHeapFailure(
-      [&] {
-        turn({2, 2, 10, 10});
-      },
-      [&](int32_t) {
-        ++failures;
-        EXPECT_EQ(status, OUT_OF_MEMORY);
-        EXPECT_EQ(imgbuf.aliveImages(), 0);
-      });
-  EXPECT_GT(failures, 0);
-  EXPECT_EQ(status, STATUS_OK);
 }
 
 }  // namespace

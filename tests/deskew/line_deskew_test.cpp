@@ -1,5 +1,3 @@
-#include <cstring>
-
 #include <gtest/gtest.h>
 
 #include "deskew/page_records.h"
@@ -14,6 +12,7 @@
 namespace vorlanepic {
 namespace {
 
+using testing::DibField;
 using testing::DrawBarSheet;
 using testing::FailingImgbuf;
 using testing::ForEachHeapFailure;
@@ -53,23 +52,17 @@ class ImageDeskewCropWithLineTest : public ::testing::Test {
   double angle_ = -1.0;
 };
 
-int32_t FieldOf(const DibRec& dib, int32_t offset) {
-  int32_t value = 0;
-  std::memcpy(&value, dib.infoHeader + offset, sizeof value);
-  return value;
-}
-
 // The angle is taken top row first and the turn is made in memory order, bottom row first, where
 // the sheet leans the other way: the turn that the bar asks for makes it upright.
 TEST_F(ImageDeskewCropWithLineTest, StraightensAFormByItsBar) {
   for (const int32_t depth : {1, 8, 24}) {
-    for (const double degrees : {-3.0, 0.0, 2.0}) {
+    for (const double degrees : {-3.0, 2.0}) {
       const TestDib dib(DrawBarSheet(Sheet(degrees, depth)));
       DibRec out{};
       ASSERT_EQ(Run(dib.rec(), &out), STATUS_OK) << depth << " bits, " << degrees;
       EXPECT_NEAR(angle_, degrees, 0.15);
-      EXPECT_NEAR(FieldOf(out, 4), 700, 5);
-      EXPECT_NEAR(FieldOf(out, 8), 500, 5);
+      EXPECT_NEAR(DibField(out, 4), 700, 5);
+      EXPECT_NEAR(DibField(out, 8), 500, 5);
       ImgbufDestory(&out);
     }
   }
@@ -130,8 +123,8 @@ TEST_F(ImageDeskewCropWithLineTest, TurnsASetByTheFirstOnesBar) {
   const DibRec images[2] = {*first.rec(), *second.rec()};
   DibRec out[2] = {};
   ASSERT_EQ(Run(images, out, kParam, 2), STATUS_OK);
-  EXPECT_EQ(FieldOf(out[0], 4), FieldOf(out[1], 4));
-  EXPECT_EQ(FieldOf(out[0], 8), FieldOf(out[1], 8));
+  EXPECT_EQ(DibField(out[0], 4), DibField(out[1], 4));
+  EXPECT_EQ(DibField(out[0], 8), DibField(out[1], 8));
   for (DibRec& image : out) ImgbufDestory(&image);
   EXPECT_EQ(imgbuf_.aliveImages(), 0);
 }

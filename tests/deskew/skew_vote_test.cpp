@@ -1,18 +1,15 @@
 #include "deskew/skew_vote.h"
 
+#include <algorithm>
 #include <cmath>
-#include <initializer_list>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "frame/settings.h"
-#include "support/failing_heap.h"
 
 namespace vorlanepic {
 namespace {
-
-using testing::ForEachHeapFailure;
 
 BorderSegment SegmentAt(int32_t x, int32_t y) { return {1, nullptr, 0, x, y}; }
 
@@ -192,20 +189,6 @@ TEST_F(EstimateSkewFromBordersTest, AveragesOppositeBordersThatAgree) {
   Fill(&traces_.top, Level(2));
   ASSERT_EQ(Vote(), STATUS_OK);
   EXPECT_NEAR(degrees_, DegreesOf(0.02), 1e-9);
-}
-
-TEST_F(EstimateSkewFromBordersTest, ReportsExhaustedMemory) {
-  Fill(&traces_.left, Straight(100, 900, 0, -2, 100));
-  Fill(&traces_.top, Level(2));
-  int32_t status = STATUS_OK;
-  int32_t failures = 0;
-  ForEachHeapFailure([&] { status = Vote(); },
-                     [&](int32_t) {
-                       ++failures;
-                       EXPECT_EQ(status, OUT_OF_MEMORY);
-                     });
-  EXPECT_GT(failures, 6);
-  EXPECT_EQ(status, STATUS_OK);
 }
 
 }  // namespace

@@ -114,6 +114,7 @@ TEST(BlockMarkingTest, CoordinatesBeyond16BitsAreCutAndSumsWrap) {
   EXPECT_EQ(set[0].right, 69999);
   EXPECT_EQ(set[0].points[65535].x, 65535);
   EXPECT_EQ(set[0].points[65536].x, 0);
+  EXPECT_EQ(set[0].points[65536].y, 0);
 }
 
 void ExpectSame(TestSet& set, const PlainSet& plain) {

@@ -1,6 +1,5 @@
 #include "omr/edge_fitting.h"
 
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <limits>

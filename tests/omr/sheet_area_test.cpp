@@ -1,7 +1,6 @@
 #include "omr/sheet_area.h"
 
 #include <cstdint>
-#include <vector>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
