@@ -10,7 +10,6 @@
 
 #include "analysis/border_drawing.h"
 #include "support/failing_heap.h"
-#include "support/failing_imgbuf.h"
 
 namespace vorlanepic {
 namespace {
@@ -252,9 +251,6 @@ TEST_F(SolveCornersTest, MakesOppositeEdgesParallel) {
 TEST_F(SolveCornersTest, RefusesWhatItCannotSolve) {
   EXPECT_EQ(SolveCorners(image_.rec(), 0, &extremes_, 1, nullptr, &geometry_), BAD_ARGUMENT);
   EXPECT_EQ(SolveCorners(image_.rec(), 0, &extremes_, 1, &edges_, nullptr), BAD_ARGUMENT);
-  testing::FailingImgbuf imgbuf;
-  imgbuf.FailCheck(0, 77);
-  EXPECT_EQ(Solve(), 77);
   const testing::FailingHeap heap(0);
   EXPECT_EQ(Solve(), OUT_OF_MEMORY);
   EXPECT_EQ(geometry_.outWidth, 100);  // written before the spans

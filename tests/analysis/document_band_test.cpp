@@ -2,7 +2,6 @@
 
 #include "analysis/border_drawing.h"
 #include "analysis/border_scan.h"
-#include "support/failing_imgbuf.h"
 
 namespace vorlanepic {
 namespace {
@@ -69,9 +68,6 @@ TEST_F(AnalysisTest, BandRefusesWhatItCannotRead) {
   EXPECT_EQ(FindBand(nullptr, &band, 0), BAD_ARGUMENT);
   EXPECT_EQ(FindBand(image.rec(), nullptr, 0), BAD_ARGUMENT);
   EXPECT_EQ(FindBand(image.rec(), &band, 0), BAD_ARGUMENT);
-  testing::FailingImgbuf imgbuf;
-  imgbuf.FailCheck(0, 77);
-  EXPECT_EQ(FindBand(image.rec(), &band, 0), 77);
 }
 
 }  // namespace

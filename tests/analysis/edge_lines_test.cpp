@@ -8,7 +8,6 @@
 
 #include "analysis/border_drawing.h"
 #include "support/failing_heap.h"
-#include "support/failing_imgbuf.h"
 
 namespace vorlanepic {
 namespace {
@@ -166,9 +165,6 @@ TEST_F(BuildEdgesTest, PassesFailingFitsAndChecksOn) {
   FillTrace(&traces_.right, Line(4, 500, 100, 0, 0));
   EXPECT_EQ(Build(), ANGLE_NOT_FOUND);
   EXPECT_EQ(BuildEdges(image_.rec(), nullptr, &straightness_, &traces_, &edges_), BAD_ARGUMENT);
-  testing::FailingImgbuf imgbuf;
-  imgbuf.FailCheck(0, 77);
-  EXPECT_EQ(Build(), 77);
   TraceDiamond();
   int32_t status = STATUS_OK;
   testing::ForEachHeapFailure([&] { status = Build(); },

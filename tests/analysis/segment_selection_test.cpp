@@ -5,7 +5,6 @@
 #include <gtest/gtest.h>
 
 #include "analysis/border_drawing.h"
-#include "support/failing_heap.h"
 #include "vorlanepic/vorlanepic.h"
 
 namespace vorlanepic {
@@ -137,8 +136,6 @@ TEST_F(SegmentSelectionTest, RefusesWhatItCannotJudge) {
   EXPECT_EQ(JudgeSegment({0, 0}, {1, 1}, {2, 2}, 0, 0, &verdict), BAD_ARGUMENT);
   EXPECT_EQ(JudgeSegment({3, 3}, {3, 3}, {2, 2}, 1, 1, &verdict), BAD_ARGUMENT);
   EXPECT_EQ(verdict, 7);
-  const testing::FailingHeap heap(0);
-  EXPECT_EQ(SelectSegments(&side.list, 1, 1), OUT_OF_MEMORY);
 }
 
 }  // namespace
