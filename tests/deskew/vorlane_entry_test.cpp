@@ -126,15 +126,13 @@ TEST_F(VorlaneEntryTest, AssignsItsSettingsWhenTheArgumentsPass) {
   EXPECT_EQ(angle, -1);
   EXPECT_EQ(settings.BorderMethod, 1);
   EXPECT_EQ(settings.ExtremeAnchorFlag, 0.0);
+  EXPECT_EQ(settings.SegmentLen, 17);
   EXPECT_EQ(settings.SegmentMaxGap, 6);
   EXPECT_EQ(settings.SegmentPointNum, 6);
   EXPECT_EQ(settings.SegmentMinPointNum, 4);
   EXPECT_EQ(settings.SearchBorderPixelNum, 2);
-  EXPECT_EQ(settings.ToLineMixDis, 5);
-  EXPECT_EQ(settings.ToLineDistance, 8);
   EXPECT_EQ(settings.parallel, 3.5);
   EXPECT_EQ(settings.perpendicular, 2.0);
-  EXPECT_EQ(settings.SegmentLen, 17);
 }
 
 TEST_F(VorlaneEntryTest, TheSimplerCallsCountOneImageEvenWhenRefused) {

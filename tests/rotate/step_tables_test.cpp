@@ -5,8 +5,6 @@
 
 #include <gtest/gtest.h>
 
-#include "support/failing_heap.h"
-
 namespace vorlanepic {
 namespace {
 
@@ -35,13 +33,6 @@ TEST(StepTables, StepsThatAreNoInt32AreMarked) {
   ASSERT_TRUE(steps.Build(std::numeric_limits<double>::quiet_NaN(), 2));
   EXPECT_EQ(steps.Sin(0), 0);
   EXPECT_EQ(steps.Sin(1), INT32_MIN);
-}
-
-TEST(StepTables, SayWhenThereIsNoMemory) {
-  StepTables steps;
-  bool isBuilt = true;
-  testing::ForEachHeapFailure([&] { isBuilt = steps.Build(0.1, 12); },
-                              [&](int32_t) { EXPECT_FALSE(isBuilt); });
 }
 
 }  // namespace
