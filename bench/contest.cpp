@@ -38,6 +38,7 @@ std::vector<Timing> RunInTurn(const std::vector<Contender>& contenders, int32_t 
     }
   }
   std::vector<Timing> timings;
+  timings.reserve(times.size());
   for (std::vector<double>& each : times) timings.push_back(Summarise(std::move(each)));
   return timings;
 }

@@ -18,7 +18,7 @@ constexpr uint8_t kBlack[3] = {0, 0, 0};
 // Runs `call` until enough time is measured; any other status than 0 ends the benchmark as failed.
 template <typename Call>
 void Measure(benchmark::State& state, Call call) {
-  for (auto round : state) {
+  while (state.KeepRunning()) {
     const int32_t status = call();
     if (status != STATUS_OK) {
       state.SkipWithError(("status " + std::to_string(status)).c_str());
@@ -45,7 +45,7 @@ void Vorlane(benchmark::State& state, const Frame& frame, int32_t interpolation)
 void VorlaneInPlace(benchmark::State& state, const Frame& frame, int32_t interpolation) {
   const ImageRec* source = ScanOf(frame).rec();
   std::vector<uint8_t> buffer(static_cast<size_t>(source->imageBytes));
-  for (auto round : state) {
+  while (state.KeepRunning()) {
     state.PauseTiming();
     std::memcpy(buffer.data(), source->pixels, buffer.size());
     int32_t width = source->width;

@@ -36,7 +36,7 @@ using Stage = int32_t (*)(const ImageRec* source, PageRecords& found);
 void Measure(benchmark::State& state, const Frame& frame, Stage stage) {
   const ImageRec* source = ScanOf(frame).rec();
   PageRecords found = FindPage(frame);
-  for (auto round : state) {
+  while (state.KeepRunning()) {
     const int32_t status = stage(source, found);
     if (status != STATUS_OK) {
       state.SkipWithError(("status " + std::to_string(status)).c_str());

@@ -22,7 +22,7 @@ Image ReadImage(FuzzInput& input) {
   const auto area = static_cast<size_t>(image.width) * static_cast<size_t>(image.height);
   const int32_t longest = input.In(1, 30);
   while (image.pixels.size() < area && !input.Rest().empty()) {
-    const auto length = static_cast<size_t>(1 + input.Byte() % longest);
+    const size_t length = size_t{1} + input.Byte() % static_cast<size_t>(longest);
     image.pixels.insert(image.pixels.end(), std::min(length, area - image.pixels.size()),
                         static_cast<uint8_t>(input.Flag() ? input.Byte() : 0));
   }

@@ -77,6 +77,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   settings = Settings{};
   FuzzInput input(data, size);
   std::vector<testing::TestImage> pages;
+  pages.reserve(kMaxImages);
   pages.push_back(DrawFuzzPage(input));
   // The others are like the first, or drawn by themselves: of another size and depth.
   for (int32_t i = 1; i < kMaxImages; ++i) {
@@ -84,6 +85,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   }
   const bool asDibs = input.Flag();
   std::vector<std::unique_ptr<FuzzDib>> dibs;
+  dibs.reserve(pages.size());
   for (const testing::TestImage& page : pages) {
     dibs.push_back(std::make_unique<FuzzDib>(*page.rec(), input));
   }
@@ -94,10 +96,12 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   const CropCall call(arguments, profile.path());
   if (asDibs) {
     std::vector<DibRec> records;
+    records.reserve(dibs.size());
     for (const auto& dib : dibs) records.push_back(dib->rec());
     CropDibs(records, call);
   } else {
     std::vector<ImageRec> records;
+    records.reserve(pages.size());
     for (const testing::TestImage& page : pages) records.push_back(*page.rec());
     CropImages(records, call);
   }

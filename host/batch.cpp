@@ -54,7 +54,7 @@ class InputRun {
 
   // Returns the file that the page went to, empty for none.
   std::string WritePage(const Page& page, const TurnOutcome& outcome, bool trusted, bool* kept) {
-    const std::string path = OutputFor(ImageOutput(request_), input_, page.number, page.count);
+    std::string path = OutputFor(ImageOutput(request_), input_, page.number, page.count);
     const ImageRec& image = trusted ? *outcome.result.rec() : *page.image.rec();
     const bool isShared =
         page.count > 1 &&

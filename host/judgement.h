@@ -25,7 +25,7 @@ inline constexpr double kMostOnFrame = 0.5;
 // Degrees between a seen side and the turn. Feeding shears a sheet by some tenths of a degree.
 // Where two sides bear the turn out, a third one past the limits leaves it likely: an open book, a
 // torn sheet, a page in perspective.
-inline constexpr Limits kLean{0.5, 1.5};
+inline constexpr Limits kLean{0.3, 1.5};
 
 // Distance between a seen side and the cut's side, as a share of the cut's size across it.
 inline constexpr Limits kApart{0.02, 0.06};

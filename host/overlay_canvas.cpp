@@ -32,7 +32,7 @@ uint32_t Mix(uint32_t below, uint32_t above, double share) {
   for (const int shift : {L_RED_SHIFT, L_GREEN_SHIFT, L_BLUE_SHIFT}) {
     const double b = below >> shift & 0xFF;
     const double a = above >> shift & 0xFF;
-    mixed |= static_cast<uint32_t>(b + (a - b) * share + 0.5) << shift;
+    mixed |= static_cast<uint32_t>(std::lround(b + (a - b) * share)) << shift;
   }
   return mixed;
 }

@@ -64,6 +64,7 @@ inline void FillTrace(SideTrace* side, const std::vector<EdgePoint>& means, int3
 // `count` positions from (x, y) in steps of (dx, dy).
 inline std::vector<EdgePoint> Line(int32_t count, int32_t x, int32_t y, int32_t dx, int32_t dy) {
   std::vector<EdgePoint> points;
+  points.reserve(static_cast<size_t>(count));
   for (int32_t i = 0; i < count; ++i) points.push_back({x + i * dx, y + i * dy});
   return points;
 }

@@ -1,8 +1,7 @@
 #include "analysis/border_walks.h"
 
-#include <algorithm>
 #include <random>
-#include <string>
+#include <tuple>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -29,55 +28,44 @@ TestImage TightImage(int32_t width, int32_t height, int32_t depth) {
   return TestImage(width, height, depth, (width * depth + 7) / 8 - padded);
 }
 
-// Bytes drawn one by one at 8 and 24 bits, bits at 1 bit; `share` of them light.
+// Bytes drawn one by one, bits at 1 bit; `share` of them light.
 void FillWithNoise(TestImage* image, double share, uint32_t seed) {
   std::mt19937 random(seed);
   std::bernoulli_distribution isLight(share);
   std::uniform_int_distribution<int32_t> level(0, 127);
   const ImageRec& rec = *image->rec();
   for (int32_t i = 0; i < rec.imageBytes; ++i) {
-    uint8_t byte = 0;
-    if (rec.bitsPerPixel == 1) {
-      for (int32_t bit = 0; bit < 8; ++bit)
-        byte = static_cast<uint8_t>(byte << 1 | isLight(random));
-    } else {
-      byte = static_cast<uint8_t>(level(random) + (isLight(random) ? 128 : 0));
+    int32_t byte = level(random) + (isLight(random) ? 128 : 0);
+    for (int32_t bit = 0; rec.bitsPerPixel == 1 && bit < 8; ++bit) {
+      byte = byte << 1 | isLight(random);
     }
-    rec.pixels[i] = byte;
+    rec.pixels[i] = static_cast<uint8_t>(byte);
   }
 }
 
-// Light stretches of random length between dark ones of random length, another in every row.
-void FillWithStretches(TestImage* image, int32_t longest, uint32_t seed) {
-  std::mt19937 random(seed);
-  std::uniform_int_distribution<int32_t> length(1, longest);
-  for (int32_t y = 0; y < image->rec()->height; ++y) {
-    bool light = false;
-    for (int32_t x = 0; x < image->rec()->width; light = !light) {
-      const int32_t end = std::min(x + length(random), image->rec()->width);
-      for (; x < end; ++x) image->Set(x, y, light ? 200 : 40);
-    }
-  }
-}
-
+// Rows that are noise of a few shares of light, or light and dark stretches of random length.
 std::vector<TestImage> Images(int32_t width, int32_t height, int32_t depth) {
   std::vector<TestImage> images;
   for (const double share : {0.0, 0.02, 0.3, 0.7, 0.97, 1.0}) {
     FillWithNoise(&images.emplace_back(TightImage(width, height, depth)), share, 7);
   }
+  std::mt19937 random(11);
   for (const int32_t longest : {3, 20, 90}) {
-    FillWithStretches(&images.emplace_back(TightImage(width, height, depth)), longest, 11);
+    TestImage& image = images.emplace_back(TightImage(width, height, depth));
+    std::uniform_int_distribution<int32_t> length(1, longest);
+    for (int32_t y = 0; y < height; ++y) {
+      bool light = false;
+      int32_t end = length(random);
+      for (int32_t x = 0; x < width; ++x) {
+        if (x == end) {
+          light = !light;
+          end += length(random);
+        }
+        image.Set(x, y, light ? 200 : 40);
+      }
+    }
   }
   return images;
-}
-
-constexpr GreyBand kBands[] = {{128, 255}, {30, 48}, {255, 255}};
-
-std::string Describe(const ImageRec& rec, int32_t run, const ScanBand& band) {
-  return std::to_string(rec.width) + " x " + std::to_string(rec.height) + ", run " +
-         std::to_string(run) + ", columns " + std::to_string(band.left) + ".." +
-         std::to_string(band.right) + ", rows " + std::to_string(band.top) + ".." +
-         std::to_string(band.bottom);
 }
 
 template <typename Pixel>
@@ -87,11 +75,9 @@ class BorderWalksTest : public ::testing::Test {
     for (int32_t y = 0; y < image.rec()->height; ++y) {
       const uint8_t* row = image.row(y);
       ASSERT_EQ(WalkFromLeft<Pixel>(row, band, levels, run),
-                PlainWalkFromLeft<Pixel>(row, band, levels, run))
-          << Describe(*image.rec(), run, band) << ", row " << y;
+                PlainWalkFromLeft<Pixel>(row, band, levels, run));
       ASSERT_EQ(WalkFromRight<Pixel>(row, band, levels, run),
-                PlainWalkFromRight<Pixel>(row, band, levels, run))
-          << Describe(*image.rec(), run, band) << ", row " << y;
+                PlainWalkFromRight<Pixel>(row, band, levels, run));
     }
   }
 
@@ -103,90 +89,78 @@ class BorderWalksTest : public ::testing::Test {
     std::vector<int32_t> plainBottom(columns.count());
     ASSERT_EQ(WalkColumns<Pixel>(*image.rec(), band, levels, run, columns, {top, bottom}), 0);
     PlainWalkColumns<Pixel>(*image.rec(), band, levels, run, columns, {plainTop, plainBottom});
-    ASSERT_EQ(top, plainTop) << Describe(*image.rec(), run, band);
-    ASSERT_EQ(bottom, plainBottom) << Describe(*image.rec(), run, band);
+    ASSERT_EQ(top, plainTop);
+    ASSERT_EQ(bottom, plainBottom);
+  }
+
+  // All bands, whole and in part, and all lengths of run, in images of this size.
+  template <typename Compare>
+  static void ForEachScan(int32_t width, int32_t height, Compare compare) {
+    const ScanBand whole{0, width - 1, 0, height - 1};
+    const ScanBand inner{width / 5, width - 1 - width / 7, height / 5, height - 1};
+    for (const TestImage& image : Images(width, height, kDepth<Pixel>)) {
+      for (int32_t run = 1; run <= kLongestRun; ++run) {
+        SCOPED_TRACE(::testing::PrintToString(std::make_tuple(width, height, run)));
+        for (const GreyBand levels : {GreyBand{128, 255}, {30, 48}, {255, 255}}) {
+          compare(image, whole, levels, run);
+          compare(image, inner, levels, run);
+        }
+      }
+    }
   }
 };
 
 using Depths = ::testing::Types<Bit1, Grey8, Colour24>;
-class DepthNames {
- public:
-  template <typename Pixel>
-  static std::string GetName(int) {
-    return std::to_string(kDepth<Pixel>) + "bit";
-  }
-};
-TYPED_TEST_SUITE(BorderWalksTest, Depths, DepthNames);
+TYPED_TEST_SUITE(BorderWalksTest, Depths);
 
 TYPED_TEST(BorderWalksTest, RowsMeetTheBorderWhereThePlainWalksDo) {
   for (const int32_t width : {1, 2, 9, 16, 63, 64, 65, 72, 100, 127, 128, 129, 200, 331}) {
-    for (const TestImage& image : Images(width, 12, kDepth<TypeParam>)) {
-      for (int32_t run = 1; run <= kLongestRun; ++run) {
-        const ScanBand inner{width / 5, width - 1 - width / 7, 0, 11};
-        for (const GreyBand levels : kBands) {
-          this->CompareRows(image, {0, width - 1, 0, 11}, levels, run);
-          this->CompareRows(image, inner, levels, run);
-        }
-      }
-    }
+    this->ForEachScan(width, 12, [this](auto&&... scan) { this->CompareRows(scan...); });
   }
 }
 
 TYPED_TEST(BorderWalksTest, ColumnsMeetTheBorderWhereThePlainWalksDo) {
   for (const int32_t width : {1, 2, 63, 64, 65, 150}) {
     for (const int32_t height : {1, 2, 5, 12, 31, 48}) {
-      for (const TestImage& image : Images(width, height, kDepth<TypeParam>)) {
-        for (int32_t run = 1; run <= kLongestRun; ++run) {
-          const ScanBand inner{width / 5, width - 1 - width / 7, height / 5, height - 1};
-          for (const GreyBand levels : kBands) {
-            this->CompareColumns(image, {0, width - 1, 0, height - 1}, levels, run);
-            this->CompareColumns(image, inner, levels, run);
-          }
-        }
-      }
+      this->ForEachScan(width, height, [this](auto&&... scan) { this->CompareColumns(scan...); });
     }
   }
 }
 
-struct BitWalkCase {
-  const char* name;
-  std::vector<uint8_t> bytes;
-  int32_t width;
-  int32_t run;
-  int32_t left;
-  int32_t right;
-};
-
-class BitWalkTest : public ::testing::TestWithParam<BitWalkCase> {};
-
-TEST_P(BitWalkTest, StepsOverZeroBytesAndStopsBehindARun) {
-  const BitWalkCase& walk = GetParam();
-  const ScanBand band{0, walk.width - 1, 0, 0};
-  EXPECT_EQ(PlainWalkFromLeft<Bit1>(walk.bytes.data(), band, {}, walk.run), walk.left);
-  EXPECT_EQ(WalkFromLeft<Bit1>(walk.bytes.data(), band, {}, walk.run), walk.left);
-  EXPECT_EQ(PlainWalkFromRight<Bit1>(walk.bytes.data(), band, {}, walk.run), walk.right);
-  EXPECT_EQ(WalkFromRight<Bit1>(walk.bytes.data(), band, {}, walk.run), walk.right);
+// Comments: rounds as they are met from the left | from the right.
+TEST(BitWalks, StepOverZeroBytesAndStopBehindARun) {
+  struct Case {
+    std::vector<uint8_t> bytes;
+    int32_t width;
+    int32_t run;
+    int32_t left;
+    int32_t right;
+  };
+  const Case cases[] = {
+      // (0, 8) (16, 17) | (23, 22) (21, 20) (19, 18)
+      {{0x00, 0x00, 0xF0}, 24, 2, 18, 17},
+      // (0, 1) (2, 3) (4, 5) ... never 3 and 4 in one round | (7, 6) (5, 4) (3, 2) ...
+      {{0x18}, 8, 2, kNoBorder, kNoBorder},
+      // (0, 8) (9, 10) (11, 12): the zero byte has moved the rounds to odd pixels | (15, 14) ...
+      {{0x00, 0x18}, 16, 2, 13, kNoBorder},
+      // (0, 1, 2) (3, 4, 5) (6, 7, 8) (16, 17, 18) | (23, 22, 21)
+      {{0x01, 0x00, 0xFF}, 24, 3, 19, 20},
+      // (0) | (10) (2): from the third pixel of a byte to the third of the next
+      {{0xFF, 0x00}, 11, 1, 1, 1},
+      // (0) | (10) (9) (8) (7): padding counts for the zero test
+      {{0xFF, 0x1F}, 11, 1, 1, 6},
+      // (0, 1) | (1, 0): the points are the columns outside the image
+      {{0xFF}, 2, 2, 2, -1},
+  };
+  for (const auto& [bytes, width, run, left, right] : cases) {
+    const ScanBand band{0, width - 1, 0, 0};
+    SCOPED_TRACE(::testing::PrintToString(bytes));
+    EXPECT_EQ(PlainWalkFromLeft<Bit1>(bytes.data(), band, {}, run), left);
+    EXPECT_EQ(WalkFromLeft<Bit1>(bytes.data(), band, {}, run), left);
+    EXPECT_EQ(PlainWalkFromRight<Bit1>(bytes.data(), band, {}, run), right);
+    EXPECT_EQ(WalkFromRight<Bit1>(bytes.data(), band, {}, run), right);
+  }
 }
-
-// Rounds as they are met from the left | from the right.
-INSTANTIATE_TEST_SUITE_P(
-    Rows, BitWalkTest,
-    ::testing::Values(
-        // (0, 8) (16, 17) | (23, 22) (21, 20) (19, 18)
-        BitWalkCase{"RunAtTheStartOfAByte", {0x00, 0x00, 0xF0}, 24, 2, 18, 17},
-        // (0, 1) (2, 3) (4, 5) ... never 3 and 4 in one round | (7, 6) (5, 4) (3, 2) ...
-        BitWalkCase{"RunAcrossTwoRounds", {0x18}, 8, 2, kNoBorder, kNoBorder},
-        // (0, 8) (9, 10) (11, 12): the zero byte has moved the rounds to odd pixels | (15, 14) ...
-        BitWalkCase{"OneZeroByteShiftsTheRounds", {0x00, 0x18}, 16, 2, 13, kNoBorder},
-        // (0, 1, 2) (3, 4, 5) (6, 7, 8) (16, 17, 18) | (23, 22, 21)
-        BitWalkCase{"ZeroByteInsideARound", {0x01, 0x00, 0xFF}, 24, 3, 19, 20},
-        // (0) | (10) (2): from the third pixel of a byte to the third of the next
-        BitWalkCase{"StepFromTheMiddleOfAZeroByte", {0xFF, 0x00}, 11, 1, 1, 1},
-        // (0) | (10) (9) (8) (7)
-        BitWalkCase{"PaddingCountsForTheZeroTest", {0xFF, 0x1F}, 11, 1, 1, 6},
-        // (0, 1) | (1, 0): the points are the columns outside the image
-        BitWalkCase{"RunsToBothEnds", {0xFF}, 2, 2, 2, -1}),
-    [](const auto& walk) { return std::string(walk.param.name); });
 
 }  // namespace
 }  // namespace vorlanepic

@@ -1,6 +1,5 @@
 #include "analysis/side_trace.h"
 
-#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -22,55 +21,44 @@ std::vector<EdgePoint> Joined(std::initializer_list<std::vector<EdgePoint>> part
   return all;
 }
 
-struct TraceCase {
-  const char* name;
-  std::vector<EdgePoint> points;
-  std::vector<int32_t> counts;
-  std::vector<EdgePoint> means;
-};
-
-class TraceBuilderTest : public AnalysisTest, public ::testing::WithParamInterface<TraceCase> {};
-
-TEST_P(TraceBuilderTest, CutsTheBorderIntoSegments) {
-  TraceBuilder builder;
-  for (const EdgePoint point : GetParam().points) ASSERT_EQ(builder.Add(point), STATUS_OK);
-  ASSERT_EQ(builder.Finish(), STATUS_OK);
-  const SideTrace side = builder.Take();
-  std::vector<int32_t> counts;
-  const EdgePoint* first = side.points.data();
-  for (const BorderSegment& segment : side.list.view()) {
-    counts.push_back(segment.count);
-    EXPECT_EQ(segment.first, first);
-    EXPECT_EQ(segment.used, 0);
-    first += segment.count;
+TEST_F(AnalysisTest, TraceCutsTheBorderIntoSegments) {
+  struct Case {
+    std::vector<EdgePoint> points;
+    std::vector<int32_t> counts;
+    std::vector<EdgePoint> means;
+  };
+  const std::vector<EdgePoint> upper = Line(4, 20, 0, 0, 2);
+  const Case cases[] = {
+      // 10, 12, ... 20 and 22, ... 28; means are truncated. A rest of three is dropped.
+      {Line(10, 5, 10, 0, 2), {6, 4}, {{5, 15}, {5, 25}}},
+      {Line(9, 5, 10, 0, 2), {6}, {{5, 15}}},
+      // Steps of six stay, those of seven do not.
+      {Line(5, 0, 0, 6, 2), {5}, {{12, 4}}},
+      {Joined({upper, Line(5, 13, 8, 0, 2)}), {4, 5}, {{20, 3}, {13, 12}}},
+      {Joined({upper, Line(4, 20, 13, 0, 2)}), {4, 4}, {{20, 3}, {20, 16}}},
+      // The three points in the middle leave no trace.
+      {Joined({upper, Line(3, 90, 8, 0, 2), Line(4, 20, 14, 0, 2)}), {4, 4}, {{20, 3}, {20, 17}}},
+      {{}, {}, {}},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(&c - cases);
+    TraceBuilder builder;
+    for (const EdgePoint point : c.points) ASSERT_EQ(builder.Add(point), STATUS_OK);
+    ASSERT_EQ(builder.Finish(), STATUS_OK);
+    const SideTrace side = builder.Take();
+    std::vector<int32_t> counts;
+    const EdgePoint* first = side.points.data();
+    for (const BorderSegment& segment : side.list.view()) {
+      counts.push_back(segment.count);
+      EXPECT_EQ(segment.first, first);
+      EXPECT_EQ(segment.used, 0);
+      first += segment.count;
+    }
+    EXPECT_EQ(counts, c.counts);
+    EXPECT_EQ(MeansOf(side.list), c.means);
+    EXPECT_EQ(first - side.points.data(), side.pointCount);
   }
-  EXPECT_EQ(counts, GetParam().counts);
-  EXPECT_EQ(MeansOf(side.list), GetParam().means);
-  EXPECT_EQ(first - side.points.data(), side.pointCount);
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Borders, TraceBuilderTest,
-    ::testing::Values(
-        // 10, 12, ... 20 and 22, ... 28; means are truncated.
-        TraceCase{"SixPointsASegment", Line(10, 5, 10, 0, 2), {6, 4}, {{5, 15}, {5, 25}}},
-        TraceCase{"ShortRestIsDropped", Line(9, 5, 10, 0, 2), {6}, {{5, 15}}},
-        TraceCase{"StepOfSixStays", Line(5, 0, 0, 6, 2), {5}, {{12, 4}}},
-        TraceCase{"StepInX",
-                  Joined({Line(5, 20, 0, 0, 2), Line(5, 13, 10, 0, 2)}),
-                  {5, 5},
-                  {{20, 4}, {13, 14}}},
-        TraceCase{"StepInY",
-                  Joined({Line(4, 20, 0, 0, 2), Line(4, 20, 13, 0, 2)}),
-                  {4, 4},
-                  {{20, 3}, {20, 16}}},
-        // The three points in the middle leave no trace.
-        TraceCase{"ShortSegmentIsDropped",
-                  Joined({Line(4, 20, 0, 0, 2), Line(3, 90, 8, 0, 2), Line(4, 20, 14, 0, 2)}),
-                  {4, 4},
-                  {{20, 3}, {20, 17}}},
-        TraceCase{"Nothing", {}, {}, {}}),
-    [](const auto& border) { return std::string(border.param.name); });
 
 TEST_F(AnalysisTest, TraceRefusesNegativeCoordinates) {
   TraceBuilder builder;

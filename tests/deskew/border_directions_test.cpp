@@ -17,40 +17,31 @@ std::vector<int32_t> Pick(const std::vector<double>& degrees, double groupAngle)
   return {chunks.span().begin(), chunks.span().end()};
 }
 
-struct GroupCase {
-  const char* name;
-  std::vector<double> degrees;
-  double groupAngle;
-  std::vector<int32_t> chunks;
-};
-
-class PickLargestGroupTest : public ::testing::TestWithParam<GroupCase> {};
-
-TEST_P(PickLargestGroupTest, PicksChunksThatAgree) {
-  EXPECT_EQ(Pick(GetParam().degrees, GetParam().groupAngle), GetParam().chunks);
+TEST(PickLargestGroup, PicksChunksThatAgree) {
+  struct Case {
+    std::vector<double> degrees;
+    double groupAngle;
+    std::vector<int32_t> chunks;
+  };
+  const Case cases[] = {
+      {{1, 1}, 2, {}},  // two directions are chance
+      {{3, 1, 2}, 2, {0, 1}},
+      {{1, 3, 5}, 2, {}},
+      {{40, 41, 42, 1, 2, 3, 4}, 2, {3, 4, 5}},
+      {{40, 41, 42, 1, 2, 3}, 2, {3, 4}},  // the first of equal ones
+      // 12 is 10 or more from the first and ends the group; 8 is still linked to it.
+      {{0, 4, 8, 12, 16, 20}, 5, {0, 1, 2}},
+      // After the end at rank 3 a new group of four links starts at rank 4.
+      {{0, 4, 8, 12, 13, 14, 15, 16, 17}, 5, {4, 5, 6, 7}},
+      // Halves -6.5, -3.5 and 1, 3: means of 5 and 2 degrees' steepness.
+      {{-6.5, -3.5, 1, 3, 3.2}, 5, {0, 1, 2, 3}},
+      {{0, 2, 6.5, 9.5, 9.7}, 5, {}},            // halves of 1 and 8 bend
+      {{0.5, 1.5, 6, 8, 8.5}, 5, {0, 1, 2, 3}},  // 1 and 7 differ by no more than 6
+  };
+  for (const Case& c : cases) {
+    EXPECT_EQ(Pick(c.degrees, c.groupAngle), c.chunks) << ::testing::PrintToString(c.degrees);
+  }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    Groups, PickLargestGroupTest,
-    ::testing::Values(
-        GroupCase{"Nothing", {}, 2, {}}, GroupCase{"TwoDirectionsAreChance", {1, 1}, 2, {}},
-        GroupCase{"ThreeAgree", {1, 2, 3}, 2, {0, 1}},
-        GroupCase{"AlongTheBorderInAnyOrder", {3, 1, 2}, 2, {0, 1}},
-        GroupCase{"NeighboursThatFarApartDoNotAgree", {1, 3, 5}, 2, {}},
-        GroupCase{"LargestOfTwo", {40, 41, 42, 1, 2, 3, 4}, 2, {3, 4, 5}},
-        GroupCase{"FirstOfEqualOnes", {40, 41, 42, 1, 2, 3}, 2, {3, 4}},
-        // 0 .. 12: 12 is 10 or more from the first and ends the group; 8 is still linked to it.
-        GroupCase{"EndsTenDegreesFromItsFirst", {0, 4, 8, 12, 16, 20}, 5, {0, 1, 2}},
-        // After the end at rank 3 a new group of four links starts at rank 4.
-        GroupCase{"TheNextStartsBehindTheEnd", {0, 4, 8, 12, 13, 14, 15, 16, 17}, 5, {4, 5, 6, 7}},
-        // Halves -6.5, -3.5 and 1, 3: means of 5 and 2 degrees' steepness.
-        GroupCase{"HalvesAsSteepAsEachOther", {-6.5, -3.5, 1, 3, 3.2}, 5, {0, 1, 2, 3}},
-        // Halves 0, 2 and 6.5, 9.5: 1 and 8.
-        GroupCase{"HalvesThatBend", {0, 2, 6.5, 9.5, 9.7}, 5, {}},
-        // 1, 2 and 8: 1 and 7 differ by no more than 6.
-        GroupCase{"HalvesAtTheLimit", {0.5, 1.5, 6, 8, 8.5}, 5, {0, 1, 2, 3}},
-        GroupCase{"NoAngleBetweenNeighbours", {1, 1, 1}, 0, {}}),
-    [](const auto& row) { return row.param.name; });
 
 // The picking as it is described: an exchange sort that carries each direction's chunk, groups of
 // neighbours, and passes over the picked chunks.

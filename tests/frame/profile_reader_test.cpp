@@ -1,8 +1,8 @@
 #include "frame/profile_reader.h"
 
 #include <cstring>
-#include <limits>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -21,113 +21,74 @@ struct FoundValue {
   std::string value;
 };
 
-FoundValue Find(const std::string& bytes, const char* section = "S", const char* key = "K") {
+FoundValue Find(const std::string& bytes) {
   const ProfileOnDisk file(bytes);
   ProfileText value;
   std::memset(&value, 'x', sizeof value);
-  const int32_t status = FindProfileValue(file.path(), section, key, &value);
+  const int32_t status = FindProfileValue(file.path(), "S", "K", &value);
   if (status != kProfileFound) return {status, ""};
   EXPECT_EQ(value.text[value.length], '\0');
   return {status, std::string(value.view())};
 }
 
-struct ProfileCase {
-  const char* name;
-  std::string bytes;
-  int32_t status;
-  std::string value = "";
-};
-
-class FindProfileValueTest : public ::testing::TestWithParam<ProfileCase> {};
-
-TEST_P(FindProfileValueTest, GivesTheStatusAndTheValue) {
-  const FoundValue found = Find(GetParam().bytes);
-  EXPECT_EQ(found.status, GetParam().status);
-  EXPECT_EQ(found.value, GetParam().value);
-}
-
 std::string Chars(size_t count, char c = 'a') { return std::string(count, c); }
 
-INSTANTIATE_TEST_SUITE_P(
-    Lines, FindProfileValueTest,
-    ::testing::Values(
-        ProfileCase{"LineFeed", "[S]\nK=v\n", 0, "v"},
-        ProfileCase{"CarriageReturnAndLineFeedAreOneEnd", "[S]\r\nK=1+\r\n2\r\n", 0, "12"},
-        ProfileCase{"CarriageReturnAlone", "[S]\rK=v\r", 0, "v"},
-        ProfileCase{"TwoCarriageReturnsAreTwoEnds", "[S]\nK=1+\r\r\n2\n", 0, "1"},
-        ProfileCase{"ZeroByte", "[S]\0K=v\0L=w"s, 0, "v"},
-        ProfileCase{"LastLineWithoutEnd", "[S]\nK=v", 0, "v"},
-        ProfileCase{"FormFeedEndsTheLineAndStays", "[S]\nJ=1\fK=v\f", 0, "v\f"},
-        ProfileCase{"FormFeedBehindAHeaderSpoilsIt", "[S]\f\nK=v\n", -14},
-        ProfileCase{"SubstituteEndsTheLineAndStays", "[S]\nJ=1\x1A"s + "K=v\x1A", 0, "v\x1A"},
-        ProfileCase{"HighBytes", "[S]\nK=\xFF\xFE\n", 0, "\xFF\xFE"},
-        ProfileCase{"FullLineIsOneLine", "[S]\nK=" + Chars(4094) + "\nL=1\n", 0, Chars(4094)},
-        // 904 characters are left for a line of their own.
-        ProfileCase{"LongLineGoesOnInTheNext", "[S]\n#" + Chars(4095) + "K=" + Chars(902) + "\n", 0,
-                    Chars(902)},
-        // The end of a full line is an empty line, which ends the chain of continuation.
-        ProfileCase{"EndOfAFullLineIsAnEmptyLine", "[S]\nK=" + Chars(4093) + "+\nb\n", 0,
-                    Chars(4093)},
-        ProfileCase{"CarriageReturnAndLineFeedOfAFullLineAreOneEmptyLine",
-                    "[S]\n#" + Chars(4095) + "\r\nK=v\r\n", 0, "v"}),
-    [](const auto& row) { return row.param.name; });
-
-INSTANTIATE_TEST_SUITE_P(
-    Sections, FindProfileValueTest,
-    ::testing::Values(
-        ProfileCase{"EmptyFile", "", -1}, ProfileCase{"NoHeader", "K=v\n", -1},
-        ProfileCase{"OtherCase", "[s]\nK=v\n", -1},
-        ProfileCase{"BlanksInsideTheBracketsCount", "[ S ]\nK=v\n", -1},
-        ProfileCase{"BlanksAroundTheBracketsDoNot", " \t[S]\t \nK=v\n", 0, "v"},
-        ProfileCase{"HeaderWithoutEndBeforeTheSection", "[TT\n[S]\nK=v\n", -14},
-        ProfileCase{"HeaderWithTextBehindItsEnd", "[S] # mine\nK=v\n", -14},
-        ProfileCase{"TwoCharactersAreNoHeader", "[]\n[x\n[\n[S]\nK=v\n", 0, "v"},
-        ProfileCase{"CommentedHeader", "#[S]\nK=v\n", -1},
-        ProfileCase{"MalformedKeyLinesElsewhere", "[T]\nno sign\n=x\n[S]\nK=v\n", 0, "v"},
-        ProfileCase{"ContinuationIsNotJoinedOutsideTheSection", "[T]\nA=1+\n[S]\nK=v\n", 0, "v"},
-        ProfileCase{"FirstOfTwoSectionsCounts", "[S]\nJ=1\n[S]\nK=v\n", -2},
-        ProfileCase{"BracketsInTheName", "[[S]]\n[S]\nK=v\n", 0, "v"}),
-    [](const auto& row) { return row.param.name; });
-
-INSTANTIATE_TEST_SUITE_P(
-    Keys, FindProfileValueTest,
-    ::testing::Values(ProfileCase{"BlanksAroundTheSign", "[S]\n \tK \t=\t v w\t \n", 0, "v w"},
-                      ProfileCase{"EmptyValue", "[S]\nK= \n", 0, ""},
-                      ProfileCase{"SplitAtTheFirstSign", "[S]\nK=a=b\n", 0, "a=b"},
-                      ProfileCase{"OtherCase", "[S]\nk=v\n", -2},
-                      ProfileCase{"BlankInsideAKey", "[S]\nK K=v\n", -2},
-                      ProfileCase{"FirstOfTwoKeysCounts", "[S]\nK=1\nK=2\n", 0, "1"},
-                      ProfileCase{"NoSuchKey", "[S]\nJ=1\n", -2},
-                      ProfileCase{"NextSectionEndsTheSearch", "[S]\nJ=1\n[T]\nK=v\n", -2},
-                      ProfileCase{"HeaderWithoutEndEndsTheSearch", "[S]\n[T\nK=v\n", -2},
-                      ProfileCase{"CommentsAndEmptyLines", "[S]\n\n # K=1\n \t\nK=v\n", 0, "v"},
-                      ProfileCase{"LineWithoutSignBeforeTheKey", "[S]\nJ\nK=v\n", -14},
-                      ProfileCase{"LineWithoutSignAfterTheKey", "[S]\nK=v\nJ\n", 0, "v"},
-                      ProfileCase{"LineThatBeginsWithTheSign", "[S]\n =1\nK=v\n", -14}),
-    [](const auto& row) { return row.param.name; });
-
-INSTANTIATE_TEST_SUITE_P(
-    Continuation, FindProfileValueTest,
-    ::testing::Values(
-        ProfileCase{"JoinsTheNextLine", "[S]\nK=2+\n0\n", 0, "20"},
-        ProfileCase{"JoinsSeveral", "[S]\nK=1+\n \t2+\n3\nJ=1\n", 0, "123"},
-        ProfileCase{"BlanksBeforeTheRemovedPlusStay", "[S]\nK=1 +\n2\n", 0, "1 2"},
-        ProfileCase{"TrailingBlanksOfTheLineItselfDoNotHideThePlus", "[S]\nK=1+ \n2\n", 0, "12"},
-        ProfileCase{"TrailingBlanksOfAContinuationStayAndEndTheChain", "[S]\nK=1+\n2+ \n3\n", 0,
-                    "12+ "},
-        ProfileCase{"LooksAtNothingElse", "[S]\nK=1+\n#2+\n[T]\n", 0, "1#2[T]"},
-        ProfileCase{"EmptyLineEndsIt", "[S]\nK=1+\n \nJ\n", 0, "1"},
-        ProfileCase{"EndOfFileEndsIt", "[S]\nK=1+", 0, "1"},
-        ProfileCase{"LonePlusGoesOn", "[S]\nK=1+\n+\n2\n", 0, "12"},
-        ProfileCase{"JoinedBeforeItIsSplit", "[S]\n+\n K=+\nv\n", 0, "v"},
-        ProfileCase{"OtherKeysAreJoinedToo", "[S]\nJ=1+\nK=2\nK=3\n", 0, "3"},
-        ProfileCase{"JoinedLineWithoutSign", "[S]\na+\nb\nK=v\n", -14},
-        ProfileCase{"FillsALineExactly", "[S]\nK=" + Chars(2000) + "+\n" + Chars(2094) + "+\n\n", 0,
-                    Chars(4094)},
-        ProfileCase{"TooLong", "[S]\nK=" + Chars(2000) + "+\n" + Chars(2095) + "\n", -22},
-        ProfileCase{"OtherKeyTooLong", "[S]\nJ=" + Chars(2000) + "+\n" + Chars(2095) + "\nK=v\n",
-                    -22}),
-    [](const auto& row) { return row.param.name; });
+TEST(FindProfileValue, GivesTheStatusAndTheValue) {
+  struct Case {
+    const char* name;
+    std::string bytes;
+    int32_t status;
+    std::string value = "";
+  };
+  const Case cases[] = {
+      // Lines
+      {"both end characters are one end", "[S]\r\nK=1+\r\n2\r\n", 0, "12"},
+      {"two carriage returns are two ends", "[S]\nK=1+\r\r\n2\n", 0, "1"},
+      {"zero byte", "[S]\0K=v\0L=w"s, 0, "v"},
+      {"form feed ends the line and stays", "[S]\nJ=1\fK=v\f", 0, "v\f"},
+      {"form feed behind a header spoils it", "[S]\f\nK=v\n", -14},
+      {"substitute ends the line and stays", "[S]\nJ=1\x1A"s + "K=v\x1A", 0, "v\x1A"},
+      {"long line goes on", "[S]\n#" + Chars(4095) + "K=" + Chars(9) + "\n", 0, Chars(9)},
+      // The end of a full line is an empty line, which ends the chain of continuation.
+      {"end of a full line", "[S]\nK=" + Chars(4093) + "+\nb\n", 0, Chars(4093)},
+      {"both ends of a full line", "[S]\n#" + Chars(4095) + "\r\nK=v\r\n", 0, "v"},
+      // Sections
+      {"no header", "K=v\n", -1},
+      {"blanks inside the brackets count", "[ S ]\nK=v\n", -1},
+      {"blanks around the brackets do not", " \t[S]\t \nK=v\n", 0, "v"},
+      {"header without end before the section", "[TT\n[S]\nK=v\n", -14},
+      {"header with text behind its end", "[S] # mine\nK=v\n", -14},
+      {"two characters are no header", "[]\n[x\n[\n[S]\nK=v\n", 0, "v"},
+      {"malformed lines elsewhere", "[T]\nno sign\n=x\n[S]\nK=v\n", 0, "v"},
+      {"nothing is joined elsewhere", "[T]\nA=1+\n[S]\nK=v\n", 0, "v"},
+      {"first of two sections counts", "[S]\nJ=1\n[S]\nK=v\n", -2},
+      // Keys
+      {"blanks around the sign", "[S]\n \tK \t=\t v w\t \n", 0, "v w"},
+      {"split at the first sign", "[S]\nK=a=b\n", 0, "a=b"},
+      {"next section ends the search", "[S]\nJ=1\n[T]\nK=v\n", -2},
+      {"header without end ends the search", "[S]\n[T\nK=v\n", -2},
+      {"comments and empty lines", "[S]\n\n # K=1\n \t\nK=v\n", 0, "v"},
+      {"line without sign before the key", "[S]\nJ\nK=v\n", -14},
+      {"line that begins with the sign", "[S]\n =1\nK=v\n", -14},
+      // Continuation
+      {"blanks before the removed plus stay", "[S]\nK=1 +\n2\n", 0, "1 2"},
+      {"blanks behind a later plus stay and end the chain", "[S]\nK=1+\n2+ \n3\n", 0, "12+ "},
+      {"looks at nothing else", "[S]\nK=1+\n#2+\n[T]\n", 0, "1#2[T]"},
+      {"empty line ends it", "[S]\nK=1+\n \nJ\n", 0, "1"},
+      {"end of file ends it", "[S]\nK=1+", 0, "1"},
+      {"lone plus goes on", "[S]\nK=1+\n+\n2\n", 0, "12"},
+      {"joined before it is split", "[S]\n+\n K=+\nv\n", 0, "v"},
+      {"other keys are joined too", "[S]\nJ=1+\nK=2\nK=3\n", 0, "3"},
+      {"fills a line", "[S]\nK=" + Chars(2000) + "+\n" + Chars(2094) + "+\n\n", 0, Chars(4094)},
+      {"too long", "[S]\nK=" + Chars(2000) + "+\n" + Chars(2095) + "\n", -22},
+      {"other key too long", "[S]\nJ=" + Chars(2000) + "+\n" + Chars(2095) + "\nK=v\n", -22},
+  };
+  for (const Case& c : cases) {
+    const FoundValue found = Find(c.bytes);
+    EXPECT_EQ(found.status, c.status) << c.name;
+    EXPECT_EQ(found.value, c.value) << c.name;
+  }
+}
 
 TEST(FindProfileValue, RefusesNullArgumentsAndFilesThatCannotBeRead) {
   const ProfileOnDisk file("[S]\nK=v\n");
@@ -143,29 +104,22 @@ TEST(FindProfileValue, RefusesNullArgumentsAndFilesThatCannotBeRead) {
 }
 
 TEST(ReadProfileInt, ConvertsTheValueOrGivesTheDefault) {
-  struct Case {
-    const char* text;
-    int32_t expected;
-  };
-  const Case cases[] = {
-      {"20", 20},
-      {" 20", 20},
-      {"+7", 7},
-      {"-5", 0},
-      {"abc", 0},
-      {"", 99},
-      {"12 dpi", 12},
-      {"3.9", 3},
-      {"007", 7},
-      {"- 5", 0},
-      {"\v 5", 5},
-      {"2147483647", INT32_MAX},
-      {"99999999999999999999999999", INT32_MAX},
-      {"-99999999999999999999999999", 0},
-  };
-  for (const Case& c : cases) {
-    const ProfileOnDisk file("[S]\nK="s + c.text + "\n");
-    EXPECT_EQ(ReadProfileInt("S", "K", 99, file.path()), c.expected) << c.text;
+  const std::pair<const char*, int32_t> cases[] = {{" 20", 20},
+                                                   {"+7", 7},
+                                                   {"-5", 0},
+                                                   {"abc", 0},
+                                                   {"", 99},
+                                                   {"12 dpi", 12},
+                                                   {"3.9", 3},
+                                                   {"007", 7},
+                                                   {"- 5", 0},
+                                                   {"\v 5", 5},
+                                                   {"2147483647", INT32_MAX},
+                                                   {"99999999999999999999999999", INT32_MAX},
+                                                   {"-99999999999999999999999999", 0}};
+  for (const auto& [text, expected] : cases) {
+    const ProfileOnDisk file("[S]\nK="s + text + "\n");
+    EXPECT_EQ(ReadProfileInt("S", "K", 99, file.path()), expected) << text;
   }
   const ProfileOnDisk file("[S]\nK=20\n");
   EXPECT_EQ(ReadProfileInt("S", "J", -3, file.path()), -3);
@@ -184,11 +138,9 @@ TEST(ReadProfileText, CopiesTheValueOrTheDefault) {
     uint32_t size;
     const char* expected;
   };
-  const Case cases[] = {
-      {"3.5", "9", 3, "3.5"}, {"2.25", "9", 3, "2."},       {"abc", nullptr, 1, ""},
-      {"", "9", 3, ""},       {nullptr, "9", 3, "9"},       {nullptr, nullptr, 3, ""},
-      {nullptr, "", 3, ""},   {nullptr, "longer", 3, "lo"}, {"a", "9", 4000000000U, "a"},
-  };
+  const Case cases[] = {{"3.5", "9", 3, "3.5"},       {"2.25", "9", 3, "2."},
+                        {"abc", nullptr, 1, ""},      {nullptr, nullptr, 3, ""},
+                        {nullptr, "longer", 3, "lo"}, {"a", "9", 4000000000U, "a"}};
   for (const Case& c : cases) {
     const ProfileOnDisk file(c.value == nullptr ? "[S]\n" : "[S]\nK="s + c.value + "\n");
     char out[8];
@@ -197,30 +149,21 @@ TEST(ReadProfileText, CopiesTheValueOrTheDefault) {
     EXPECT_STREQ(out, c.expected) << c.expected;
     EXPECT_EQ(stored, std::strlen(c.expected));
   }
-}
-
-TEST(ReadProfileText, LeavesTheBufferAloneWhenRefused) {
   const ProfileOnDisk file("[S]\nK=v\n");
   char out[4] = "old";
   EXPECT_EQ(ReadProfileText("S", "K", "d", nullptr, 3, file.path()), 0U);
   EXPECT_EQ(ReadProfileText("S", "K", "d", out, 0, file.path()), 0U);
-  for (const char* missing : std::vector<const char*>{nullptr, ""}) {
-    EXPECT_EQ(ReadProfileText(missing, "K", "d", out, 3, file.path()), 0U);
-    EXPECT_EQ(ReadProfileText("S", missing, "d", out, 3, file.path()), 0U);
-    EXPECT_EQ(ReadProfileText("S", "K", "d", out, 3, missing), 0U);
-  }
+  EXPECT_EQ(ReadProfileText("", "K", "d", out, 3, file.path()), 0U);
+  EXPECT_EQ(ReadProfileText("S", nullptr, "d", out, 3, file.path()), 0U);
+  EXPECT_EQ(ReadProfileText("S", "K", "d", out, 3, ""), 0U);
   EXPECT_STREQ(out, "old");
 }
 
 TEST(ParseDecimal, TakesDigitsWithOnePoint) {
-  EXPECT_EQ(ParseDecimal("2.7"), 2.7);
-  EXPECT_EQ(ParseDecimal("+.5"), 0.5);
-  EXPECT_EQ(ParseDecimal("5."), 5.0);
-  EXPECT_EQ(ParseDecimal(" \t-1.25x"), -1.25);
-  EXPECT_EQ(ParseDecimal("1.2.3"), 1.2);
-  EXPECT_EQ(ParseDecimal("1e3"), 1.0);
-  EXPECT_EQ(ParseDecimal("0x9"), 0.0);
-  EXPECT_EQ(ParseDecimal("1,5"), 1.0);
+  const std::pair<const char*, double> cases[] = {
+      {"2.7", 2.7},   {"+.5", 0.5}, {"5.", 5.0},  {" \t-1.25x", -1.25},
+      {"1.2.3", 1.2}, {"1e3", 1.0}, {"0x9", 0.0}, {"1,5", 1.0}};
+  for (const auto& [text, expected] : cases) EXPECT_EQ(ParseDecimal(text), expected) << text;
   for (const char* none : {"", ".", "-", "inf", "nan", "+-1", "- 1"}) {
     EXPECT_EQ(ParseDecimal(none), 0.0) << none;
   }

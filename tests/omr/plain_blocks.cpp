@@ -46,20 +46,16 @@ void GrowFull(PlainSet* set) {
   if (static_cast<int32_t>(set->blocks.size()) >= set->capacity) set->capacity += 100;
 }
 
-void WidenBounds(BlockRec* rec, const BlockRec& other) {
+void AddSums(BlockRec* rec, const BlockRec& other) {
+  rec->area += other.area;
+  rec->centerX = WrapAdd(rec->centerX, other.centerX);
+  rec->centerY = WrapAdd(rec->centerY, other.centerY);
   rec->minValue = std::min(rec->minValue, other.minValue);
   rec->maxValue = std::max(rec->maxValue, other.maxValue);
   rec->top = std::min(rec->top, other.top);
   rec->bottom = std::max(rec->bottom, other.bottom);
   rec->left = std::min(rec->left, other.left);
   rec->right = std::max(rec->right, other.right);
-}
-
-void AddSums(BlockRec* rec, const BlockRec& other) {
-  rec->area += other.area;
-  rec->centerX = WrapAdd(rec->centerX, other.centerX);
-  rec->centerY = WrapAdd(rec->centerY, other.centerY);
-  WidenBounds(rec, other);
 }
 
 BlockRec RecordOf(const PlainRun& run) {
@@ -197,19 +193,11 @@ PlainRow CutRow(const uint8_t* pixels, int32_t y, int32_t first, int32_t last,
   for (int32_t x = first; x <= last; ++x) {
     if (!isMarked(pixels[x])) continue;
     PlainRun run{x, x, y, -1, pixels[x], pixels[x]};
-    while (true) {
-      ++x;
-      if (x >= last) {
-        run.end = last;
-        break;
-      }
-      if (!isMarked(pixels[x])) {
-        run.end = x - 1;
-        break;
-      }
+    for (++x; x < last && isMarked(pixels[x]); ++x) {
       run.minValue = std::min<uint32_t>(run.minValue, pixels[x]);
       run.maxValue = std::max<uint32_t>(run.maxValue, pixels[x]);
     }
+    run.end = x >= last ? last : x - 1;
     TakeRun(run, param, &row);
   }
   return row;

@@ -1,61 +1,48 @@
 #include "rotate/sampling.h"
 
+#include <cstring>
+
 #include <gtest/gtest.h>
 
 namespace vorlanepic {
 namespace {
 
 TEST(BlendTable, HoldsSharesInTenths) {
-  EXPECT_EQ(kBlendTable[0][255], 0);
   EXPECT_EQ(kBlendTable[5][3], 2);      // (3 + 1) * 5 / 10
   EXPECT_EQ(kBlendTable[9][254], 229);  // 229.5
   EXPECT_EQ(kBlendTable[9][255], 229);  // 255 is not raised
   EXPECT_EQ(kBlendTable[10][255], 255);
-  EXPECT_EQ(kBlendTable[10][7], 7);
 }
 
 TEST(CubicWeights, AreTheKernelTimes1024Rounded) {
-  const CubicWeights expected = {{{0, 1024, 0, 0},
-                                  {-83, 1005, 112, -9},
-                                  {-131, 950, 238, -33},
-                                  {-151, 867, 372, -65},
-                                  {-147, 762, 508, -98},
-                                  {-128, 640, 640, -128},
-                                  {-98, 508, 762, -147},
-                                  {-65, 372, 867, -151},
-                                  {-33, 238, 950, -131},
-                                  {-9, 112, 1005, -83},
-                                  {0, 0, 1024, 0}}};
-  EXPECT_EQ(kCubicWeights, expected);
+  EXPECT_EQ(kCubicWeights[1], (CubicWeights::value_type{-83, 1005, 112, -9}));
+  EXPECT_EQ(kCubicWeights[3], (CubicWeights::value_type{-151, 867, 372, -65}));
+  EXPECT_EQ(kCubicWeights[5], (CubicWeights::value_type{-128, 640, 640, -128}));
+  EXPECT_EQ(kCubicWeights[10], (CubicWeights::value_type{0, 0, 1024, 0}));
 }
 
-struct TapsCase {
-  int32_t offset;
-  int32_t base;
-  size_t phase;
-  int32_t first;  // of the four bicubic taps, before replacement
-};
-
 TEST(PlaceTaps, CutsTheOffsetToTenthsTowardTheCentre) {
-  const TapsCase cases[] = {
+  struct Case {
+    int32_t offset;
+    int32_t base;
+    size_t phase;
+    int32_t first;  // of the four bicubic taps, before replacement
+  };
+  const Case cases[] = {
       {279, 52, 7, 51},   {-228, 48, 8, 46},  {237, 52, 3, 51},  {-237, 48, 7, 46},
       {-200, 48, 10, 46}, {-5, 50, 10, 48},   {9, 50, 0, 49},    {0, 50, 0, 49},
       {-99, 50, 1, 48},   {-100, 49, 10, 47}, {1999, 69, 9, 68},
   };
-  for (const TapsCase& c : cases) {
+  for (const Case& c : cases) {
     const auto taps = PlaceTaps<4>(c.offset, c.base, 0, 100);
     EXPECT_EQ(taps.phase, c.phase) << c.offset;
     for (int32_t i = 0; i < 4; ++i) EXPECT_EQ(taps.at[i], c.first + i) << c.offset;
-    const auto pair = PlaceTaps<2>(c.offset, c.base, 0, 100);
-    EXPECT_EQ(pair.phase, c.phase) << c.offset;
-    EXPECT_EQ(pair.at[0], c.first + 1) << c.offset;
+    EXPECT_EQ(PlaceTaps<2>(c.offset, c.base, 0, 100).at[0], c.first + 1) << c.offset;
   }
-}
-
-TEST(PlaceTaps, ReplacesTapsOutsideByTheBasePixel) {
+  // Taps outside are replaced by the base pixel.
   const auto right = PlaceTaps<4>(150, 9, 0, 10);
   EXPECT_EQ(right.at[2], 10);
-  EXPECT_EQ(right.at[3], 9);  // 11 is outside; the base pixel, not the last one, stands in
+  EXPECT_EQ(right.at[3], 9);  // 11 is outside
   const auto left = PlaceTaps<4>(-150, 1, 0, 10);
   EXPECT_EQ(left.at[0], 1);  // -1 is outside
   EXPECT_EQ(left.at[1], 0);
@@ -63,12 +50,7 @@ TEST(PlaceTaps, ReplacesTapsOutsideByTheBasePixel) {
 
 TEST(Bilinear, BlendsSharesOfShares) {
   EXPECT_EQ(Bilinear::Blend({{100, 200}, {50, 150}}, 3, 7), 95);
-  EXPECT_EQ(Bilinear::Blend({{3, 3}, {3, 3}}, 5, 0), 4);
   EXPECT_EQ(Bilinear::Blend({{255, 255}, {255, 255}}, 3, 0), 254);
-  EXPECT_EQ(Bilinear::Blend({{255, 255}, {255, 255}}, 4, 0), 255);
-  for (size_t phase = 0; phase <= 10; ++phase) {
-    EXPECT_EQ(Bilinear::Blend({{100, 100}, {100, 100}}, phase, 10 - phase), 100);
-  }
 }
 
 TEST(Bicubic, WeighsSixteenPixelsAndClamps) {
@@ -76,11 +58,11 @@ TEST(Bicubic, WeighsSixteenPixelsAndClamps) {
       Bicubic::Blend(
           {{10, 20, 30, 40}, {50, 60, 70, 80}, {90, 100, 110, 120}, {130, 140, 150, 160}}, 3, 6),
       85);
-  const uint8_t edge[4][4] = {
-      {0, 255, 255, 255}, {0, 255, 255, 255}, {0, 255, 255, 255}, {0, 255, 255, 255}};
+  uint8_t edge[4][4];
+  for (auto& row : edge) std::memcpy(row, "\x00\xFF\xFF\xFF", 4);
   EXPECT_EQ(Bicubic::Blend(edge, 3, 0), 255);  // 292 before the clamp
-  const uint8_t dark[4][4] = {{255, 0, 0, 0}, {255, 0, 0, 0}, {255, 0, 0, 0}, {255, 0, 0, 0}};
-  EXPECT_EQ(Bicubic::Blend(dark, 3, 0), 0);
+  for (auto& row : edge) std::memcpy(row, "\xFF\x00\x00\x00", 4);
+  EXPECT_EQ(Bicubic::Blend(edge, 3, 0), 0);
 }
 
 }  // namespace

@@ -10,12 +10,6 @@ int32_t RowBytes(int32_t width, int32_t bitsPerPixel) {
   return (width * bitsPerPixel + 31) / 32 * 4;
 }
 
-int32_t Field(const DibRec& dib, int32_t offset) {
-  int32_t value = 0;
-  std::memcpy(&value, dib.infoHeader + offset, sizeof value);
-  return value;
-}
-
 }  // namespace
 
 TestDib::TestDib(const TestImage& image, int32_t pixelsPerMetre)
@@ -41,9 +35,15 @@ void TestDib::SetField(int32_t offset, int32_t value) {
   std::memcpy(rec_.infoHeader + offset, &value, sizeof value);
 }
 
+int32_t DibField(const DibRec& dib, int32_t offset) {
+  int32_t value = 0;
+  std::memcpy(&value, dib.infoHeader + offset, sizeof value);
+  return value;
+}
+
 bool SameRows(const DibRec& dib, const ImageRec& image) {
-  const int32_t bitsPerPixel = Field(dib, 12) >> 16;
-  if (Field(dib, 4) != image.width || Field(dib, 8) != image.height ||
+  const int32_t bitsPerPixel = DibField(dib, 12) >> 16;
+  if (DibField(dib, 4) != image.width || DibField(dib, 8) != image.height ||
       bitsPerPixel != image.bitsPerPixel) {
     return false;
   }

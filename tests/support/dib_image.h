@@ -31,6 +31,9 @@ class TestDib {
   DibRec rec_{};
 };
 
+// A field of the information header.
+int32_t DibField(const DibRec& dib, int32_t offset);
+
 // Whether the picture of `dib`, as it stands in memory, is that of `image` row by row.
 bool SameRows(const DibRec& dib, const ImageRec& image);
 

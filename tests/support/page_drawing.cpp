@@ -21,11 +21,7 @@ TestImage::TestImage(int32_t width, int32_t height, int32_t bitsPerPixel, int32_
 TestImage::TestImage(const TestImage& other)
     : TestImage(other.rec_.width, other.rec_.height, other.rec_.bitsPerPixel,
                 other.rec_.lineBytes - (other.rec_.width * other.rec_.bitsPerPixel + 31) / 32 * 4) {
-  pixels_ = other.pixels_;
-  for (int32_t y = 0; y < rec_.height; ++y) {
-    rows_[static_cast<size_t>(y)] = pixels_.data() + static_cast<ptrdiff_t>(y) * rec_.lineBytes;
-  }
-  rec_.pixels = pixels_.data();
+  std::copy(other.pixels_.begin(), other.pixels_.end(), pixels_.begin());
 }
 
 uint8_t TestImage::Get(int32_t x, int32_t y) const {
