@@ -18,6 +18,8 @@ install(FILES ${CMAKE_BINARY_DIR}/VorlanePicConfig.cmake
               ${CMAKE_BINARY_DIR}/VorlanePicConfigVersion.cmake
   DESTINATION ${package_dir})
 
+# From the folder of the pkg-config files back to the prefix, so that an installation can be moved.
+file(RELATIVE_PATH pc_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 foreach(library imgbuf vorlanepic)
   configure_file(cmake/${library}.pc.in ${CMAKE_BINARY_DIR}/${library}.pc @ONLY)
   install(FILES ${CMAKE_BINARY_DIR}/${library}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
