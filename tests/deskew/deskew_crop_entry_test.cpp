@@ -181,9 +181,11 @@ TEST_F(DeskewEntryTest, ReleasesEverythingWhenTheHeapIsExhausted) {
           if (out.bits != nullptr) ImgbufDestory(&out);
         },
         [&](int32_t) {
+          EXPECT_EQ(imgbuf_.aliveImages(), 0);
+          // A thread that can't be had is done without.
+          if (status == STATUS_OK) return;
           ++failures;
           EXPECT_EQ(status, OUT_OF_MEMORY);
-          EXPECT_EQ(imgbuf_.aliveImages(), 0);
         });
     EXPECT_GT(failures, 10);
     EXPECT_EQ(status, STATUS_OK);

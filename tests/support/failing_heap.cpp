@@ -2,7 +2,12 @@
 
 #include <atomic>
 #include <cstddef>
+
+#if defined(_WIN32)
+#include <windows.h>
+#else
 #include <thread>
+#endif
 
 // NOLINTBEGIN(bugprone-reserved-identifier): the names that the linker's --wrap asks for
 extern "C" {
@@ -15,15 +20,24 @@ void* __real_realloc(void* block, size_t bytes);
 namespace vorlanepic::testing {
 namespace {
 
-// Requests of other threads, workers and the test framework, are left alone. The thread is kept as
-// an id, because the first use of a thread_local variable is a heap request on some systems.
+// Names the running thread without asking for memory. On Windows the standard thread id and the
+// first use of a thread_local variable both do, in a thread that has just begun.
+#if defined(_WIN32)
+using ThreadId = DWORD;
+ThreadId CurrentThread() { return GetCurrentThreadId(); }
+#else
+using ThreadId = std::thread::id;
+ThreadId CurrentThread() { return std::this_thread::get_id(); }
+#endif
+
+// Requests of other threads, workers and the test framework, are left alone.
 std::atomic<bool> armed{false};
-std::thread::id owner;
+std::atomic<ThreadId> owner{};
 int32_t requestsLeft = -1;
 bool failed = false;
 
 bool Strikes() {
-  if (!armed || std::this_thread::get_id() != owner) return false;
+  if (!armed || CurrentThread() != owner) return false;
   if (requestsLeft < 0 || requestsLeft-- > 0) return false;
   failed = true;
   return true;
@@ -32,7 +46,7 @@ bool Strikes() {
 }  // namespace
 
 FailingHeap::FailingHeap(int32_t n) {
-  owner = std::this_thread::get_id();
+  owner = CurrentThread();
   requestsLeft = n;
   failed = false;
   armed = true;
