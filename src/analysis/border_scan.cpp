@@ -42,18 +42,31 @@ void ForEachFullPoint(SideTrace& trace, Visit visit) {
   }
 }
 
+// Where the settings keep the segments that hold an extreme point.
+struct ExtremeSegments {
+  int32_t* first;
+  int32_t* last;
+};
+
+// Finds the point that lies farthest along `axis`, in direction -1 or 1 of it, starting from the
+// limit that `extreme` holds there. The first of equal points wins; `last` follows the others.
+void FindExtreme(SideTrace& side, int32_t EdgePoint::*axis, int32_t direction, EdgePoint* extreme,
+                 ExtremeSegments segments) {
+  *segments.first = 0;
+  ForEachFullPoint(side, [&](EdgePoint point, int32_t index) {
+    const int32_t ahead = (point.*axis - extreme->*axis) * direction;
+    if (ahead > 0) {
+      *extreme = point;
+      *segments.first = index;
+    }
+    if (ahead >= 0) *segments.last = index;
+  });
+}
+
 void FindLeftmost(SideTrace& left, int32_t width, EdgePoint* leftmost) {
   leftmost->x = width;
-  settings.LeftExtremeSegFirst = 0;
-  ForEachFullPoint(left, [&](EdgePoint point, int32_t index) {
-    if (point.x < leftmost->x) {
-      *leftmost = point;
-      settings.LeftExtremeSegFirst = index;
-      settings.LeftExtremeSegLast = index;
-    } else if (point.x == leftmost->x) {
-      settings.LeftExtremeSegLast = index;
-    }
-  });
+  FindExtreme(left, &EdgePoint::x, -1, leftmost,
+              {&settings.LeftExtremeSegFirst, &settings.LeftExtremeSegLast});
 }
 
 // Unlike on the other sides the last of equal points wins.
@@ -70,30 +83,14 @@ void FindRightmost(SideTrace& right, EdgePoint* rightmost) {
 
 void FindTopmost(SideTrace& top, int32_t height, EdgePoint* topmost) {
   topmost->y = height;
-  settings.TopExtremeSegFirst = 0;
-  ForEachFullPoint(top, [&](EdgePoint point, int32_t index) {
-    if (point.y < topmost->y) {
-      *topmost = point;
-      settings.TopExtremeSegFirst = index;
-      settings.TopExtremeSegLast = index;
-    } else if (point.y == topmost->y) {
-      settings.TopExtremeSegLast = index;
-    }
-  });
+  FindExtreme(top, &EdgePoint::y, -1, topmost,
+              {&settings.TopExtremeSegFirst, &settings.TopExtremeSegLast});
 }
 
 void FindBottommost(SideTrace& bottom, EdgePoint* bottommost) {
   bottommost->y = 0;
-  settings.BottomExtremeSegFirst = 0;
-  ForEachFullPoint(bottom, [&](EdgePoint point, int32_t index) {
-    if (point.y > bottommost->y) {
-      *bottommost = point;
-      settings.BottomExtremeSegFirst = index;
-      settings.BottomExtremeSegLast = index;
-    } else if (point.y == bottommost->y) {
-      settings.BottomExtremeSegLast = index;
-    }
-  });
+  FindExtreme(bottom, &EdgePoint::y, 1, bottommost,
+              {&settings.BottomExtremeSegFirst, &settings.BottomExtremeSegLast});
 }
 
 template <typename Pixel>
