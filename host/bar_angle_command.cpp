@@ -155,15 +155,7 @@ CommandRun AddBarAngle(CLI::App* app) {
   CLI::App* command = app->add_subcommand(
       "bar-angle", "Measure how far a mark sheet is turned, by its reference bar");
   AddMeasureOptions(command, &options->batch);
-  command
-      ->add_option("--threshold", options->threshold,
-                   "Grey level: the bar is at or below it, paper above [where the picture's levels "
-                   "part best]")
-      ->check(CLI::Range(0, 255));
-  command
-      ->add_option("--dpi", options->dpi,
-                   "Dots per inch, instead of what the file says; 200 when it says nothing")
-      ->check(CLI::Range(1, 4800));
+  AddBarPageOptions(command, &options->threshold, &options->dpi);
   command
       ->add_option("--min-length", options->minLength,
                    "Shortest bar in pixels, along its diagonal [600 at 200 dpi]")

@@ -62,15 +62,7 @@ CommandRun AddForm(CLI::App* app) {
       "form", "Straighten and crop a form by its printed reference bar: one long, thin, solid bar");
   AddBatchOptions(command, &options->batch);
   AddInterpolationOption(command, &options->interpolation);
-  command
-      ->add_option("--threshold", options->threshold,
-                   "Grey level: the bar is at or below it, paper above [where the picture's levels "
-                   "part best]")
-      ->check(CLI::Range(0, 255));
-  command
-      ->add_option("--dpi", options->dpi,
-                   "Dots per inch, instead of what the file says; 200 when it says nothing")
-      ->check(CLI::Range(1, 4800));
+  AddBarPageOptions(command, &options->threshold, &options->dpi);
   AddContentOptions(command, &options->deskew);
   AddFillOption(command, &options->fill);
   command->footer(

@@ -41,6 +41,16 @@ void AddMeasureOptions(CLI::App* app, BatchRequest* request) {
   AddOverwriteOptions(app, request);
 }
 
+void AddBarPageOptions(CLI::App* app, int32_t* threshold, int32_t* dpi) {
+  app->add_option("--threshold", *threshold,
+                  "Grey level: the bar is at or below it, paper above [where the picture's levels "
+                  "part best]")
+      ->check(CLI::Range(0, 255));
+  app->add_option("--dpi", *dpi,
+                  "Dots per inch, instead of what the file says; 200 when it says nothing")
+      ->check(CLI::Range(1, 4800));
+}
+
 void AddInterpolationOption(CLI::App* app, int32_t* interpolation) {
   static const std::map<std::string, int32_t> kNames = {
       {"bicubic", INTERP_BICUBIC}, {"bilinear", INTERP_BILINEAR}, {"nearest", INTERP_NEAREST}};

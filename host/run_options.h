@@ -20,6 +20,9 @@ void AddBatchOptions(CLI::App* app, BatchRequest* request);
 // INPUT..., --overlay, --json and what overlays need, for commands that only measure.
 void AddMeasureOptions(CLI::App* app, BatchRequest* request);
 
+// --threshold N and --dpi N, for commands that look for a reference bar.
+void AddBarPageOptions(CLI::App* app, int32_t* threshold, int32_t* dpi);
+
 // --interpolation bicubic|bilinear|nearest.
 void AddInterpolationOption(CLI::App* app, int32_t* interpolation);
 
