@@ -29,7 +29,7 @@ constexpr Kind kKinds[] = {
     {"colour_nearest", 24, INTERP_NEAREST}, {"colour_bicubic", 24, INTERP_BICUBIC},
     {"bit_nearest", 1, INTERP_NEAREST}};
 
-constexpr const char* kSetNames[] = {"scalar", "sse2", "avx2"};
+constexpr const char* kSetNames[] = {"scalar", "sse2", "avx2", "avx512"};
 
 // A page of 9/10 the width and 14/15 the height of its image, turned about the middle.
 struct Scan {

@@ -12,8 +12,10 @@ namespace vorlanepic {
 inline constexpr int32_t kStripColumns = 384;
 // Kernels take no run shorter than this.
 inline constexpr int32_t kShortestRun = 16;
-// Kernels may read this many bytes from a tap on, also in each of the `rowsOfEight` rows below it.
-inline constexpr int32_t kReadAhead = 16;
+// Kernels may read this many bytes from a tap on, also in each of the `rows` rows below it, and as
+// many steps behind a run.
+inline constexpr int32_t kReadAhead = 128;
+inline constexpr int32_t kMostNeighbours = 64;
 
 // A run of neighbouring output pixels whose taps all lie in the region. Pixel i of the run lies
 //   x = (stepX[i] + startX) mod 2^16, y = (stepY[i] + startY) mod 2^16
@@ -28,37 +30,45 @@ struct PixelRun {
   const uint16_t* stepY;
   uint16_t startX;
   uint16_t startY;
-  bool isFallingX;      // whether x falls along the run
-  bool isFallingY;      // whether y does
-  int32_t rowsOfEight;  // source rows, at most, by which the y of 8 neighbours differ; at least 1
-  int32_t rowsOfFour;   // the same for 4 neighbours
-  uintptr_t ahead;      // bytes from a source pixel to the one that a later row needs, mod 2^n
-  uint8_t* out;         // first byte of the run; at 1 bit it begins with the run
-  int32_t count;        // pixels, at least kShortestRun; a multiple of 8 at 1 bit
+  bool isFallingX;  // whether x falls along the run
+  bool isFallingY;  // whether y does
+  int32_t rows;     // by which the rows of the kernel's neighbours differ at most; at least 1
+  uintptr_t ahead;  // bytes from a source pixel to the one that a later row needs, mod 2^n
+  uint8_t* out;     // first byte of the run; at 1 bit it begins with the run
+  int32_t count;    // pixels, at least kShortestRun; a multiple of 8 at 1 bit
 };
 
-using RunKernel = void (*)(const PixelRun& run);
+// A kernel, which computes a run. It takes the source's rows for several neighbours together and is
+// not made for turns that spread these over more rows than it can do with.
+struct RotateKernel {
+  void (*run)(const PixelRun& run);
+  int32_t neighbours;  // pixels taken together, 1 to kMostNeighbours
+  int32_t mostRows;    // by which their rows may differ
+};
 
 // Kernels by PixelKind.
 struct KernelTable {
-  RunKernel kernels[kPixelKinds];
-
-  RunKernel For(PixelKind kind) const { return kernels[static_cast<size_t>(kind)]; }
+  RotateKernel kernels[kPixelKinds];
 };
 
-enum class InstructionSet : int32_t { kScalar, kSse2, kAvx2 };
-inline constexpr InstructionSet kInstructionSets[] = {InstructionSet::kScalar,
-                                                      InstructionSet::kSse2, InstructionSet::kAvx2};
+enum class InstructionSet : int32_t { kScalar, kSse2, kAvx2, kAvx512 };
+inline constexpr InstructionSet kInstructionSets[] = {
+    InstructionSet::kScalar, InstructionSet::kSse2, InstructionSet::kAvx2, InstructionSet::kAvx512};
 
 // Whether this machine has the instruction set and this library kernels for it.
 bool HasInstructionSet(InstructionSet set);
 
 // The last of kInstructionSets that this machine has; in builds with test hooks, the one that the
-// environment variable VORLANEPIC_INSTRUCTION_SET names (scalar, sse2, avx2).
+// environment variable VORLANEPIC_INSTRUCTION_SET names (scalar, sse2, avx2, avx512).
 InstructionSet BestInstructionSet();
 
-// The kernels in use: those of the best instruction set, unless another was selected.
-const KernelTable& RotateKernels();
+// The kernel for a rotation with these steps: of the best instruction set, unless another was
+// selected, or of one before it when that one's is not made for such a turn.
+const RotateKernel& RotateKernelFor(PixelKind kind, const StepTables& steps);
+
+// By how many source rows neighbours differ at most when `count` of them are taken together; at
+// least 1.
+int32_t RowsOfNeighbours(int32_t count, const StepTables& steps);
 
 // Makes rotations use the kernels of `set`, which the machine has, from the next call on. For
 // tests: calls that are under way must have ended.
@@ -67,5 +77,6 @@ void SelectRotateKernels(InstructionSet set);
 extern const KernelTable kScalarKernels;
 extern const KernelTable kSse2Kernels;
 extern const KernelTable kAvx2Kernels;
+extern const KernelTable kAvx512Kernels;
 
 }  // namespace vorlanepic

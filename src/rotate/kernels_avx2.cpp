@@ -103,7 +103,7 @@ TARGET_AVX2 inline __m256i NearestBytes(const PixelRun& run, const Windows& wind
   const __m256i bytes =
       _mm256_add_epi16(windows.byte, _mm256_set1_epi16(static_cast<int16_t>(0x8000)));
   __m256i taken = ShuffledRow(windows, 0, bytes);
-  for (int32_t r = 1; r <= run.rowsOfEight; ++r) {
+  for (int32_t r = 1; r <= run.rows; ++r) {
     const __m256i next = ShuffledRow(windows, r * run.sourceLine, bytes);
     const __m256i isNext =
         _mm256_cmpeq_epi16(windows.row, _mm256_set1_epi16(static_cast<int16_t>(r)));
@@ -157,7 +157,7 @@ TARGET_AVX2 inline void GreyBilinear16(const PixelRun& run, int32_t i) {
     const __m256i next = ShuffledRow(windows, (r + 1) * run.sourceLine, bytes);
     top = _mm256_blendv_epi8(top, below, isHere);
     bottom = _mm256_blendv_epi8(bottom, next, isHere);
-    if (r == run.rowsOfEight) break;
+    if (r == run.rows) break;
     below = next;
   }
   StoreBytes(run.out + i,
@@ -358,7 +358,7 @@ TARGET_AVX2 inline void GreyBicubic8(const PixelRun& run, int32_t i) {
   for (int32_t k = 0; k < 4; ++k) {
     taps[k] = below[k] = ShuffledRow(windows, k * run.sourceLine, bytes);
   }
-  for (int32_t r = 1; r <= run.rowsOfFour; ++r) {
+  for (int32_t r = 1; r <= run.rows; ++r) {
     const __m256i isHere = _mm256_cmpeq_epi32(windows.row, _mm256_set1_epi32(r));
     for (int32_t k = 0; k < 3; ++k) below[k] = below[k + 1];
     below[3] = ShuffledRow(windows, (r + 3) * run.sourceLine, bytes);
@@ -429,9 +429,8 @@ TARGET_AVX2 inline void RunBlocks(const PixelRun& run) {
 template <int kBlock, void (*kPixels)(const PixelRun&, int32_t)>
 TARGET_AVX2 void InBlocks(const PixelRun& run) {
   PixelRun own = run;
-  if (run.rowsOfEight == 1) {
-    own.rowsOfEight = 1;
-    own.rowsOfFour = 1;
+  if (run.rows == 1) {
+    own.rows = 1;
     RunBlocks<kBlock, kPixels>(own);
   } else {
     RunBlocks<kBlock, kPixels>(own);
@@ -440,9 +439,12 @@ TARGET_AVX2 void InBlocks(const PixelRun& run) {
 
 }  // namespace
 
-const KernelTable kAvx2Kernels = {{InBlocks<16, BitNearest16>, InBlocks<16, GreyNearest16>,
-                                   InBlocks<16, GreyBilinear16>, InBlocks<8, GreyBicubic8>,
-                                   InBlocks<8, ColourNearest8>, InBlocks<8, ColourBilinear8>,
-                                   InBlocks<8, ColourBicubic8>}};
+const KernelTable kAvx2Kernels = {{{InBlocks<16, BitNearest16>, 8, INT32_MAX},
+                                   {InBlocks<16, GreyNearest16>, 8, INT32_MAX},
+                                   {InBlocks<16, GreyBilinear16>, 8, INT32_MAX},
+                                   {InBlocks<8, GreyBicubic8>, 4, INT32_MAX},
+                                   {InBlocks<8, ColourNearest8>, 1, INT32_MAX},
+                                   {InBlocks<8, ColourBilinear8>, 1, INT32_MAX},
+                                   {InBlocks<8, ColourBicubic8>, 1, INT32_MAX}}};
 
 }  // namespace vorlanepic

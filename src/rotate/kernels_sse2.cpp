@@ -289,8 +289,12 @@ TARGET_SSE2 void InEights(const PixelRun& run) {
 
 }  // namespace
 
+constexpr RotateKernel OneByOne(void (*run)(const PixelRun&)) { return {run, 1, INT32_MAX}; }
+
 const KernelTable kSse2Kernels = {
-    {InEights<BitNearest8>, InEights<Nearest8<1>>, InEights<GreyBilinear8>, InEights<GreyBicubic8>,
-     InEights<Nearest8<3>>, InEights<ColourBilinear8>, InEights<ColourBicubic8>}};
+    {OneByOne(InEights<BitNearest8>), OneByOne(InEights<Nearest8<1>>),
+     OneByOne(InEights<GreyBilinear8>), OneByOne(InEights<GreyBicubic8>),
+     OneByOne(InEights<Nearest8<3>>), OneByOne(InEights<ColourBilinear8>),
+     OneByOne(InEights<ColourBicubic8>)}};
 
 }  // namespace vorlanepic

@@ -23,7 +23,7 @@ inline constexpr int kCubicShift = 10;
 // Two of the four cubic weights for each phase 0..10 as neighbouring words; 16 entries fill
 // vectors.
 struct CubicPairTable {
-  alignas(32) int32_t pairs[16];
+  alignas(64) int32_t pairs[16];
 };
 
 constexpr CubicPairTable MakeCubicPairs(size_t low, size_t high) {

@@ -124,11 +124,8 @@ bool TiledRotation::Suits(const RotateJob& job) {
 TiledRotation::TiledRotation(const RotateJob& job)
     : job_(job),
       rule_(PixelRuleOf(job.source.bitsPerPixel, job.turn.interpolation)),
-      kernel_(RotateKernels().For(rule_.kind)) {
-  // Steps k apart differ by at most the k-th entry and 2; 99 is the most that the first one lies
-  // behind a whole pixel.
-  rowsOfEight_ = std::max(1, (std::abs(job.steps.Sin(7)) + 101) / 100);
-  rowsOfFour_ = std::max(1, (std::abs(job.steps.Sin(3)) + 101) / 100);
+      kernel_(RotateKernelFor(rule_.kind, job.steps)),
+      rows_(RowsOfNeighbours(kernel_.neighbours, job.steps)) {
   // Unsigned, since what lies ahead may lie outside the source and its addresses.
   const int32_t rows = job.steps.Cos(10) * kRowsAhead / 1000;
   const int32_t bits = job.steps.Sin(10) * kRowsAhead / 1000 * job.source.bitsPerPixel;
@@ -136,14 +133,14 @@ TiledRotation::TiledRotation(const RotateJob& job)
            static_cast<uintptr_t>(bits / 8);
   // Whole rows below the last tap, so that reading on stays in the pixel block.
   const int32_t lineBytes = job.source.lineBytes;
-  const int32_t rowsBehind = rowsOfEight_ + (kReadAhead + lineBytes - 1) / lineBytes;
+  const int32_t rowsBehind = rows_ + (kReadAhead + lineBytes - 1) / lineBytes;
   lastSafeRow_ = std::min(job.region.bottom, job.source.height - 1 - rowsBehind);
 }
 
 bool TiledRotation::Build() {
   const auto width = static_cast<size_t>(job_.turn.outWidth);
-  if (!index_.Build(job_.region, job_.source.width) || !stepX_.Allocate(width) ||
-      !stepY_.Allocate(width)) {
+  if (!index_.Build(job_.region, job_.source.width) || !stepX_.Allocate(width + kMostNeighbours) ||
+      !stepY_.Allocate(width + kMostNeighbours)) {
     return false;
   }
   for (size_t x = 0; x < width; ++x) {
@@ -294,12 +291,11 @@ void TiledRotation::RunKernelOn(int32_t y, int32_t first, int32_t last) const {
   run.startY = static_cast<uint16_t>(firstY + raiseY - rowsOff * 100 - stepY_[x]);
   run.isFallingX = lastX < firstX;
   run.isFallingY = lastY < firstY;
-  run.rowsOfEight = rowsOfEight_;
-  run.rowsOfFour = rowsOfFour_;
+  run.rows = rows_;
   run.ahead = ahead_;
   run.out = job_.target.rows[y] + ByteOf(rule_, first);
   run.count = last - first + 1;
-  kernel_(run);
+  kernel_.run(run);
 }
 
 void TiledRotation::SamplePixels(int32_t y, int32_t first, int32_t last) const {

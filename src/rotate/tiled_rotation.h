@@ -65,9 +65,8 @@ class TiledRotation {
 
   const RotateJob& job_;
   const PixelRule& rule_;
-  const RunKernel kernel_;
-  int32_t rowsOfEight_;
-  int32_t rowsOfFour_;
+  const RotateKernel& kernel_;
+  const int32_t rows_;   // by which the rows of the kernel's neighbours differ
   uintptr_t ahead_;      // bytes from a source pixel to the one some output rows below it
   int32_t lastSafeRow_;  // of the source, for a tap of a kernel
   RegionIndex index_;

@@ -81,7 +81,8 @@ class TiledRotationTest : public ::testing::TestWithParam<InstructionSet> {
     const int32_t depth = source.rec()->bitsPerPixel;
     TestImage expected(turn.outWidth, turn.outHeight, depth);
     TestImage actual(turn.outWidth, turn.outHeight, depth);
-    const auto steps = static_cast<size_t>(std::max(turn.outWidth, turn.outHeight)) + 11;
+    const auto steps =
+        static_cast<size_t>(std::max(turn.outWidth, turn.outHeight)) + kMostNeighbours;
     RotateJob plain{*source.rec(), *expected.rec(), region, turn, kFill, {}};
     RotateJob fast{*source.rec(), *actual.rec(), region, turn, kFill, {}};
     ASSERT_TRUE(plain.steps.Build(turn.angle, steps) && fast.steps.Build(turn.angle, steps));
