@@ -57,7 +57,6 @@ class TiledRotation::RowWriter {
   Columns Finish();
 
  private:
-  void VisitPixel(int32_t x);
   void FlushInner();
 
   const TiledRotation& rotation_;
@@ -75,19 +74,11 @@ void TiledRotation::RowWriter::Visit(int32_t first, int32_t last) {
   } else if (rotation_.HoldsTapsOf(basePixels)) {
     AddInner(first, last);
   } else if (first == last) {
-    VisitPixel(first);
+    rotation_.VisitPixel(y_, first);
   } else {
     const int32_t middle = first + (last - first) / 2;
     Visit(first, middle);
     Visit(middle + 1, last);
-  }
-}
-
-void TiledRotation::RowWriter::VisitPixel(int32_t x) {
-  if (rotation_.IsInside(x, y_)) {
-    AddEdge(x, x);
-  } else {
-    FillPixels(rotation_.job_, rotation_.job_.target.rows[y_], x, x);
   }
 }
 
@@ -198,13 +189,50 @@ void TiledRotation::RotateRows(int32_t first, int32_t last) const {
 }
 
 void TiledRotation::RotateTile(const OutputRect& tile) const {
-  if (HoldsTapsOf(BasePixelsOf(tile))) {
-    for (int32_t y = tile.top; y <= tile.bottom; ++y) RotateInnerRun(y, tile.left, tile.right);
+  // Upright borders of a page leave narrow margins at the sides of a tile.
+  constexpr int32_t kMargins[][2] = {{0, 0}, {4, 0}, {0, 4}, {4, 4}, {16, 0}, {0, 16}, {16, 16}};
+  for (const auto& [before, behind] : kMargins) {
+    const OutputRect inner = {tile.left + before, tile.right - behind, tile.top, tile.bottom};
+    if (inner.right - inner.left < kShortestRun || !HoldsTapsOf(BasePixelsOf(inner))) continue;
+    const bool isOneSided = IsOneSided(inner);
+    for (int32_t y = tile.top; y <= tile.bottom; ++y) {
+      VisitColumns(y, tile.left, inner.left - 1);
+      if (isOneSided) {
+        RotateOneSidedRun(y, inner.left, inner.right);
+      } else {
+        RotateInnerRun(y, inner.left, inner.right);
+      }
+      VisitColumns(y, inner.right + 1, tile.right);
+    }
     return;
   }
   Columns likely;
   for (int32_t y = tile.top; y <= tile.bottom; ++y) {
     likely = RotateMixedRow(y, tile.left, tile.right, likely);
+  }
+}
+
+bool TiledRotation::IsOneSided(const OutputRect& rect) const {
+  const auto haveOneSign = [](int32_t a, int32_t b, int32_t c, int32_t d) {
+    return (a < 0) == (b < 0) && (b < 0) == (c < 0) && (c < 0) == (d < 0);
+  };
+  return haveOneSign(OffsetX(rect.left, rect.top), OffsetX(rect.right, rect.top),
+                     OffsetX(rect.left, rect.bottom), OffsetX(rect.right, rect.bottom)) &&
+         haveOneSign(OffsetY(rect.left, rect.top), OffsetY(rect.right, rect.top),
+                     OffsetY(rect.left, rect.bottom), OffsetY(rect.right, rect.bottom));
+}
+
+void TiledRotation::VisitColumns(int32_t y, int32_t first, int32_t last) const {
+  for (int32_t x = first; x <= last; ++x) VisitPixel(y, x);
+}
+
+// A pixel outside the region keeps, at 1 bit, what its row was filled with before.
+void TiledRotation::VisitPixel(int32_t y, int32_t x) const {
+  const SourcePoint point = SourcePointOf(job_, x, y);
+  if (IsInRegion(job_, point)) {
+    rule_.sample(job_, point, job_.target.rows[y], x);
+  } else if (rule_.bitsPerPixel != 1) {
+    FillPixels(job_, job_.target.rows[y], x, x);
   }
 }
 

@@ -54,7 +54,13 @@ class TiledRotation {
   bool IsInside(int32_t x, int32_t y) const;
   bool IsInner(int32_t x, int32_t y) const;
 
+  // Whether neither offset changes its sign.
+  bool IsOneSided(const OutputRect& rect) const;
+
   void RotateTile(const OutputRect& tile) const;
+  // Pixels of any kind, one by one.
+  void VisitColumns(int32_t y, int32_t first, int32_t last) const;
+  void VisitPixel(int32_t y, int32_t x) const;
   Columns RotateMixedRow(int32_t y, int32_t left, int32_t right, const Columns& likely) const;
 
   // Pixels first..last of row y, all with their taps in the region.
