@@ -443,12 +443,13 @@ TARGET_AVX512 void InBlocks(const PixelRun& run) {
 
 }  // namespace
 
+// Beyond these rows the smaller windows of AVX2 do with less.
 const KernelTable kAvx512Kernels = {{{InBlocks<Bits>, 64, 16},
-                                     {InBlocks<Nearest<1>>, 64, 16},
-                                     {InBlocks<Interpolated<1, 2>>, 32, 16},
+                                     {InBlocks<Nearest<1>>, 64, 4},
+                                     {InBlocks<Interpolated<1, 2>>, 32, 4},
                                      {InBlocks<Interpolated<1, 4>>, 16, 16},
-                                     {InBlocks<Nearest<3>>, 22, 16},
-                                     {InBlocks<Interpolated<3, 2>>, 12, 16},
+                                     {InBlocks<Nearest<3>>, 22, 3},
+                                     {InBlocks<Interpolated<3, 2>>, 12, 4},
                                      {InBlocks<Interpolated<3, 4>>, 6, 16}}};
 
 }  // namespace vorlanepic

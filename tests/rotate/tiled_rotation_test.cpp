@@ -5,6 +5,7 @@
 #include <cstring>
 #include <random>
 #include <utility>
+#include <vector>
 
 #include <gtest/gtest.h>
 
@@ -146,8 +147,19 @@ TEST_P(TiledRotationTest, GivesThePlainBytesForPagesAtAllAngles) {
     TestImage source(330, 300, depth);
     Scribble(random, source);
     const RowSpans region = RegionOf(random, Shape::kWhole, 330, 300);
+    std::vector<double> angles;
     for (int32_t degrees = 0; degrees < 360; degrees += 15) {
-      const double angle = degrees * kPi / 180 + (degrees % 30 == 0 ? 0.0 : 0.004);
+      angles.push_back(degrees * kPi / 180 + (degrees % 30 == 0 ? 0.0 : 0.004));
+    }
+    // Small turns either way, also upside down: by the number of source rows that neighbours lie
+    // in.
+    for (const double degrees : {0.5, 1.5, 2.5, 4.0, 6.0, 8.0, 10.0, 12.0}) {
+      for (const double upright : {0.0, kPi}) {
+        angles.push_back(upright + degrees * kPi / 180);
+        angles.push_back(upright - degrees * kPi / 180);
+      }
+    }
+    for (const double angle : angles) {
       ASSERT_NO_FATAL_FAILURE(
           CompareAllInterpolations(source, region, {angle, 165, 150, 310, 290, 0}));
     }
