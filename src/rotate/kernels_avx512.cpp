@@ -176,10 +176,16 @@ INLINE_AVX512 inline __m512i MixPairs(__m512i pairs, const BlendWeights& weights
   return Mix(_mm512_and_si512(raised, AllWords(0x00FF)), _mm512_srli_epi16(raised, 8), weights);
 }
 
-// 32 bytes of the output as words.
+// What a blend of kTaps taps takes for the tenths of a pixel: here twice kBlendTenth times them.
+template <int kTaps>
+INLINE_AVX512 inline __m512i BlendPhase(__m512i tenths) {
+  return kTaps == 2 ? _mm512_mullo_epi16(tenths, Multiplier(2 * kBlendTenth)) : tenths;
+}
+
+// 32 bytes of the output.
 INLINE_AVX512 inline __m256i Blend(const __m512i (&taps)[2], __m512i phaseX, __m512i phaseY) {
-  const BlendWeights x = BlendWeightsOf(_mm512_mullo_epi16(phaseX, Multiplier(2 * kBlendTenth)));
-  const BlendWeights y = BlendWeightsOf(_mm512_mullo_epi16(phaseY, Multiplier(2 * kBlendTenth)));
+  const BlendWeights x = BlendWeightsOf(phaseX);
+  const BlendWeights y = BlendWeightsOf(phaseY);
   const __m512i raise = _mm512_maskz_mov_epi16(y.isBlended, AllWords(0x0001));
   const __m512i top = _mm512_adds_epu8(MixPairs(taps[0], x), raise);
   const __m512i bottom = _mm512_adds_epu8(MixPairs(taps[1], x), raise);
@@ -236,8 +242,8 @@ struct Interpolated {
     const __m512i y = Steps(run.stepY + i, run.startY);
     const __m512i column = Hundredths(x);
     const __m512i row = Hundredths(y);
-    const __m512i tenthsX = Tenths(x, column);
-    const __m512i tenthsY = Tenths(y, row);
+    const __m512i phaseX = BlendPhase<kTaps>(Tenths(x, column));
+    const __m512i phaseY = BlendPhase<kTaps>(Tenths(y, row));
     const __m512i columnByte =
         kPixelBytes == 1 ? column : _mm512_mullo_epi16(column, AllWords(kPixelBytes));
     Places<1> places;
@@ -261,7 +267,7 @@ struct Interpolated {
       GatherTaps(run, window.first - kTapsBefore * (run.sourceLine + kPixelBytes), bytes,
                  _mm512_sub_epi16(spread(row), AllWords(window.top)), taps);
       Store(run.out + ptrdiff_t{i} * kPixelBytes + firstByte,
-            Blend(taps, spread(tenthsX), spread(tenthsY)), left);
+            Blend(taps, spread(phaseX), spread(phaseY)), left);
     }
   }
 };
