@@ -1,0 +1,104 @@
+// The kernels' arithmetic, at every value: closed forms must give what the tables of weights hold.
+#include "rotate/kernels.h"
+
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "rotate/weights.h"
+
+namespace vorlanepic {
+namespace {
+
+constexpr int32_t kRunPixels = 256;
+
+// Bytes in whose neighbours every pair of bytes stands once.
+std::vector<uint8_t> AllPairs() {
+  std::vector<uint8_t> bytes;
+  for (int32_t a = 0; a < 256; ++a) {
+    bytes.push_back(static_cast<uint8_t>(a));
+    for (int32_t b = a + 1; b < 256; ++b) {
+      bytes.push_back(static_cast<uint8_t>(a));
+      bytes.push_back(static_cast<uint8_t>(b));
+    }
+  }
+  bytes.push_back(0);
+  return bytes;
+}
+
+class KernelsTest : public ::testing::TestWithParam<InstructionSet> {
+ protected:
+  void SetUp() override {
+    if (!HasInstructionSet(GetParam())) GTEST_SKIP() << "not on this machine";
+    SelectRotateKernels(GetParam());
+  }
+  void TearDown() override { SelectRotateKernels(BestInstructionSet()); }
+};
+
+// Runs the bilinear kernel of `kind` along `upper`, which lies above `lower`, with one phase along
+// each axis. Both hold a multiple of kRunPixels and one more.
+void ExpectShares(PixelKind kind, const std::vector<uint8_t>& upper,
+                  const std::vector<uint8_t>& lower, int32_t phaseX, int32_t phaseY) {
+  const size_t pixelBytes = kind == PixelKind::kColourBilinear ? 3 : 1;
+  const size_t pixels = upper.size();
+  const size_t line = pixels * pixelBytes + kReadAhead;
+  std::vector<uint8_t> source(5 * line);
+  for (size_t i = 0; i < pixels * pixelBytes; ++i) {
+    source[i] = upper[i / pixelBytes];
+    for (size_t row = 1; row < 5; ++row) source[row * line + i] = lower[i / pixelBytes];
+  }
+  StepTables level;
+  ASSERT_TRUE(level.Build(0.0, kMostNeighbours));
+  std::vector<uint16_t> stepX(kRunPixels + kMostNeighbours);
+  for (size_t i = 0; i < stepX.size(); ++i) stepX[i] = static_cast<uint16_t>(i * 100);
+  const std::vector<uint16_t> stepY(stepX.size());
+  std::vector<uint8_t> out(kRunPixels * pixelBytes);
+
+  PixelRun run{};
+  run.sourceLine = static_cast<ptrdiff_t>(line);
+  run.stepX = stepX.data();
+  run.stepY = stepY.data();
+  run.startX = static_cast<uint16_t>(phaseX * 10 + 9);  // the last hundredth before the next tenth
+  run.startY = static_cast<uint16_t>(phaseY * 10 + 9);
+  run.rows = 1;
+  run.out = out.data();
+  for (size_t first = 0; first + 1 < pixels; first += kRunPixels) {
+    run.origin = &source[first * pixelBytes];
+    run.count = kRunPixels;
+    RotateKernelFor(kind, level).run(run);
+    const auto mix = [](uint8_t a, uint8_t b, int32_t phase) {
+      const auto t = static_cast<size_t>(phase);
+      return static_cast<uint8_t>(kBlendTable[10 - t][a] + kBlendTable[t][b]);
+    };
+    for (size_t i = 0; i < static_cast<size_t>(run.count) * pixelBytes; ++i) {
+      const size_t at = first + i / pixelBytes;
+      const uint8_t expected =
+          mix(mix(upper[at], upper[at + 1], phaseX), mix(lower[at], lower[at + 1], phaseX), phaseY);
+      ASSERT_EQ(out[i], expected) << upper[at] + 0 << " " << upper[at + 1] + 0 << " over "
+                                  << lower[at] + 0 << " " << lower[at + 1] + 0 << " at " << phaseX
+                                  << ", " << phaseY << " tenths";
+    }
+  }
+}
+
+TEST_P(KernelsTest, BlendEveryPairOfBytesAtEveryTenth) {
+  const std::vector<uint8_t> pairs = AllPairs();
+  ASSERT_EQ(pairs.size(), 65537U);
+  std::vector<uint8_t> first(65536 + 1);
+  std::vector<uint8_t> second(65536 + 1);
+  for (size_t i = 0; i < first.size(); ++i) {
+    first[i] = static_cast<uint8_t>(i >> 8);
+    second[i] = static_cast<uint8_t>(i);
+  }
+  for (const PixelKind kind : {PixelKind::kGreyBilinear, PixelKind::kColourBilinear}) {
+    for (int32_t phase = 0; phase < 10; ++phase) {
+      ASSERT_NO_FATAL_FAILURE(ExpectShares(kind, pairs, pairs, phase, 0));
+      ASSERT_NO_FATAL_FAILURE(ExpectShares(kind, first, second, 0, phase));
+    }
+  }
+}
+
+INSTANTIATE_TEST_SUITE_P(InstructionSets, KernelsTest, ::testing::ValuesIn(kInstructionSets));
+
+}  // namespace
+}  // namespace vorlanepic
