@@ -78,7 +78,7 @@ void MarkDark(benchmark::State& state, DrawPage draw, int32_t scale) {
   const GreyPage page = draw(kWidth * scale, kHeight);
   const BlockRect all{0, 0, page.width, page.height};
   int32_t blocks = 0;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto iteration : state) {
     BlockSetRec set{};
     if (ImageBlockMarkHorEx(page.pixels.data(), page.height, page.width, &kParam, &all, &set) !=
         0) {
@@ -94,7 +94,7 @@ void MarkDark(benchmark::State& state, DrawPage draw, int32_t scale) {
 void MarkDarkPlainly(benchmark::State& state, DrawPage draw) {
   const GreyPage page = draw(kWidth, kHeight);
   const BlockRect all{0, 0, page.width, page.height};
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto iteration : state) {
     PlainSet set;
     MarkPlainly(page.pixels.data(), page.height, page.width, kParam, all, IsDark, &set);
     benchmark::DoNotOptimize(set.blocks.data());
@@ -104,7 +104,7 @@ void MarkDarkPlainly(benchmark::State& state, DrawPage draw) {
 void LabelByCentre(benchmark::State& state, DrawPage draw) {
   GreyPage page = draw(kWidth, kHeight);
   for (uint8_t& pixel : page.pixels) pixel = pixel <= kParam.threshold ? 255 : 0;
-  for (auto _ : state) {
+  for ([[maybe_unused]] auto iteration : state) {
     BlockSetRec set{};
     if (bw_label_center(page.pixels.data(), page.height, page.width, &set) != 1) {
       state.SkipWithError("labelling failed");

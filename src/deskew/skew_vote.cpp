@@ -173,7 +173,7 @@ int32_t EstimateBorderAngle(std::span<const BorderSegment> segments, int32_t seg
   if (status != STATUS_OK) return status;
   const auto inlierLimit = static_cast<uint32_t>(settings.ToLineDistance);
   const auto votes = static_cast<int32_t>(CountBelow(distances.span(), inlierLimit));
-  *vote = {true, line.angle, votes, line};
+  *vote = {line.angle, line, votes, true};
   return STATUS_OK;
 }
 

@@ -11,10 +11,10 @@ namespace vorlanepic {
 
 // One border's part in the vote.
 struct BorderVote {
-  bool hasAngle = false;
   double angle = 0.0;  // degrees, -90..90
+  BorderLine line;     // the line that won the votes
   int32_t votes = 0;   // segments near the line
-  BorderLine line;     // the line that won them
+  bool hasAngle = false;
 };
 
 // Lets the four borders vote. A border's longest run of chunks of `segmentLen` segments that agree
