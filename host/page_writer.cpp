@@ -24,6 +24,20 @@ std::string TemporaryName(const std::string& path) {
   return (full.parent_path() / name).string();
 }
 
+std::string HandleName(int handle) {
+  return std::string("/proc/self/fd/").append(std::to_string(handle));
+}
+
+// A file without a name in the directory of `path`, which vanishes with its last handle: not even a
+// kill leaves it behind. -1 where the file system has none or none could be given a name later.
+int OpenNameless(const std::string& path) {
+  const std::filesystem::path directory = std::filesystem::path(path).parent_path() / ".";
+  const int handle = ::open(directory.c_str(), O_RDWR | O_TMPFILE | O_CLOEXEC, 0666);
+  if (handle < 0 || ::access(HandleName(handle).c_str(), F_OK) == 0) return handle;
+  (void)::close(handle);
+  return -1;
+}
+
 // The file that a link stands for: it is replaced, the link stays.
 std::string ThroughLinks(const std::string& path) {
   std::error_code code;
@@ -70,7 +84,9 @@ int EncodePix(Pix* pix, FileFormat format, int32_t jpegQuality, EncodedBytes* ou
 PendingFile::PendingFile(const std::string& path)
     : path_(ThroughLinks(path)), temporary_(TemporaryName(path_)) {
   // As an ordinary new file: the user's umask decides who may read it.
-  const int handle = ::open(temporary_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+  int handle = OpenNameless(temporary_);
+  isNamed_ = handle < 0;
+  if (isNamed_) handle = ::open(temporary_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
   if (handle >= 0) file_ = ::fdopen(handle, "wb");
   if (file_ == nullptr) {
     throw FileError(path_ + ": cannot be written here: " + std::strerror(errno));
@@ -80,7 +96,7 @@ PendingFile::PendingFile(const std::string& path)
 PendingFile::~PendingFile() {
   if (file_ == nullptr) return;
   (void)std::fclose(file_);
-  (void)::unlink(temporary_.c_str());
+  if (isNamed_) (void)::unlink(temporary_.c_str());
 }
 
 void PendingFile::Fail(const char* what) {
@@ -99,6 +115,12 @@ void PendingFile::WriteAt(uint32_t offset, const void* bytes, size_t count) {
 
 void PendingFile::Commit() {
   if (std::fflush(file_) != 0) Fail("cannot be written");
+  if (!isNamed_) {
+    const std::string handle = HandleName(::fileno(file_));
+    isNamed_ =
+        ::linkat(AT_FDCWD, handle.c_str(), AT_FDCWD, temporary_.c_str(), AT_SYMLINK_FOLLOW) == 0;
+    if (!isNamed_) Fail("cannot be given a name");
+  }
   if (std::rename(temporary_.c_str(), path_.c_str()) != 0) Fail("cannot be given its name");
   (void)std::fclose(std::exchange(file_, nullptr));
 }

@@ -13,7 +13,8 @@
 
 namespace vorlanepic::host {
 
-// A file under a temporary name beside its own; dropped unless it is committed.
+// A file without a name or, where there are none, under a temporary name beside its own; dropped
+// unless it is committed.
 class PendingFile {
  public:
   explicit PendingFile(const std::string& path);
@@ -31,6 +32,7 @@ class PendingFile {
 
   std::string path_;
   std::string temporary_;
+  bool isNamed_ = false;  // whether temporary_ stands in the directory
   std::FILE* file_ = nullptr;
 };
 
