@@ -33,45 +33,94 @@ void Finish(BlockRec* block) {
   block->centerY = MeanOf(block->centerY, block->area);
 }
 
-// What a surviving block comes to with all that was merged into it.
+// Sums of coordinates wrap, as the 32-bit fields do that they end in.
+int32_t Low32(int64_t sum) { return static_cast<int32_t>(static_cast<uint32_t>(sum)); }
+
+// What a point list of `capacity` that holds `count` reserves to take `more` points of a run.
+int64_t GrownCapacity(int64_t capacity, int64_t count, int64_t more) {
+  constexpr int64_t kLeast = 512;
+  if (count + more < capacity) return capacity;
+  return std::min<int64_t>(std::max((capacity + more) * 2, kLeast), INT32_MAX);
+}
+
+// Calls visit(run, y) for each of the block's own runs, in the order in which they were added.
+template <typename Visit>
+void ForEachRun(const BlockGrowth& growth, const GrowingBlock& block, Visit visit) {
+  size_t row = static_cast<size_t>(block.firstRow - growth.firstRow());
+  for (int32_t r = block.firstRun; r >= 0;) {
+    if (static_cast<size_t>(r) >= growth.RowStart(row + 1)) ++row;
+    const PixelRun& run = growth.run(static_cast<size_t>(r));
+    visit(run, growth.firstRow() + static_cast<int32_t>(row));
+    r = run.next;
+  }
+}
+
+// What the runs of a block come to.
 struct BlockTotal {
-  GrowingBlock sums;
-  int64_t pointCapacity;
+  int64_t area = 0;
+  int64_t pointCapacity = 0;  // what a point list that grows run by run reserves
+  int64_t sumX = 0;           // exact: modulo 2^64
+  int64_t sumY = 0;
+  int32_t left = INT32_MAX;  // bounds, inclusive
+  int32_t right = 0;
+  int32_t top = 0;
+  int32_t bottom = 0;
+  ValueRange values;
 };
 
-BlockTotal TotalOf(const BlockGrowth& growth, int32_t root) {
-  BlockTotal total{growth.block(root), growth.block(root).pointCapacity};
-  for (int32_t b = total.sums.next; b >= 0; b = growth.block(b).next) {
-    const GrowingBlock& merged = growth.block(b);
-    if (total.sums.area + merged.area >= total.pointCapacity) {
-      total.pointCapacity = total.sums.area + merged.area + kMergeReserve;
-    }
-    total.sums.area += merged.area;
-    total.sums.sumX = WrapAdd(total.sums.sumX, merged.sumX);
-    total.sums.sumY = WrapAdd(total.sums.sumY, merged.sumY);
-    total.sums.left = std::min(total.sums.left, merged.left);
-    total.sums.right = std::max(total.sums.right, merged.right);
-    total.sums.top = std::min(total.sums.top, merged.top);
-    total.sums.bottom = std::max(total.sums.bottom, merged.bottom);
-    Widen(&total.sums.values, merged.values);
+BlockTotal TotalOfOwn(const BlockGrowth& growth, const GrowingBlock& block) {
+  BlockTotal total;
+  ForEachRun(growth, block, [&total](const PixelRun& run, int32_t y) {
+    const int64_t length = run.end - static_cast<int64_t>(run.start);
+    total.pointCapacity = GrownCapacity(total.pointCapacity, total.area, length);
+    total.area += length;
+    total.sumX += (run.start + (run.end - int64_t{1})) * length / 2;
+    total.sumY += length * y;
+    total.left = std::min(total.left, run.start);
+    total.right = std::max(total.right, run.end - 1);
+    total.bottom = y;
+  });
+  total.top = block.firstRow;
+  total.values = block.values;
+  return total;
+}
+
+// Adds a merged block to the total of the one that survives.
+void Fold(const BlockTotal& merged, BlockTotal* total) {
+  if (total->area + merged.area >= total->pointCapacity) {
+    total->pointCapacity = total->area + merged.area + kMergeReserve;
+  }
+  total->area += merged.area;
+  total->sumX += merged.sumX;
+  total->sumY += merged.sumY;
+  total->left = std::min(total->left, merged.left);
+  total->right = std::max(total->right, merged.right);
+  total->top = std::min(total->top, merged.top);
+  total->bottom = std::max(total->bottom, merged.bottom);
+  Widen(&total->values, merged.values);
+}
+
+BlockTotal TotalOf(const BlockGrowth& growth, const GrowingBlock& root) {
+  BlockTotal total = TotalOfOwn(growth, root);
+  for (int32_t b = root.next; b >= 0; b = growth.block(b).next) {
+    Fold(TotalOfOwn(growth, growth.block(b)), &total);
   }
   return total;
 }
 
 // Fills the record in its place: a copy made elsewhere costs more than all the rest.
 void FillRecord(const BlockTotal& total, BlockRec* block) {
-  const GrowingBlock& sums = total.sums;
   *block = {};
-  block->area = block->pointCount = static_cast<int32_t>(sums.area);
-  block->centerX = sums.sumX;
-  block->centerY = sums.sumY;
-  block->left = sums.left;
-  block->right = sums.right;
-  block->top = sums.top;
-  block->bottom = sums.bottom;
+  block->area = block->pointCount = static_cast<int32_t>(total.area);
+  block->centerX = Low32(total.sumX);
+  block->centerY = Low32(total.sumY);
+  block->left = total.left;
+  block->right = total.right;
+  block->top = total.top;
+  block->bottom = total.bottom;
   block->reserved1 = block->reserved2 = -1;
-  block->minValue = Smallest(sums.values);
-  block->maxValue = Largest(sums.values);
+  block->minValue = total.values.lowest;
+  block->maxValue = total.values.highest;
   block->pointCapacity = static_cast<int32_t>(total.pointCapacity);
   Finish(block);
 }
@@ -102,18 +151,19 @@ int32_t GrowSet(int64_t capacity, BlockSetRec* set) {
 // Memory for the points alone: reserving what the list counted up to would cost two kilobytes and
 // half a page fault for every speck.
 BlockPoint* NewPoints(const BlockTotal& total) {
-  const auto count = static_cast<uint64_t>(total.sums.area);
+  const uint64_t count = static_cast<uint64_t>(total.area) + kSparePoints;
   if (total.pointCapacity > INT32_MAX || count > SIZE_MAX / sizeof(BlockPoint)) return nullptr;
   return static_cast<BlockPoint*>(std::malloc(static_cast<size_t>(count) * sizeof(BlockPoint)));
 }
 
-// Gives each block of a chain its piece of the root's list: the root's own points first.
-void DividePoints(const BlockGrowth& growth, int32_t root, BlockPoint* points,
-                  ScratchArray<PointCursor>* cursors) {
-  for (int32_t b = root; b >= 0; b = growth.block(b).next) {
-    BlockPoint* end = points + growth.block(b).area;
-    (*cursors)[static_cast<size_t>(b)] = {points, end};
-    points = end;
+// The root's own points first, then those of the blocks that were merged into it.
+void WritePoints(const BlockGrowth& growth, const GrowingBlock& root, BlockPoint* points) {
+  const auto write = [&points](const PixelRun& run, int32_t y) {
+    points = WriteRun(points, run, y);
+  };
+  ForEachRun(growth, root, write);
+  for (int32_t b = root.next; b >= 0; b = growth.block(b).next) {
+    ForEachRun(growth, growth.block(b), write);
   }
 }
 
@@ -122,35 +172,26 @@ void ReleasePoints(BlockRec* blocks, int32_t count, int32_t end) {
   for (int32_t i = count; i < end; ++i) std::free(blocks[i].points);
 }
 
-// Writes the records of the surviving blocks behind those of the set and reserves their points.
+// Writes the records of the surviving blocks, with their points, behind those of the set.
 int32_t AddRecords(const BlockGrowth& growth, int32_t shortestDiagonal, BlockSetRec* set,
-                   ScratchArray<PointCursor>* cursors, int32_t* end) {
+                   int32_t* end) {
   *end = set->count;
   for (int32_t b = 0; b < growth.blockCount(); ++b) {
-    if (growth.block(b).parent != b) continue;
-    const BlockTotal total = TotalOf(growth, b);
+    const GrowingBlock& root = growth.block(b);
+    if (root.parent != b) continue;
+    const BlockTotal total = TotalOf(growth, root);
     BlockRec& block = set->blocks[*end];
     FillRecord(total, &block);
-    if (BoxDiagonal(block.width, block.height) < shortestDiagonal) continue;
+    if (shortestDiagonal > 0 && BoxDiagonal(block.width, block.height) < shortestDiagonal) continue;
     block.points = NewPoints(total);
     if (block.points == nullptr) {
       ReleasePoints(set->blocks, set->count, *end);
       return OUT_OF_MEMORY;
     }
     block.root = (*end)++;
-    DividePoints(growth, b, block.points, cursors);
+    WritePoints(growth, root, block.points);
   }
   return STATUS_OK;
-}
-
-void WritePoints(const BlockGrowth& growth, ScratchArray<PointCursor>* cursors) {
-  for (size_t row = 0; row < growth.rowCount(); ++row) {
-    const int32_t y = growth.firstRow() + static_cast<int32_t>(row);
-    for (size_t r = growth.RowStart(row); r < growth.RowStart(row + 1); ++r) {
-      PointCursor& cursor = (*cursors)[static_cast<size_t>(growth.label(r))];
-      if (cursor.next != nullptr) WriteRun(&cursor, growth.run(r), y);
-    }
-  }
 }
 
 // Finishes or releases what earlier calls left in the set's first `count` records and moves those
@@ -181,16 +222,13 @@ int32_t BoxDiagonal(int32_t width, int32_t height) {
   return TruncToInt32(std::sqrt(w * w + h * h));
 }
 
-int32_t HandBack(BlockGrowth* growth, int32_t shortestDiagonal, BlockSetRec* set) {
-  ScratchArray<PointCursor> cursors;
-  if (!cursors.Allocate(static_cast<size_t>(growth->blockCount()))) return OUT_OF_MEMORY;
-  int32_t status = GrowSet(GrownSetCapacity(*growth, *set), set);
+int32_t HandBack(const BlockGrowth& growth, int32_t shortestDiagonal, BlockSetRec* set) {
+  int32_t status = GrowSet(GrownSetCapacity(growth, *set), set);
   if (status != STATUS_OK) return status;
 
   int32_t end = 0;
-  status = AddRecords(*growth, shortestDiagonal, set, &cursors, &end);
+  status = AddRecords(growth, shortestDiagonal, set, &end);
   if (status != STATUS_OK) return status;
-  WritePoints(*growth, &cursors);
 
   const int32_t kept = CompactEarlier(set->blocks, set->count);
   const int32_t dropped = set->count - kept;

@@ -19,6 +19,6 @@ int32_t BoxDiagonal(int32_t width, int32_t height);
 //   set               its count is not negative, and 0 when it has no array
 //
 // Returns STATUS_OK, or OUT_OF_MEMORY; the set then holds the blocks that it held before.
-int32_t HandBack(BlockGrowth* growth, int32_t shortestDiagonal, BlockSetRec* set);
+int32_t HandBack(const BlockGrowth& growth, int32_t shortestDiagonal, BlockSetRec* set);
 
 }  // namespace vorlanepic

@@ -22,6 +22,30 @@ size_t SeenPixels(const Foreground& foreground, const uint8_t* row, const PixelR
   return static_cast<size_t>(end - run.start);
 }
 
+// Links the `count` runs of row `y` at growth->nextRuns().
+template <typename Foreground>
+void AddRow(const Foreground& foreground, const GreyView& image, int32_t y, int32_t lastColumn,
+            bool joins, size_t count, BlockGrowth* growth) {
+  const uint8_t* row = image.Row(y);
+  ValueRange values;
+  if (count > 0) {
+    const PixelRun* runs = growth->nextRuns();
+    const int32_t start = runs[0].start;
+    values = RangeOfMarked(foreground, row + start,
+                           static_cast<size_t>(runs[count - 1].end - start));
+  }
+  // Runs have their own ranges to be found only where the row's marked pixels differ at all.
+  const bool isUniform = values.lowest == values.highest;
+  const size_t first = growth->RowStart(growth->rowCount());
+  growth->LinkRow(count, isUniform ? values : ValueRange{});
+  if (isUniform) return;
+  for (size_t r = first; r < first + count; ++r) {
+    const PixelRun& run = growth->run(r);
+    const size_t seen = SeenPixels(foreground, row, run, lastColumn, joins);
+    growth->WidenValues(r, RangeOf(row + run.start, seen, image.BytesFrom(run.start, y)));
+  }
+}
+
 template <typename Foreground>
 int32_t GrowBlocks(const Foreground& foreground, const GreyView& image, const BlockMarkParam& param,
                    const ScanArea& area, BlockGrowth* growth) {
@@ -32,17 +56,11 @@ int32_t GrowBlocks(const Foreground& foreground, const GreyView& image, const Bl
   const bool filters = joins || (param.minRunLen != 0 && param.maxRunLen != 0);
   for (int32_t i = 0; i < rows; ++i) {
     if (!growth->ReserveRow(MaxRuns(columns))) return OUT_OF_MEMORY;
-    const uint8_t* row = image.Row(area.firstRow + i);
+    const int32_t y = area.firstRow + i;
     PixelRun* runs = growth->nextRuns();
-    const size_t cut = CutRow(foreground, row, area.firstColumn, area.lastColumn, runs);
-    growth->LinkRow(filters ? FilterRuns(param, runs, cut) : cut);
-    const size_t end = growth->RowStart(static_cast<size_t>(i) + 1);
-    for (size_t r = growth->RowStart(static_cast<size_t>(i)); r < end; ++r) {
-      const PixelRun& run = growth->run(r);
-      growth->WidenValues(r, row + run.start,
-                          SeenPixels(foreground, row, run, area.lastColumn, joins),
-                          image.BytesFrom(run.start, area.firstRow + i));
-    }
+    size_t count = CutRow(foreground, image.Row(y), area.firstColumn, area.lastColumn, runs);
+    if (filters) count = FilterRuns(param, runs, count);
+    AddRow(foreground, image, y, area.lastColumn, joins, count, growth);
   }
   return STATUS_OK;
 }
@@ -70,7 +88,7 @@ int32_t MarkBlocks(const Foreground& foreground, const GreyView& image, const Bl
   BlockGrowth growth;
   const int32_t status = GrowBlocks(foreground, image, param, area, &growth);
   if (status != STATUS_OK) return status;
-  return HandBack(&growth, shortestDiagonal, set);
+  return HandBack(growth, shortestDiagonal, set);
 }
 
 template int32_t MarkBlocks(const DarkPixels&, const GreyView&, const BlockMarkParam&,

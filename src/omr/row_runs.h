@@ -12,10 +12,12 @@
 namespace vorlanepic {
 
 // Marked pixels of one row, in columns start .. end - 1. The runs of a row go from left to right
-// and are at least one column apart.
+// and are at least one column apart. Cutting leaves `block` and `next` to those who link runs.
 struct PixelRun {
   int32_t start;
   int32_t end;
+  int32_t block;  // the block that the run was added to
+  int32_t next;   // the run that was added to that block after this one; -1: none
 };
 
 // Most runs in a row of `columns` columns.
