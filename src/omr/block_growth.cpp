@@ -75,7 +75,14 @@ void BlockGrowth::Open(size_t r, const ValueRange& values) {
   const auto run = static_cast<int32_t>(r);
   const auto b = static_cast<int32_t>(blockCount_++);
   const int32_t y = firstRow_ + static_cast<int32_t>(rowCount_);
-  blocks_[static_cast<size_t>(b)] = {run, run, y, b, -1, b, values};
+  // Field by field: a record made elsewhere and copied would have to wait for its parts.
+  GrowingBlock& block = blocks_[static_cast<size_t>(b)];
+  block.area = Length(runs_[r]);
+  block.firstRun = block.lastRun = run;
+  block.firstRow = y;
+  block.parent = block.tail = b;
+  block.next = -1;
+  block.values = values;
   runs_[r].block = b;
   runs_[r].next = -1;
 }
@@ -84,6 +91,7 @@ void BlockGrowth::Add(size_t r, int32_t b, const ValueRange& values) {
   GrowingBlock& block = blocks_[static_cast<size_t>(b)];
   runs_[static_cast<size_t>(block.lastRun)].next = static_cast<int32_t>(r);
   block.lastRun = static_cast<int32_t>(r);
+  block.area += Length(runs_[r]);
   Widen(&block.values, values);
   runs_[r].block = b;
   runs_[r].next = -1;

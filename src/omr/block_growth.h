@@ -14,6 +14,7 @@ namespace vorlanepic {
 // survives as the root, and its chain lists the others in the order in which their points follow
 // its own. A merged block still takes the runs that touch its own; all are summed up at the end.
 struct GrowingBlock {
+  int64_t area;  // pixels of its own runs
   int32_t firstRun;
   int32_t lastRun;
   int32_t firstRow;  // of its own runs: they go on in every row from there to their last

@@ -8,6 +8,7 @@
 #include "frame/arithmetic.h"
 #include "omr/block_points.h"
 #include "omr/large_pages.h"
+#include "omr/prefetch.h"
 
 namespace vorlanepic {
 namespace {
@@ -18,11 +19,12 @@ constexpr int64_t kMergeReserve = 1024;
 // Blocks by which a set grows.
 constexpr int64_t kBlockStep = 100;
 
-// Mean coordinate from a sum that may have wrapped. A negative quotient changes when it is rounded.
+// Mean coordinate from a sum that may have wrapped, truncated and then rounded: adding a half and
+// truncating once more raises a negative quotient by one.
 int32_t MeanOf(int32_t sum, int32_t area) {
   if (area == 0) return 0;
   const int64_t quotient = static_cast<int64_t>(sum) / area;
-  return RoundToInt32(static_cast<double>(quotient));
+  return static_cast<int32_t>(quotient < 0 ? quotient + 1 : quotient);
 }
 
 void Finish(BlockRec* block) {
@@ -43,23 +45,11 @@ int64_t GrownCapacity(int64_t capacity, int64_t count, int64_t more) {
   return std::min<int64_t>(std::max((capacity + more) * 2, kLeast), INT32_MAX);
 }
 
-// Calls visit(run, y) for each of the block's own runs, in the order in which they were added.
-template <typename Visit>
-void ForEachRun(const BlockGrowth& growth, const GrowingBlock& block, Visit visit) {
-  size_t row = static_cast<size_t>(block.firstRow - growth.firstRow());
-  for (int32_t r = block.firstRun; r >= 0;) {
-    if (static_cast<size_t>(r) >= growth.RowStart(row + 1)) ++row;
-    const PixelRun& run = growth.run(static_cast<size_t>(r));
-    visit(run, growth.firstRow() + static_cast<int32_t>(row));
-    r = run.next;
-  }
-}
-
 // What the runs of a block come to.
 struct BlockTotal {
   int64_t area = 0;
   int64_t pointCapacity = 0;  // what a point list that grows run by run reserves
-  int64_t sumX = 0;           // exact: modulo 2^64
+  int64_t sumX = 0;           // modulo 2^64
   int64_t sumY = 0;
   int32_t left = INT32_MAX;  // bounds, inclusive
   int32_t right = 0;
@@ -68,20 +58,30 @@ struct BlockTotal {
   ValueRange values;
 };
 
-BlockTotal TotalOfOwn(const BlockGrowth& growth, const GrowingBlock& block) {
+// Sums up a block's own runs and writes their points to `points`, where there is room for them.
+BlockTotal TakeOwnRuns(const BlockGrowth& growth, const GrowingBlock& block, BlockPoint* points) {
   BlockTotal total;
-  ForEachRun(growth, block, [&total](const PixelRun& run, int32_t y) {
-    const int64_t length = run.end - static_cast<int64_t>(run.start);
+  total.top = total.bottom = block.firstRow;
+  total.values = block.values;
+  auto row = static_cast<size_t>(block.firstRow - growth.firstRow());
+  for (int32_t r = block.firstRun; r >= 0;) {
+    const PixelRun& run = growth.run(static_cast<size_t>(r));
+    if (static_cast<size_t>(r) >= growth.RowStart(row + 1)) {
+      ++row;
+      ++total.bottom;
+    }
+    // The next blocks' runs in this row: a block reaches through rows far apart in the table.
+    Prefetch(&run, kCacheLine);
+    points = WriteRun(points, run, total.bottom);
+    const int64_t length = Length(run);
     total.pointCapacity = GrownCapacity(total.pointCapacity, total.area, length);
     total.area += length;
     total.sumX += (run.start + (run.end - int64_t{1})) * length / 2;
-    total.sumY += length * y;
+    total.sumY += length * total.bottom;
     total.left = std::min(total.left, run.start);
     total.right = std::max(total.right, run.end - 1);
-    total.bottom = y;
-  });
-  total.top = block.firstRow;
-  total.values = block.values;
+    r = run.next;
+  }
   return total;
 }
 
@@ -100,28 +100,34 @@ void Fold(const BlockTotal& merged, BlockTotal* total) {
   Widen(&total->values, merged.values);
 }
 
-BlockTotal TotalOf(const BlockGrowth& growth, const GrowingBlock& root) {
-  BlockTotal total = TotalOfOwn(growth, root);
+// The same for a surviving block with all that was merged into it: its own points come first.
+BlockTotal TakeRuns(const BlockGrowth& growth, const GrowingBlock& root, BlockPoint* points) {
+  BlockTotal total = TakeOwnRuns(growth, root, points);
   for (int32_t b = root.next; b >= 0; b = growth.block(b).next) {
-    Fold(TotalOfOwn(growth, growth.block(b)), &total);
+    Fold(TakeOwnRuns(growth, growth.block(b), points + total.area), &total);
   }
   return total;
 }
 
-// Fills the record in its place: a copy made elsewhere costs more than all the rest.
-void FillRecord(const BlockTotal& total, BlockRec* block) {
-  *block = {};
-  block->area = block->pointCount = static_cast<int32_t>(total.area);
+// Fills the record in its place, field by field: clearing it as a whole first, or copying it from
+// elsewhere, costs more than all the rest.
+void FillRecord(const BlockTotal& total, int32_t place, BlockPoint* points, BlockRec* block) {
+  block->area = static_cast<int32_t>(total.area);
   block->centerX = Low32(total.sumX);
   block->centerY = Low32(total.sumY);
   block->left = total.left;
   block->right = total.right;
-  block->top = total.top;
   block->bottom = total.bottom;
+  block->top = total.top;
   block->reserved1 = block->reserved2 = -1;
+  block->childCount = block->childCapacity = 0;
+  block->children = nullptr;
+  block->root = place;
   block->minValue = total.values.lowest;
   block->maxValue = total.values.highest;
+  block->pointCount = block->area;
   block->pointCapacity = static_cast<int32_t>(total.pointCapacity);
+  block->points = points;
   Finish(block);
 }
 
@@ -150,21 +156,14 @@ int32_t GrowSet(int64_t capacity, BlockSetRec* set) {
 
 // Memory for the points alone: reserving what the list counted up to would cost two kilobytes and
 // half a page fault for every speck.
-BlockPoint* NewPoints(const BlockTotal& total) {
-  const uint64_t count = static_cast<uint64_t>(total.area) + kSparePoints;
-  if (total.pointCapacity > INT32_MAX || count > SIZE_MAX / sizeof(BlockPoint)) return nullptr;
-  return static_cast<BlockPoint*>(std::malloc(static_cast<size_t>(count) * sizeof(BlockPoint)));
-}
-
-// The root's own points first, then those of the blocks that were merged into it.
-void WritePoints(const BlockGrowth& growth, const GrowingBlock& root, BlockPoint* points) {
-  const auto write = [&points](const PixelRun& run, int32_t y) {
-    points = WriteRun(points, run, y);
-  };
-  ForEachRun(growth, root, write);
-  for (int32_t b = root.next; b >= 0; b = growth.block(b).next) {
-    ForEachRun(growth, growth.block(b), write);
+BlockPoint* NewPoints(const BlockGrowth& growth, const GrowingBlock& root) {
+  uint64_t count = kSparePoints;
+  for (const GrowingBlock* block = &root;; block = &growth.block(block->next)) {
+    count += static_cast<uint64_t>(block->area);
+    if (block->next < 0) break;
   }
+  if (count > SIZE_MAX / sizeof(BlockPoint)) return nullptr;
+  return static_cast<BlockPoint*>(std::malloc(static_cast<size_t>(count) * sizeof(BlockPoint)));
 }
 
 // Releases the points of the records behind the first `count`.
@@ -172,26 +171,27 @@ void ReleasePoints(BlockRec* blocks, int32_t count, int32_t end) {
   for (int32_t i = count; i < end; ++i) std::free(blocks[i].points);
 }
 
-// Writes the records of the surviving blocks, with their points, behind those of the set.
-int32_t AddRecords(const BlockGrowth& growth, int32_t shortestDiagonal, BlockSetRec* set,
-                   int32_t* end) {
+// Writes the records of the surviving blocks, with their points, behind those of the set. False
+// when there is no memory.
+bool AddRecords(const BlockGrowth& growth, int32_t shortestDiagonal, BlockSetRec* set,
+                int32_t* end) {
   *end = set->count;
   for (int32_t b = 0; b < growth.blockCount(); ++b) {
     const GrowingBlock& root = growth.block(b);
     if (root.parent != b) continue;
-    const BlockTotal total = TotalOf(growth, root);
+    BlockPoint* points = NewPoints(growth, root);
+    if (points == nullptr) return false;
+    const BlockTotal total = TakeRuns(growth, root, points);
     BlockRec& block = set->blocks[*end];
-    FillRecord(total, &block);
-    if (shortestDiagonal > 0 && BoxDiagonal(block.width, block.height) < shortestDiagonal) continue;
-    block.points = NewPoints(total);
-    if (block.points == nullptr) {
-      ReleasePoints(set->blocks, set->count, *end);
-      return OUT_OF_MEMORY;
+    FillRecord(total, *end, points, &block);
+    ++*end;
+    if (total.pointCapacity > INT32_MAX) return false;
+    if (shortestDiagonal > 0 && BoxDiagonal(block.width, block.height) < shortestDiagonal) {
+      std::free(points);
+      --*end;
     }
-    block.root = (*end)++;
-    WritePoints(growth, root, block.points);
   }
-  return STATUS_OK;
+  return true;
 }
 
 // Finishes or releases what earlier calls left in the set's first `count` records and moves those
@@ -223,12 +223,14 @@ int32_t BoxDiagonal(int32_t width, int32_t height) {
 }
 
 int32_t HandBack(const BlockGrowth& growth, int32_t shortestDiagonal, BlockSetRec* set) {
-  int32_t status = GrowSet(GrownSetCapacity(growth, *set), set);
+  const int32_t status = GrowSet(GrownSetCapacity(growth, *set), set);
   if (status != STATUS_OK) return status;
 
   int32_t end = 0;
-  status = AddRecords(growth, shortestDiagonal, set, &end);
-  if (status != STATUS_OK) return status;
+  if (!AddRecords(growth, shortestDiagonal, set, &end)) {
+    ReleasePoints(set->blocks, set->count, end);
+    return OUT_OF_MEMORY;
+  }
 
   const int32_t kept = CompactEarlier(set->blocks, set->count);
   const int32_t dropped = set->count - kept;

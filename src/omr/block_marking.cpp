@@ -31,8 +31,8 @@ void AddRow(const Foreground& foreground, const GreyView& image, int32_t y, int3
   if (count > 0) {
     const PixelRun* runs = growth->nextRuns();
     const int32_t start = runs[0].start;
-    values = RangeOfMarked(foreground, row + start,
-                           static_cast<size_t>(runs[count - 1].end - start));
+    values =
+        RangeOfMarked(foreground, row + start, static_cast<size_t>(runs[count - 1].end - start));
   }
   // Runs have their own ranges to be found only where the row's marked pixels differ at all.
   const bool isUniform = values.lowest == values.highest;

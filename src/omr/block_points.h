@@ -35,7 +35,7 @@ inline BlockPoint* WriteRun(BlockPoint* points, const PixelRun& run, int32_t y) 
   const auto corner = static_cast<uint32_t>(run.start & 0xFFFF) | static_cast<uint32_t>(y) << 16;
   __m128i next =
       _mm_add_epi16(_mm_set1_epi32(static_cast<int32_t>(corner)), _mm_set_epi32(3, 2, 1, 0));
-  BlockPoint* const end = points + (run.end - static_cast<ptrdiff_t>(run.start));
+  BlockPoint* const end = points + Length(run);
   for (; points < end; points += kStep) {
     _mm_storeu_si128(reinterpret_cast<__m128i*>(points), next);
     next = _mm_add_epi16(next, step);

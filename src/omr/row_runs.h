@@ -20,6 +20,9 @@ struct PixelRun {
   int32_t next;   // the run that was added to that block after this one; -1: none
 };
 
+// At most INT32_MAX: columns are not negative.
+inline int32_t Length(const PixelRun& run) { return run.end - run.start; }
+
 // Most runs in a row of `columns` columns.
 constexpr size_t MaxRuns(int32_t columns) { return static_cast<size_t>(columns) / 2 + 1; }
 
