@@ -26,6 +26,11 @@ bool BlockGrowth::Begin(int32_t firstRow, size_t rows) {
   return rowStarts_.Allocate(rows + 1);
 }
 
+void BlockGrowth::Restart() {
+  firstRow_ += static_cast<int32_t>(rowCount_);
+  rowCount_ = runCount_ = blockCount_ = 0;
+}
+
 bool BlockGrowth::ReserveRow(size_t mostRuns) {
   return runCount_ + mostRuns <= INT32_MAX &&
          Reserve(&runs_, runCount_ + mostRuns, Expected(runCount_)) &&

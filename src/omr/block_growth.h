@@ -32,6 +32,10 @@ class BlockGrowth {
   // Begins with no run, for `rows` rows from row `firstRow` down. False when there is no memory.
   [[nodiscard]] bool Begin(int32_t firstRow, size_t rows);
 
+  // Forgets the rows linked so far and goes on behind them. Nothing that begins later can touch
+  // them when the last of them is empty.
+  void Restart();
+
   // Makes room for the next row's runs: `mostRuns` of them and as many blocks. False when there is
   // no memory or no number for another run.
   [[nodiscard]] bool ReserveRow(size_t mostRuns);

@@ -39,7 +39,7 @@ void Finish(BlockRec* block) {
 int32_t Low32(int64_t sum) { return static_cast<int32_t>(static_cast<uint32_t>(sum)); }
 
 // What a point list of `capacity` that holds `count` reserves to take `more` points of a run.
-int64_t GrownCapacity(int64_t capacity, int64_t count, int64_t more) {
+int64_t GrownPointCapacity(int64_t capacity, int64_t count, int64_t more) {
   constexpr int64_t kLeast = 512;
   if (count + more < capacity) return capacity;
   return std::min<int64_t>(std::max((capacity + more) * 2, kLeast), INT32_MAX);
@@ -74,7 +74,7 @@ BlockTotal TakeOwnRuns(const BlockGrowth& growth, const GrowingBlock& block, Blo
     Prefetch(&run, kCacheLine);
     points = WriteRun(points, run, total.bottom);
     const int64_t length = Length(run);
-    total.pointCapacity = GrownCapacity(total.pointCapacity, total.area, length);
+    total.pointCapacity = GrownPointCapacity(total.pointCapacity, total.area, length);
     total.area += length;
     total.sumX += (run.start + (run.end - int64_t{1})) * length / 2;
     total.sumY += length * total.bottom;
@@ -131,29 +131,6 @@ void FillRecord(const BlockTotal& total, int32_t place, BlockPoint* points, Bloc
   Finish(block);
 }
 
-// The capacity of a set that grew block by block and run by run: it grows when a block is opened or
-// a run added while it is full.
-int64_t GrownSetCapacity(const BlockGrowth& growth, const BlockSetRec& set) {
-  const int64_t opened = growth.blockCount();
-  if (opened == 0) return set.capacity;
-  const int64_t needed = set.count + opened + (growth.lastRunOpened() ? 0 : 1);
-  const int64_t missing = std::max<int64_t>(needed - set.capacity, 0);
-  return set.capacity + (missing + kBlockStep - 1) / kBlockStep * kBlockStep;
-}
-
-int32_t GrowSet(int64_t capacity, BlockSetRec* set) {
-  if (capacity == set->capacity && (set->blocks != nullptr || capacity <= 0)) return STATUS_OK;
-  if (capacity > INT32_MAX || static_cast<uint64_t>(capacity) > SIZE_MAX / sizeof(BlockRec)) {
-    return OUT_OF_MEMORY;
-  }
-  void* grown = std::realloc(set->blocks, static_cast<size_t>(capacity) * sizeof(BlockRec));
-  if (grown == nullptr) return OUT_OF_MEMORY;
-  set->blocks = static_cast<BlockRec*>(grown);
-  AdviseLargePages(grown, static_cast<size_t>(capacity) * sizeof(BlockRec));
-  set->capacity = static_cast<int32_t>(capacity);
-  return STATUS_OK;
-}
-
 // Memory for the points alone: reserving what the list counted up to would cost two kilobytes and
 // half a page fault for every speck.
 BlockPoint* NewPoints(const BlockGrowth& growth, const GrowingBlock& root) {
@@ -164,34 +141,6 @@ BlockPoint* NewPoints(const BlockGrowth& growth, const GrowingBlock& root) {
   }
   if (count > SIZE_MAX / sizeof(BlockPoint)) return nullptr;
   return static_cast<BlockPoint*>(std::malloc(static_cast<size_t>(count) * sizeof(BlockPoint)));
-}
-
-// Releases the points of the records behind the first `count`.
-void ReleasePoints(BlockRec* blocks, int32_t count, int32_t end) {
-  for (int32_t i = count; i < end; ++i) std::free(blocks[i].points);
-}
-
-// Writes the records of the surviving blocks, with their points, behind those of the set. False
-// when there is no memory.
-bool AddRecords(const BlockGrowth& growth, int32_t shortestDiagonal, BlockSetRec* set,
-                int32_t* end) {
-  *end = set->count;
-  for (int32_t b = 0; b < growth.blockCount(); ++b) {
-    const GrowingBlock& root = growth.block(b);
-    if (root.parent != b) continue;
-    BlockPoint* points = NewPoints(growth, root);
-    if (points == nullptr) return false;
-    const BlockTotal total = TakeRuns(growth, root, points);
-    BlockRec& block = set->blocks[*end];
-    FillRecord(total, *end, points, &block);
-    ++*end;
-    if (total.pointCapacity > INT32_MAX) return false;
-    if (shortestDiagonal > 0 && BoxDiagonal(block.width, block.height) < shortestDiagonal) {
-      std::free(points);
-      --*end;
-    }
-  }
-  return true;
 }
 
 // Finishes or releases what earlier calls left in the set's first `count` records and moves those
@@ -222,25 +171,77 @@ int32_t BoxDiagonal(int32_t width, int32_t height) {
   return TruncToInt32(std::sqrt(w * w + h * h));
 }
 
-int32_t HandBack(const BlockGrowth& growth, int32_t shortestDiagonal, BlockSetRec* set) {
-  const int32_t status = GrowSet(GrownSetCapacity(growth, *set), set);
-  if (status != STATUS_OK) return status;
+BlockHandBack::BlockHandBack(int32_t shortestDiagonal, BlockSetRec* set)
+    : set_(set),
+      shortestDiagonal_(shortestDiagonal),
+      reserved_(set->blocks != nullptr ? set->capacity : 0),
+      end_(set->count) {}
 
-  int32_t end = 0;
-  if (!AddRecords(growth, shortestDiagonal, set, &end)) {
-    ReleasePoints(set->blocks, set->count, end);
-    return OUT_OF_MEMORY;
+BlockHandBack::~BlockHandBack() {
+  for (int32_t i = set_->count; i < end_; ++i) std::free(set_->blocks[i].points);
+}
+
+bool BlockHandBack::Add(const BlockGrowth& growth) {
+  if (growth.blockCount() == 0) return true;
+  opened_ += growth.blockCount();
+  lastRunOpened_ = growth.lastRunOpened();
+  // Half as much again each time, so that the cost of moving records stays in proportion.
+  const int64_t needed = GrownCapacity();
+  if (needed > reserved_ && !Reserve(std::max(needed, reserved_ / 2 * 3))) return false;
+  for (int32_t b = 0; b < growth.blockCount(); ++b) {
+    const GrowingBlock& root = growth.block(b);
+    if (root.parent != b) continue;
+    BlockPoint* points = NewPoints(growth, root);
+    if (points == nullptr) return false;
+    const BlockTotal total = TakeRuns(growth, root, points);
+    BlockRec& block = set_->blocks[end_];
+    FillRecord(total, end_, points, &block);
+    ++end_;
+    if (total.pointCapacity > INT32_MAX) return false;
+    if (shortestDiagonal_ > 0 && BoxDiagonal(block.width, block.height) < shortestDiagonal_) {
+      std::free(points);
+      --end_;
+    }
   }
+  return true;
+}
 
-  const int32_t kept = CompactEarlier(set->blocks, set->count);
-  const int32_t dropped = set->count - kept;
+bool BlockHandBack::Finish() {
+  const int64_t capacity = GrownCapacity();
+  if (capacity != reserved_ && capacity > 0 && !Reserve(capacity)) return false;
+  set_->capacity = static_cast<int32_t>(capacity);
+
+  const int32_t kept = CompactEarlier(set_->blocks, set_->count);
+  const int32_t dropped = set_->count - kept;
   if (dropped > 0) {
-    std::memmove(set->blocks + kept, set->blocks + set->count,
-                 static_cast<size_t>(end - set->count) * sizeof(BlockRec));
-    for (int32_t i = kept; i < end - dropped; ++i) set->blocks[i].root = i;
+    std::memmove(set_->blocks + kept, set_->blocks + set_->count,
+                 static_cast<size_t>(end_ - set_->count) * sizeof(BlockRec));
+    for (int32_t i = kept; i < end_ - dropped; ++i) set_->blocks[i].root = i;
   }
-  set->count = end - dropped;
-  return STATUS_OK;
+  set_->count = end_ -= dropped;
+  return true;
+}
+
+// The capacity of a set that grew block by block and run by run: it grows when a block is opened or
+// a run added while it is full.
+int64_t BlockHandBack::GrownCapacity() const {
+  if (opened_ == 0) return set_->capacity;
+  const int64_t needed = set_->count + opened_ + (lastRunOpened_ ? 0 : 1);
+  const int64_t missing = std::max<int64_t>(needed - set_->capacity, 0);
+  return set_->capacity + (missing + kBlockStep - 1) / kBlockStep * kBlockStep;
+}
+
+bool BlockHandBack::Reserve(int64_t capacity) {
+  if (capacity > INT32_MAX || static_cast<uint64_t>(capacity) > SIZE_MAX / sizeof(BlockRec)) {
+    return false;
+  }
+  const size_t bytes = static_cast<size_t>(capacity) * sizeof(BlockRec);
+  void* moved = std::realloc(set_->blocks, bytes);
+  if (moved == nullptr) return false;
+  set_->blocks = static_cast<BlockRec*>(moved);
+  reserved_ = capacity;
+  AdviseLargePages(moved, bytes);
+  return true;
 }
 
 }  // namespace vorlanepic

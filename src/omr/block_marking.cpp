@@ -47,22 +47,27 @@ void AddRow(const Foreground& foreground, const GreyView& image, int32_t y, int3
 }
 
 template <typename Foreground>
-int32_t GrowBlocks(const Foreground& foreground, const GreyView& image, const BlockMarkParam& param,
-                   const ScanArea& area, BlockGrowth* growth) {
+bool GrowBlocks(const Foreground& foreground, const GreyView& image, const BlockMarkParam& param,
+                const ScanArea& area, BlockHandBack* handBack) {
+  BlockGrowth growth;
   const int32_t columns = area.lastColumn - area.firstColumn + 1;
   const int32_t rows = columns > 0 ? area.lastRow - area.firstRow + 1 : 0;
-  if (!growth->Begin(area.firstRow, static_cast<size_t>(std::max(rows, 0)))) return OUT_OF_MEMORY;
+  if (!growth.Begin(area.firstRow, static_cast<size_t>(std::max(rows, 0)))) return false;
   const bool joins = param.joinGap != 0;
   const bool filters = joins || (param.minRunLen != 0 && param.maxRunLen != 0);
   for (int32_t i = 0; i < rows; ++i) {
-    if (!growth->ReserveRow(MaxRuns(columns))) return OUT_OF_MEMORY;
+    if (!growth.ReserveRow(MaxRuns(columns))) return false;
     const int32_t y = area.firstRow + i;
-    PixelRun* runs = growth->nextRuns();
+    PixelRun* runs = growth.nextRuns();
     size_t count = CutRow(foreground, image.Row(y), area.firstColumn, area.lastColumn, runs);
     if (filters) count = FilterRuns(param, runs, count);
-    AddRow(foreground, image, y, area.lastColumn, joins, count, growth);
+    AddRow(foreground, image, y, area.lastColumn, joins, count, &growth);
+    if (count > 0) continue;
+    // An empty row ends every block: hand them back while their runs are still in the cache.
+    if (!handBack->Add(growth)) return false;
+    growth.Restart();
   }
-  return STATUS_OK;
+  return handBack->Add(growth);
 }
 
 bool IsConsistent(const BlockSetRec& set) {
@@ -85,10 +90,9 @@ int32_t MarkBlocks(const Foreground& foreground, const GreyView& image, const Bl
   ScanArea area{};
   if (!ClipToImage(rect, image.width, image.height, &area)) return BAD_ARGUMENT;
   if (!IsConsistent(*set)) return kInconsistentSet;
-  BlockGrowth growth;
-  const int32_t status = GrowBlocks(foreground, image, param, area, &growth);
-  if (status != STATUS_OK) return status;
-  return HandBack(growth, shortestDiagonal, set);
+  BlockHandBack handBack(shortestDiagonal, set);
+  if (!GrowBlocks(foreground, image, param, area, &handBack)) return OUT_OF_MEMORY;
+  return handBack.Finish() ? STATUS_OK : OUT_OF_MEMORY;
 }
 
 template int32_t MarkBlocks(const DarkPixels&, const GreyView&, const BlockMarkParam&,
