@@ -144,8 +144,16 @@ TEST(BlockMarkingTest, AgreesWithThePlainMarkerOnRandomPictures) {
     // Now and then long rows, for runs of many vectors and lists beyond the first reserve.
     const int32_t width = 1 + upTo(round % 10 == 0 ? 400 : 70);
     const int32_t height = 1 + upTo(40);
-    const BlockPicture picture =
-        RandomPicture(width, height, static_cast<uint32_t>(upTo(100)), &random);
+    BlockPicture picture = RandomPicture(width, height, static_cast<uint32_t>(upTo(100)), &random);
+    // Some rows are empty, some have marked pixels of one value only.
+    for (int32_t y = 0; y < height; ++y) {
+      const int32_t kind = upTo(9);
+      if (kind > 2) continue;
+      for (int32_t x = 0; x < width; ++x) {
+        uint8_t& pixel = picture.pixels[static_cast<size_t>(y * width + x)];
+        if (kind == 0 || pixel <= 100) pixel = kind == 0 ? 255 : 60;
+      }
+    }
     const BlockMarkParam param{static_cast<int16_t>(upTo(3)), static_cast<int16_t>(upTo(30)),
                                static_cast<int16_t>(round % 2 == 0 ? 0 : upTo(5)),
                                static_cast<uint8_t>(round % 3 == 0 ? upTo(255) : 100)};
