@@ -35,9 +35,6 @@ void Finish(BlockRec* block) {
   block->centerY = MeanOf(block->centerY, block->area);
 }
 
-// Sums of coordinates wrap, as the 32-bit fields do that they end in.
-int32_t Low32(int64_t sum) { return static_cast<int32_t>(static_cast<uint32_t>(sum)); }
-
 // What a point list of `capacity` that holds `count` reserves to take `more` points of a run.
 int64_t GrownPointCapacity(int64_t capacity, int64_t count, int64_t more) {
   constexpr int64_t kLeast = 512;
@@ -49,8 +46,8 @@ int64_t GrownPointCapacity(int64_t capacity, int64_t count, int64_t more) {
 struct BlockTotal {
   int64_t area = 0;
   int64_t pointCapacity = 0;  // what a point list that grows run by run reserves
-  int64_t sumX = 0;           // modulo 2^64
-  int64_t sumY = 0;
+  uint32_t sumX = 0;          // modulo 2^32, as the fields are that the sums end in
+  uint32_t sumY = 0;
   int32_t left = INT32_MAX;  // bounds, inclusive
   int32_t right = 0;
   int32_t top = 0;
@@ -76,8 +73,8 @@ BlockTotal TakeOwnRuns(const BlockGrowth& growth, const GrowingBlock& block, Blo
     const int64_t length = Length(run);
     total.pointCapacity = GrownPointCapacity(total.pointCapacity, total.area, length);
     total.area += length;
-    total.sumX += (run.start + (run.end - int64_t{1})) * length / 2;
-    total.sumY += length * total.bottom;
+    total.sumX += static_cast<uint32_t>((run.start + (run.end - int64_t{1})) * length / 2);
+    total.sumY += static_cast<uint32_t>(length * total.bottom);
     total.left = std::min(total.left, run.start);
     total.right = std::max(total.right, run.end - 1);
     r = run.next;
@@ -113,8 +110,8 @@ BlockTotal TakeRuns(const BlockGrowth& growth, const GrowingBlock& root, BlockPo
 // elsewhere, costs more than all the rest.
 void FillRecord(const BlockTotal& total, int32_t place, BlockPoint* points, BlockRec* block) {
   block->area = static_cast<int32_t>(total.area);
-  block->centerX = Low32(total.sumX);
-  block->centerY = Low32(total.sumY);
+  block->centerX = static_cast<int32_t>(total.sumX);
+  block->centerY = static_cast<int32_t>(total.sumY);
   block->left = total.left;
   block->right = total.right;
   block->bottom = total.bottom;

@@ -145,13 +145,13 @@ TEST(BlockMarkingTest, AgreesWithThePlainMarkerOnRandomPictures) {
     const int32_t width = 1 + upTo(round % 10 == 0 ? 400 : 70);
     const int32_t height = 1 + upTo(40);
     BlockPicture picture = RandomPicture(width, height, static_cast<uint32_t>(upTo(100)), &random);
-    // Some rows are empty, some have marked pixels of one value only.
-    for (int32_t y = 0; y < height; ++y) {
+    // Some rows are empty, in some all marked pixels have one value.
+    for (size_t row = 0; row < picture.pixels.size(); row += static_cast<size_t>(width)) {
       const int32_t kind = upTo(9);
-      if (kind > 2) continue;
-      for (int32_t x = 0; x < width; ++x) {
-        uint8_t& pixel = picture.pixels[static_cast<size_t>(y * width + x)];
-        if (kind == 0 || pixel <= 100) pixel = kind == 0 ? 255 : 60;
+      for (size_t x = row; kind < 3 && x < row + static_cast<size_t>(width); ++x) {
+        uint8_t& pixel = picture.pixels[x];
+        if (kind == 0) pixel = 255;
+        if (kind > 0 && pixel != 255) pixel = 60;
       }
     }
     const BlockMarkParam param{static_cast<int16_t>(upTo(3)), static_cast<int16_t>(upTo(30)),

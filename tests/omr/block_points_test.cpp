@@ -16,12 +16,12 @@ using Points = std::vector<std::pair<int32_t, int32_t>>;
 // Two runs of a row behind each other, in a list of the exact size.
 Points Written(BlockPoint* (*write)(BlockPoint*, const PixelRun&, int32_t), const PixelRun& first,
                const PixelRun& second, int32_t y) {
-  const auto count = static_cast<size_t>(Length(first) + Length(second));
-  std::vector<BlockPoint> list(count + kSparePoints);
+  const int32_t count = Length(first) + Length(second);
+  std::vector<BlockPoint> list(static_cast<size_t>(count) + kSparePoints);
   BlockPoint* end = write(write(list.data(), first, y), second, y);
-  EXPECT_EQ(end - list.data(), static_cast<ptrdiff_t>(count));
+  EXPECT_EQ(end - list.data(), count);
   Points points;
-  for (size_t i = 0; i < count; ++i) points.emplace_back(list[i].x, list[i].y);
+  for (const BlockPoint* at = list.data(); at < end; ++at) points.emplace_back(at->x, at->y);
   return points;
 }
 
