@@ -2,27 +2,10 @@
 
 #include <algorithm>
 
-#include "frame/arithmetic.h"
 #include "omr/large_pages.h"
 
 namespace vorlanepic {
 namespace {
-
-// Sums of coordinates wrap, as the 32-bit fields do that they end in.
-int32_t Low32(int64_t sum) { return static_cast<int32_t>(static_cast<uint32_t>(sum)); }
-
-int32_t SumOfColumns(const PixelRun& run) {
-  const int64_t length = run.end - static_cast<int64_t>(run.start);
-  return Low32((run.start + (run.end - int64_t{1})) * length / 2);
-}
-
-// What a point list of `capacity` that holds `count` reserves to take `more` points of a run.
-int32_t GrownCapacity(int32_t capacity, int64_t count, int64_t more) {
-  constexpr int64_t kLeast = 512;
-  if (count + more < capacity) return capacity;
-  const int64_t grown = std::max((capacity + more) * 2, kLeast);
-  return static_cast<int32_t>(std::min<int64_t>(grown, INT32_MAX));
-}
 
 // Room for `needed` elements: half as much again as before each time, so that the cost of moving
 // them stays in proportion to their number, or what the rest of the image is `expected` to add.
@@ -39,15 +22,19 @@ bool Reserve(ScratchArray<T>* array, size_t needed, size_t expected) {
 
 bool BlockGrowth::Begin(int32_t firstRow, size_t rows) {
   firstRow_ = firstRow;
-  rowCount_ = runCount_ = blockCount_ = lastOpener_ = 0;
+  rowCount_ = runCount_ = blockCount_ = 0;
   return rowStarts_.Allocate(rows + 1);
 }
 
+void BlockGrowth::Restart() {
+  firstRow_ += static_cast<int32_t>(rowCount_);
+  rowCount_ = runCount_ = blockCount_ = 0;
+}
+
 bool BlockGrowth::ReserveRow(size_t mostRuns) {
-  const size_t blocks = blockCount_ + mostRuns;
-  return blocks <= INT32_MAX && Reserve(&runs_, runCount_ + mostRuns, Expected(runCount_)) &&
-         Reserve(&labels_, runCount_ + mostRuns, Expected(runCount_)) &&
-         Reserve(&blocks_, blocks, Expected(blockCount_));
+  return runCount_ + mostRuns <= INT32_MAX &&
+         Reserve(&runs_, runCount_ + mostRuns, Expected(runCount_)) &&
+         Reserve(&blocks_, blockCount_ + mostRuns, Expected(blockCount_));
 }
 
 size_t BlockGrowth::Expected(size_t count) const {
@@ -58,26 +45,25 @@ size_t BlockGrowth::Expected(size_t count) const {
   return static_cast<size_t>(std::min<uint64_t>(whole + whole / 8, SIZE_MAX));
 }
 
-void BlockGrowth::LinkRow(size_t count) {
+void BlockGrowth::LinkRow(size_t count, const ValueRange& values) {
   size_t above = rowCount_ > 0 ? rowStarts_[rowCount_ - 1] : 0;
   const size_t aboveEnd = runCount_;
-  const int32_t y = firstRow_ + static_cast<int32_t>(rowCount_);
-  runCount_ += count;
-  rowStarts_[++rowCount_] = runCount_;
-  for (size_t r = aboveEnd; r < runCount_; ++r) {
+  for (size_t r = aboveEnd; r < aboveEnd + count; ++r) {
     const PixelRun run = runs_[r];
     while (above < aboveEnd && runs_[above].end < run.start) ++above;
     if (above == aboveEnd || runs_[above].start > run.end) {
-      Open(r, y);
+      Open(r, values);
       continue;
     }
-    Add(r, labels_[above], y);
+    Add(r, runs_[above].block, values);
     // All further runs above that this one touches; the last of them may touch the next run too.
     while (above + 1 < aboveEnd && runs_[above + 1].start <= run.end) {
       ++above;
-      Merge(Root(labels_[r]), Root(labels_[above]));
+      Merge(Root(runs_[r].block), Root(runs_[above].block));
     }
   }
+  runCount_ += count;
+  rowStarts_[++rowCount_] = runCount_;
 }
 
 int32_t BlockGrowth::Root(int32_t b) {
@@ -90,36 +76,30 @@ int32_t BlockGrowth::Root(int32_t b) {
   return b;
 }
 
-void BlockGrowth::Open(size_t r, int32_t y) {
-  const PixelRun& run = runs_[r];
-  const auto b = static_cast<int32_t>(blockCount_);
-  GrowingBlock& block = blocks_[blockCount_++];
-  Empty(&block.values);
-  block.area = run.end - run.start;
-  block.sumX = SumOfColumns(run);
-  block.sumY = Low32(block.area * y);
-  block.left = run.start;
-  block.right = run.end - 1;
-  block.top = block.bottom = y;
+void BlockGrowth::Open(size_t r, const ValueRange& values) {
+  const auto run = static_cast<int32_t>(r);
+  const auto b = static_cast<int32_t>(blockCount_++);
+  const int32_t y = firstRow_ + static_cast<int32_t>(rowCount_);
+  // Field by field: a record made elsewhere and copied would have to wait for its parts.
+  GrowingBlock& block = blocks_[static_cast<size_t>(b)];
+  block.area = Length(runs_[r]);
+  block.firstRun = block.lastRun = run;
+  block.firstRow = y;
   block.parent = block.tail = b;
   block.next = -1;
-  block.pointCapacity = GrownCapacity(0, 0, block.area);
-  labels_[r] = b;
-  lastOpener_ = r;
+  block.values = values;
+  runs_[r].block = b;
+  runs_[r].next = -1;
 }
 
-void BlockGrowth::Add(size_t r, int32_t b, int32_t y) {
-  const PixelRun& run = runs_[r];
+void BlockGrowth::Add(size_t r, int32_t b, const ValueRange& values) {
   GrowingBlock& block = blocks_[static_cast<size_t>(b)];
-  const int32_t length = run.end - run.start;
-  block.pointCapacity = GrownCapacity(block.pointCapacity, block.area, length);
-  block.area += length;
-  block.sumX = WrapAdd(block.sumX, SumOfColumns(run));
-  block.sumY = WrapAdd(block.sumY, WrapMul(length, y));
-  block.left = std::min(block.left, run.start);
-  block.right = std::max(block.right, run.end - 1);
-  block.bottom = y;
-  labels_[r] = b;
+  runs_[static_cast<size_t>(block.lastRun)].next = static_cast<int32_t>(r);
+  block.lastRun = static_cast<int32_t>(r);
+  block.area += Length(runs_[r]);
+  Widen(&block.values, values);
+  runs_[r].block = b;
+  runs_[r].next = -1;
 }
 
 void BlockGrowth::Merge(int32_t survivor, int32_t other) {

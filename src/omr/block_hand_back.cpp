@@ -8,6 +8,7 @@
 #include "frame/arithmetic.h"
 #include "omr/block_points.h"
 #include "omr/large_pages.h"
+#include "omr/prefetch.h"
 
 namespace vorlanepic {
 namespace {
@@ -18,11 +19,12 @@ constexpr int64_t kMergeReserve = 1024;
 // Blocks by which a set grows.
 constexpr int64_t kBlockStep = 100;
 
-// Mean coordinate from a sum that may have wrapped. A negative quotient changes when it is rounded.
+// Mean coordinate from a sum that may have wrapped, truncated and then rounded: adding a half and
+// truncating once more raises a negative quotient by one.
 int32_t MeanOf(int32_t sum, int32_t area) {
   if (area == 0) return 0;
   const int64_t quotient = static_cast<int64_t>(sum) / area;
-  return RoundToInt32(static_cast<double>(quotient));
+  return static_cast<int32_t>(quotient < 0 ? quotient + 1 : quotient);
 }
 
 void Finish(BlockRec* block) {
@@ -33,124 +35,109 @@ void Finish(BlockRec* block) {
   block->centerY = MeanOf(block->centerY, block->area);
 }
 
-// What a surviving block comes to with all that was merged into it.
+// What a point list of `capacity` that holds `count` reserves to take `more` points of a run.
+int64_t GrownPointCapacity(int64_t capacity, int64_t count, int64_t more) {
+  constexpr int64_t kLeast = 512;
+  if (count + more < capacity) return capacity;
+  return std::min<int64_t>(std::max((capacity + more) * 2, kLeast), INT32_MAX);
+}
+
+// What the runs of a block come to.
 struct BlockTotal {
-  GrowingBlock sums;
-  int64_t pointCapacity;
+  int64_t area = 0;
+  int64_t pointCapacity = 0;  // what a point list that grows run by run reserves
+  uint32_t sumX = 0;          // modulo 2^32, as the fields are that the sums end in
+  uint32_t sumY = 0;
+  int32_t left = INT32_MAX;  // bounds, inclusive
+  int32_t right = 0;
+  int32_t top = 0;
+  int32_t bottom = 0;
+  ValueRange values;
 };
 
-BlockTotal TotalOf(const BlockGrowth& growth, int32_t root) {
-  BlockTotal total{growth.block(root), growth.block(root).pointCapacity};
-  for (int32_t b = total.sums.next; b >= 0; b = growth.block(b).next) {
-    const GrowingBlock& merged = growth.block(b);
-    if (total.sums.area + merged.area >= total.pointCapacity) {
-      total.pointCapacity = total.sums.area + merged.area + kMergeReserve;
+// Sums up a block's own runs and writes their points to `points`, where there is room for them.
+BlockTotal TakeOwnRuns(const BlockGrowth& growth, const GrowingBlock& block, BlockPoint* points) {
+  BlockTotal total;
+  total.top = total.bottom = block.firstRow;
+  total.values = block.values;
+  auto row = static_cast<size_t>(block.firstRow - growth.firstRow());
+  for (int32_t r = block.firstRun; r >= 0;) {
+    const PixelRun& run = growth.run(static_cast<size_t>(r));
+    if (static_cast<size_t>(r) >= growth.RowStart(row + 1)) {
+      ++row;
+      ++total.bottom;
     }
-    total.sums.area += merged.area;
-    total.sums.sumX = WrapAdd(total.sums.sumX, merged.sumX);
-    total.sums.sumY = WrapAdd(total.sums.sumY, merged.sumY);
-    total.sums.left = std::min(total.sums.left, merged.left);
-    total.sums.right = std::max(total.sums.right, merged.right);
-    total.sums.top = std::min(total.sums.top, merged.top);
-    total.sums.bottom = std::max(total.sums.bottom, merged.bottom);
-    Widen(&total.sums.values, merged.values);
+    // The next blocks' runs in this row: a block reaches through rows far apart in the table.
+    Prefetch(&run, kCacheLine);
+    points = WriteRun(points, run, total.bottom);
+    const int64_t length = Length(run);
+    total.pointCapacity = GrownPointCapacity(total.pointCapacity, total.area, length);
+    total.area += length;
+    total.sumX += static_cast<uint32_t>((run.start + (run.end - int64_t{1})) * length / 2);
+    total.sumY += static_cast<uint32_t>(length * total.bottom);
+    total.left = std::min(total.left, run.start);
+    total.right = std::max(total.right, run.end - 1);
+    r = run.next;
   }
   return total;
 }
 
-// Fills the record in its place: a copy made elsewhere costs more than all the rest.
-void FillRecord(const BlockTotal& total, BlockRec* block) {
-  const GrowingBlock& sums = total.sums;
-  *block = {};
-  block->area = block->pointCount = static_cast<int32_t>(sums.area);
-  block->centerX = sums.sumX;
-  block->centerY = sums.sumY;
-  block->left = sums.left;
-  block->right = sums.right;
-  block->top = sums.top;
-  block->bottom = sums.bottom;
-  block->reserved1 = block->reserved2 = -1;
-  block->minValue = Smallest(sums.values);
-  block->maxValue = Largest(sums.values);
-  block->pointCapacity = static_cast<int32_t>(total.pointCapacity);
-  Finish(block);
-}
-
-// The capacity of a set that grew block by block and run by run: it grows when a block is opened or
-// a run added while it is full.
-int64_t GrownSetCapacity(const BlockGrowth& growth, const BlockSetRec& set) {
-  const int64_t opened = growth.blockCount();
-  if (opened == 0) return set.capacity;
-  const int64_t needed = set.count + opened + (growth.lastRunOpened() ? 0 : 1);
-  const int64_t missing = std::max<int64_t>(needed - set.capacity, 0);
-  return set.capacity + (missing + kBlockStep - 1) / kBlockStep * kBlockStep;
-}
-
-int32_t GrowSet(int64_t capacity, BlockSetRec* set) {
-  if (capacity == set->capacity && (set->blocks != nullptr || capacity <= 0)) return STATUS_OK;
-  if (capacity > INT32_MAX || static_cast<uint64_t>(capacity) > SIZE_MAX / sizeof(BlockRec)) {
-    return OUT_OF_MEMORY;
+// Adds a merged block to the total of the one that survives.
+void Fold(const BlockTotal& merged, BlockTotal* total) {
+  if (total->area + merged.area >= total->pointCapacity) {
+    total->pointCapacity = total->area + merged.area + kMergeReserve;
   }
-  void* grown = std::realloc(set->blocks, static_cast<size_t>(capacity) * sizeof(BlockRec));
-  if (grown == nullptr) return OUT_OF_MEMORY;
-  set->blocks = static_cast<BlockRec*>(grown);
-  AdviseLargePages(grown, static_cast<size_t>(capacity) * sizeof(BlockRec));
-  set->capacity = static_cast<int32_t>(capacity);
-  return STATUS_OK;
+  total->area += merged.area;
+  total->sumX += merged.sumX;
+  total->sumY += merged.sumY;
+  total->left = std::min(total->left, merged.left);
+  total->right = std::max(total->right, merged.right);
+  total->top = std::min(total->top, merged.top);
+  total->bottom = std::max(total->bottom, merged.bottom);
+  Widen(&total->values, merged.values);
+}
+
+// The same for a surviving block with all that was merged into it: its own points come first.
+BlockTotal TakeRuns(const BlockGrowth& growth, const GrowingBlock& root, BlockPoint* points) {
+  BlockTotal total = TakeOwnRuns(growth, root, points);
+  for (int32_t b = root.next; b >= 0; b = growth.block(b).next) {
+    Fold(TakeOwnRuns(growth, growth.block(b), points + total.area), &total);
+  }
+  return total;
+}
+
+// Fills the record in its place, field by field: clearing it as a whole first, or copying it from
+// elsewhere, costs more than all the rest.
+void FillRecord(const BlockTotal& total, int32_t place, BlockPoint* points, BlockRec* block) {
+  block->area = static_cast<int32_t>(total.area);
+  block->centerX = static_cast<int32_t>(total.sumX);
+  block->centerY = static_cast<int32_t>(total.sumY);
+  block->left = total.left;
+  block->right = total.right;
+  block->bottom = total.bottom;
+  block->top = total.top;
+  block->reserved1 = block->reserved2 = -1;
+  block->childCount = block->childCapacity = 0;
+  block->children = nullptr;
+  block->root = place;
+  block->minValue = total.values.lowest;
+  block->maxValue = total.values.highest;
+  block->pointCount = block->area;
+  block->pointCapacity = static_cast<int32_t>(total.pointCapacity);
+  block->points = points;
+  Finish(block);
 }
 
 // Memory for the points alone: reserving what the list counted up to would cost two kilobytes and
 // half a page fault for every speck.
-BlockPoint* NewPoints(const BlockTotal& total) {
-  const auto count = static_cast<uint64_t>(total.sums.area);
-  if (total.pointCapacity > INT32_MAX || count > SIZE_MAX / sizeof(BlockPoint)) return nullptr;
+BlockPoint* NewPoints(const BlockGrowth& growth, const GrowingBlock& root) {
+  uint64_t count = kSparePoints;
+  for (const GrowingBlock* block = &root;; block = &growth.block(block->next)) {
+    count += static_cast<uint64_t>(block->area);
+    if (block->next < 0) break;
+  }
+  if (count > SIZE_MAX / sizeof(BlockPoint)) return nullptr;
   return static_cast<BlockPoint*>(std::malloc(static_cast<size_t>(count) * sizeof(BlockPoint)));
-}
-
-// Gives each block of a chain its piece of the root's list: the root's own points first.
-void DividePoints(const BlockGrowth& growth, int32_t root, BlockPoint* points,
-                  ScratchArray<PointCursor>* cursors) {
-  for (int32_t b = root; b >= 0; b = growth.block(b).next) {
-    BlockPoint* end = points + growth.block(b).area;
-    (*cursors)[static_cast<size_t>(b)] = {points, end};
-    points = end;
-  }
-}
-
-// Releases the points of the records behind the first `count`.
-void ReleasePoints(BlockRec* blocks, int32_t count, int32_t end) {
-  for (int32_t i = count; i < end; ++i) std::free(blocks[i].points);
-}
-
-// Writes the records of the surviving blocks behind those of the set and reserves their points.
-int32_t AddRecords(const BlockGrowth& growth, int32_t shortestDiagonal, BlockSetRec* set,
-                   ScratchArray<PointCursor>* cursors, int32_t* end) {
-  *end = set->count;
-  for (int32_t b = 0; b < growth.blockCount(); ++b) {
-    if (growth.block(b).parent != b) continue;
-    const BlockTotal total = TotalOf(growth, b);
-    BlockRec& block = set->blocks[*end];
-    FillRecord(total, &block);
-    if (BoxDiagonal(block.width, block.height) < shortestDiagonal) continue;
-    block.points = NewPoints(total);
-    if (block.points == nullptr) {
-      ReleasePoints(set->blocks, set->count, *end);
-      return OUT_OF_MEMORY;
-    }
-    block.root = (*end)++;
-    DividePoints(growth, b, block.points, cursors);
-  }
-  return STATUS_OK;
-}
-
-void WritePoints(const BlockGrowth& growth, ScratchArray<PointCursor>* cursors) {
-  for (size_t row = 0; row < growth.rowCount(); ++row) {
-    const int32_t y = growth.firstRow() + static_cast<int32_t>(row);
-    for (size_t r = growth.RowStart(row); r < growth.RowStart(row + 1); ++r) {
-      PointCursor& cursor = (*cursors)[static_cast<size_t>(growth.label(r))];
-      if (cursor.next != nullptr) WriteRun(&cursor, growth.run(r), y);
-    }
-  }
 }
 
 // Finishes or releases what earlier calls left in the set's first `count` records and moves those
@@ -181,26 +168,77 @@ int32_t BoxDiagonal(int32_t width, int32_t height) {
   return TruncToInt32(std::sqrt(w * w + h * h));
 }
 
-int32_t HandBack(BlockGrowth* growth, int32_t shortestDiagonal, BlockSetRec* set) {
-  ScratchArray<PointCursor> cursors;
-  if (!cursors.Allocate(static_cast<size_t>(growth->blockCount()))) return OUT_OF_MEMORY;
-  int32_t status = GrowSet(GrownSetCapacity(*growth, *set), set);
-  if (status != STATUS_OK) return status;
+BlockHandBack::BlockHandBack(int32_t shortestDiagonal, BlockSetRec* set)
+    : set_(set),
+      shortestDiagonal_(shortestDiagonal),
+      reserved_(set->blocks != nullptr ? set->capacity : 0),
+      end_(set->count) {}
 
-  int32_t end = 0;
-  status = AddRecords(*growth, shortestDiagonal, set, &cursors, &end);
-  if (status != STATUS_OK) return status;
-  WritePoints(*growth, &cursors);
+BlockHandBack::~BlockHandBack() {
+  for (int32_t i = set_->count; i < end_; ++i) std::free(set_->blocks[i].points);
+}
 
-  const int32_t kept = CompactEarlier(set->blocks, set->count);
-  const int32_t dropped = set->count - kept;
-  if (dropped > 0) {
-    std::memmove(set->blocks + kept, set->blocks + set->count,
-                 static_cast<size_t>(end - set->count) * sizeof(BlockRec));
-    for (int32_t i = kept; i < end - dropped; ++i) set->blocks[i].root = i;
+bool BlockHandBack::Add(const BlockGrowth& growth) {
+  if (growth.blockCount() == 0) return true;
+  opened_ += growth.blockCount();
+  lastRunOpened_ = growth.lastRunOpened();
+  // Half as much again each time, so that the cost of moving records stays in proportion.
+  const int64_t needed = GrownCapacity();
+  if (needed > reserved_ && !Reserve(std::max(needed, reserved_ / 2 * 3))) return false;
+  for (int32_t b = 0; b < growth.blockCount(); ++b) {
+    const GrowingBlock& root = growth.block(b);
+    if (root.parent != b) continue;
+    BlockPoint* points = NewPoints(growth, root);
+    if (points == nullptr) return false;
+    const BlockTotal total = TakeRuns(growth, root, points);
+    BlockRec& block = set_->blocks[end_];
+    FillRecord(total, end_, points, &block);
+    ++end_;
+    if (total.pointCapacity > INT32_MAX) return false;
+    if (shortestDiagonal_ > 0 && BoxDiagonal(block.width, block.height) < shortestDiagonal_) {
+      std::free(points);
+      --end_;
+    }
   }
-  set->count = end - dropped;
-  return STATUS_OK;
+  return true;
+}
+
+bool BlockHandBack::Finish() {
+  const int64_t capacity = GrownCapacity();
+  if (capacity != reserved_ && capacity > 0 && !Reserve(capacity)) return false;
+  set_->capacity = static_cast<int32_t>(capacity);
+
+  const int32_t kept = CompactEarlier(set_->blocks, set_->count);
+  const int32_t dropped = set_->count - kept;
+  if (dropped > 0) {
+    std::memmove(set_->blocks + kept, set_->blocks + set_->count,
+                 static_cast<size_t>(end_ - set_->count) * sizeof(BlockRec));
+    for (int32_t i = kept; i < end_ - dropped; ++i) set_->blocks[i].root = i;
+  }
+  set_->count = end_ -= dropped;
+  return true;
+}
+
+// The capacity of a set that grew block by block and run by run: it grows when a block is opened or
+// a run added while it is full.
+int64_t BlockHandBack::GrownCapacity() const {
+  if (opened_ == 0) return set_->capacity;
+  const int64_t needed = set_->count + opened_ + (lastRunOpened_ ? 0 : 1);
+  const int64_t missing = std::max<int64_t>(needed - set_->capacity, 0);
+  return set_->capacity + (missing + kBlockStep - 1) / kBlockStep * kBlockStep;
+}
+
+bool BlockHandBack::Reserve(int64_t capacity) {
+  if (capacity > INT32_MAX || static_cast<uint64_t>(capacity) > SIZE_MAX / sizeof(BlockRec)) {
+    return false;
+  }
+  const size_t bytes = static_cast<size_t>(capacity) * sizeof(BlockRec);
+  void* moved = std::realloc(set_->blocks, bytes);
+  if (moved == nullptr) return false;
+  set_->blocks = static_cast<BlockRec*>(moved);
+  reserved_ = capacity;
+  AdviseLargePages(moved, bytes);
+  return true;
 }
 
 }  // namespace vorlanepic

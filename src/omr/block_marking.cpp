@@ -22,29 +22,52 @@ size_t SeenPixels(const Foreground& foreground, const uint8_t* row, const PixelR
   return static_cast<size_t>(end - run.start);
 }
 
+// Links the `count` runs of row `y` at growth->nextRuns().
 template <typename Foreground>
-int32_t GrowBlocks(const Foreground& foreground, const GreyView& image, const BlockMarkParam& param,
-                   const ScanArea& area, BlockGrowth* growth) {
+void AddRow(const Foreground& foreground, const GreyView& image, int32_t y, int32_t lastColumn,
+            bool joins, size_t count, BlockGrowth* growth) {
+  const uint8_t* row = image.Row(y);
+  ValueRange values;
+  if (count > 0) {
+    const PixelRun* runs = growth->nextRuns();
+    const int32_t start = runs[0].start;
+    values =
+        RangeOfMarked(foreground, row + start, static_cast<size_t>(runs[count - 1].end - start));
+  }
+  // Runs have their own ranges to be found only where the row's marked pixels differ at all.
+  const bool isUniform = values.lowest == values.highest;
+  const size_t first = growth->RowStart(growth->rowCount());
+  growth->LinkRow(count, isUniform ? values : ValueRange{});
+  if (isUniform) return;
+  for (size_t r = first; r < first + count; ++r) {
+    const PixelRun& run = growth->run(r);
+    const size_t seen = SeenPixels(foreground, row, run, lastColumn, joins);
+    growth->WidenValues(r, RangeOf(row + run.start, seen, image.BytesFrom(run.start, y)));
+  }
+}
+
+template <typename Foreground>
+bool GrowBlocks(const Foreground& foreground, const GreyView& image, const BlockMarkParam& param,
+                const ScanArea& area, BlockHandBack* handBack) {
+  BlockGrowth growth;
   const int32_t columns = area.lastColumn - area.firstColumn + 1;
   const int32_t rows = columns > 0 ? area.lastRow - area.firstRow + 1 : 0;
-  if (!growth->Begin(area.firstRow, static_cast<size_t>(std::max(rows, 0)))) return OUT_OF_MEMORY;
+  if (!growth.Begin(area.firstRow, static_cast<size_t>(std::max(rows, 0)))) return false;
   const bool joins = param.joinGap != 0;
   const bool filters = joins || (param.minRunLen != 0 && param.maxRunLen != 0);
   for (int32_t i = 0; i < rows; ++i) {
-    if (!growth->ReserveRow(MaxRuns(columns))) return OUT_OF_MEMORY;
-    const uint8_t* row = image.Row(area.firstRow + i);
-    PixelRun* runs = growth->nextRuns();
-    const size_t cut = CutRow(foreground, row, area.firstColumn, area.lastColumn, runs);
-    growth->LinkRow(filters ? FilterRuns(param, runs, cut) : cut);
-    const size_t end = growth->RowStart(static_cast<size_t>(i) + 1);
-    for (size_t r = growth->RowStart(static_cast<size_t>(i)); r < end; ++r) {
-      const PixelRun& run = growth->run(r);
-      growth->WidenValues(r, row + run.start,
-                          SeenPixels(foreground, row, run, area.lastColumn, joins),
-                          image.BytesFrom(run.start, area.firstRow + i));
-    }
+    if (!growth.ReserveRow(MaxRuns(columns))) return false;
+    const int32_t y = area.firstRow + i;
+    PixelRun* runs = growth.nextRuns();
+    size_t count = CutRow(foreground, image.Row(y), area.firstColumn, area.lastColumn, runs);
+    if (filters) count = FilterRuns(param, runs, count);
+    AddRow(foreground, image, y, area.lastColumn, joins, count, &growth);
+    if (count > 0) continue;
+    // An empty row ends every block: hand them back while their runs are still in the cache.
+    if (!handBack->Add(growth)) return false;
+    growth.Restart();
   }
-  return STATUS_OK;
+  return handBack->Add(growth);
 }
 
 bool IsConsistent(const BlockSetRec& set) {
@@ -67,10 +90,9 @@ int32_t MarkBlocks(const Foreground& foreground, const GreyView& image, const Bl
   ScanArea area{};
   if (!ClipToImage(rect, image.width, image.height, &area)) return BAD_ARGUMENT;
   if (!IsConsistent(*set)) return kInconsistentSet;
-  BlockGrowth growth;
-  const int32_t status = GrowBlocks(foreground, image, param, area, &growth);
-  if (status != STATUS_OK) return status;
-  return HandBack(&growth, shortestDiagonal, set);
+  BlockHandBack handBack(shortestDiagonal, set);
+  if (!GrowBlocks(foreground, image, param, area, &handBack)) return OUT_OF_MEMORY;
+  return handBack.Finish() ? STATUS_OK : OUT_OF_MEMORY;
 }
 
 template int32_t MarkBlocks(const DarkPixels&, const GreyView&, const BlockMarkParam&,

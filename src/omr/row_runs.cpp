@@ -7,7 +7,7 @@ size_t FilterRuns(const BlockMarkParam& param, PixelRun* runs, size_t count) {
   size_t kept = 0;
   for (size_t i = 0; i < count; ++i) {
     const PixelRun run = runs[i];
-    const int32_t length = run.end - run.start;
+    const int32_t length = Length(run);
     if (isLimited && (length < param.minRunLen || length > param.maxRunLen)) continue;
     const bool isJoined =
         param.joinGap != 0 && kept > 0 && run.start - (runs[kept - 1].end - 1) <= param.joinGap;
@@ -18,7 +18,7 @@ size_t FilterRuns(const BlockMarkParam& param, PixelRun* runs, size_t count) {
     PixelRun& extended = runs[kept - 1];
     extended.end = run.end;
     // A joined run may not even reach the length that a single one may have.
-    if (isLimited && extended.end - extended.start >= param.maxRunLen) --kept;
+    if (isLimited && Length(extended) >= param.maxRunLen) --kept;
   }
   return kept;
 }

@@ -12,11 +12,16 @@
 namespace vorlanepic {
 
 // Marked pixels of one row, in columns start .. end - 1. The runs of a row go from left to right
-// and are at least one column apart.
+// and are at least one column apart. Cutting leaves `block` and `next` to those who link runs.
 struct PixelRun {
   int32_t start;
   int32_t end;
+  int32_t block;  // the block that the run was added to
+  int32_t next;   // the run that was added to that block after this one; -1: none
 };
+
+// At most INT32_MAX: columns are not negative.
+inline int32_t Length(const PixelRun& run) { return run.end - run.start; }
 
 // Most runs in a row of `columns` columns.
 constexpr size_t MaxRuns(int32_t columns) { return static_cast<size_t>(columns) / 2 + 1; }

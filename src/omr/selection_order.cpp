@@ -1,7 +1,7 @@
 #include "omr/selection_order.h"
 
 #include <algorithm>
-#include <bit>
+#include <span>
 #include <utility>
 
 #include "frame/scratch.h"
@@ -9,47 +9,35 @@
 namespace vorlanepic {
 namespace {
 
-// The smallest of the keys at each place, and of equal ones the first: a binary tree whose leaves
-// are the places and whose inner nodes hold the smaller of their two children.
-class FirstSmallest {
+// Orders by key, then by record.
+uint64_t Ranked(int32_t key, uint32_t record) {
+  return static_cast<uint64_t>(static_cast<uint32_t>(key) ^ 0x80000000U) << 32 | record;
+}
+
+uint32_t KeyOf(uint64_t ranked) { return static_cast<uint32_t>(ranked >> 32); }
+
+// Which record stands at each place, and the place of each record. A record is named by the place
+// at which it stood at first.
+class Standing {
  public:
-  [[nodiscard]] bool Build(const BlockRec* blocks, size_t count, int32_t BlockRec::*key) {
-    leaves_ = std::bit_ceil(count);
-    if (!nodes_.Allocate(2 * leaves_)) return false;
-    for (size_t i = 0; i < leaves_; ++i) {
-      nodes_[leaves_ + i] = i < count ? Ranked(blocks[i].*key, i) : kTaken;
-    }
-    for (size_t node = leaves_ - 1; node > 0; --node) Settle(node);
+  [[nodiscard]] bool Begin(size_t count) {
+    if (!records_.Allocate(count) || !places_.Allocate(count)) return false;
+    for (size_t i = 0; i < count; ++i) records_[i] = places_[i] = static_cast<uint32_t>(i);
     return true;
   }
 
-  size_t Place() const { return static_cast<size_t>(nodes_[1] & UINT32_MAX); }
+  uint32_t PlaceOf(uint32_t record) const { return places_[record]; }
+  std::span<uint32_t> records() { return records_.span(); }
 
-  // Takes place `from` out; the key that stood there now stands at `to`.
-  void Move(size_t from, size_t to) {
-    const uint64_t moved = nodes_[leaves_ + from];
-    Set(from, kTaken);
-    if (from != to) Set(to, (moved & ~uint64_t{UINT32_MAX}) | to);
+  void Exchange(size_t place, size_t other) {
+    std::swap(records_[place], records_[other]);
+    places_[records_[place]] = static_cast<uint32_t>(place);
+    places_[records_[other]] = static_cast<uint32_t>(other);
   }
 
  private:
-  static constexpr uint64_t kTaken = UINT64_MAX;
-
-  // Orders by key, then by place.
-  static uint64_t Ranked(int32_t key, size_t place) {
-    return static_cast<uint64_t>(static_cast<uint32_t>(key) ^ 0x80000000U) << 32 | place;
-  }
-
-  void Settle(size_t node) { nodes_[node] = std::min(nodes_[2 * node], nodes_[2 * node + 1]); }
-
-  void Set(size_t place, uint64_t value) {
-    size_t node = leaves_ + place;
-    nodes_[node] = value;
-    while ((node /= 2) > 0) Settle(node);
-  }
-
-  ScratchArray<uint64_t> nodes_;
-  size_t leaves_ = 0;
+  ScratchArray<uint32_t> records_;
+  ScratchArray<uint32_t> places_;
 };
 
 // Moves each record to its place: places[i] is where the record for place i stands. Uses up
@@ -74,19 +62,29 @@ void Permute(BlockRec* blocks, std::span<uint32_t> places) {
 void SelectionSort(BlockRec* blocks, int32_t count, int32_t BlockRec::*key) {
   if (count < 2) return;
   const auto size = static_cast<size_t>(count);
-  FirstSmallest smallest;
-  ScratchArray<uint32_t> places;
-  if (!places.Allocate(size) || !smallest.Build(blocks, size, key)) {
+  ScratchArray<uint64_t> ranked;
+  Standing standing;
+  if (!ranked.Allocate(size) || !standing.Begin(size)) {
     SelectionSortPlain(blocks, count, key);
     return;
   }
-  for (size_t i = 0; i < size; ++i) places[i] = static_cast<uint32_t>(i);
   for (size_t i = 0; i < size; ++i) {
-    const size_t found = smallest.Place();
-    smallest.Move(i, found);
-    std::swap(places[i], places[found]);
+    ranked[i] = Ranked(blocks[i].*key, static_cast<uint32_t>(i));
   }
-  Permute(blocks, places.span());
+  std::sort(ranked.data(), ranked.data() + size);
+
+  for (size_t first = 0; first < size;) {
+    const uint32_t equalKey = KeyOf(ranked[first]);
+    size_t end = first;
+    for (; end < size && KeyOf(ranked[end]) == equalKey; ++end) {
+      // Where exchanges for smaller keys have put the record by now.
+      ranked[end] = standing.PlaceOf(static_cast<uint32_t>(ranked[end]));
+    }
+    // The records of this key stand still while they are chosen, so that they come in this order.
+    std::sort(ranked.data() + first, ranked.data() + end);
+    for (; first < end; ++first) standing.Exchange(first, static_cast<uint32_t>(ranked[first]));
+  }
+  Permute(blocks, standing.records());
 }
 
 void SelectionSortPlain(BlockRec* blocks, int32_t count, int32_t BlockRec::*key) {

@@ -1,5 +1,4 @@
-// Smallest and largest of many pixel values, gathered in 16 lanes so that a short run costs two
-// vector operations.
+// Smallest and largest of many pixel values.
 #pragma once
 
 #include <algorithm>
@@ -12,109 +11,104 @@
 
 namespace vorlanepic {
 
-// The range lies between the smallest of `lowest` and the largest of `highest`.
+// The range of no values has lowest > highest.
 struct ValueRange {
-  uint8_t lowest[16];
-  uint8_t highest[16];
+  uint8_t lowest = 255;
+  uint8_t highest = 0;
 };
 
-// Takes in values[0] .. values[count - 1], one after the other.
-inline void WidenPlain(ValueRange* range, const uint8_t* values, size_t count) {
+inline void Widen(ValueRange* range, const ValueRange& other) {
+  range->lowest = std::min(range->lowest, other.lowest);
+  range->highest = std::max(range->highest, other.highest);
+}
+
+// The range of those of values[0] .. values[count - 1] that are marked.
+template <typename Foreground>
+ValueRange RangeOfMarkedPlain(const Foreground& foreground, const uint8_t* values, size_t count) {
+  ValueRange range;
   for (size_t k = 0; k < count; ++k) {
-    range->lowest[0] = std::min(range->lowest[0], values[k]);
-    range->highest[0] = std::max(range->highest[0], values[k]);
+    if (foreground.Has(values[k])) Widen(&range, {values[k], values[k]});
   }
+  return range;
+}
+
+// The range of values[0] .. values[count - 1].
+inline ValueRange RangeOfPlain(const uint8_t* values, size_t count) {
+  ValueRange range;
+  for (size_t k = 0; k < count; ++k) Widen(&range, {values[k], values[k]});
+  return range;
 }
 
 #if defined(__SSE2__)
-namespace value_range_lanes {
-// 16 bytes from kMask + 16 - n: the first n lanes are kept.
-inline constexpr uint8_t kMask[32] = {255, 255, 255, 255, 255, 255, 255, 255,
-                                      255, 255, 255, 255, 255, 255, 255, 255};
+// The range of values in 16 lanes.
+class ValueLanes {
+ public:
+  static constexpr size_t kCount = 16;
 
-inline __m128i Load(const uint8_t* bytes) {
-  return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));
-}
-
-inline void Store(uint8_t* bytes, __m128i lanes) {
-  _mm_storeu_si128(reinterpret_cast<__m128i*>(bytes), lanes);
-}
-
-inline void Widen16(ValueRange* range, __m128i low, __m128i high) {
-  Store(range->lowest, _mm_min_epu8(Load(range->lowest), low));
-  Store(range->highest, _mm_max_epu8(Load(range->highest), high));
-}
-}  // namespace value_range_lanes
-
-inline void Empty(ValueRange* range) {
-  value_range_lanes::Store(range->lowest, _mm_set1_epi8(-1));
-  value_range_lanes::Store(range->highest, _mm_setzero_si128());
-}
-
-inline void Widen(ValueRange* range, const ValueRange& other) {
-  using namespace value_range_lanes;
-  Widen16(range, Load(other.lowest), Load(other.highest));
-}
-
-inline uint8_t Smallest(const ValueRange& range) {
-  __m128i lanes = value_range_lanes::Load(range.lowest);
-  lanes = _mm_min_epu8(lanes, _mm_srli_si128(lanes, 8));
-  lanes = _mm_min_epu8(lanes, _mm_srli_si128(lanes, 4));
-  lanes = _mm_min_epu8(lanes, _mm_srli_si128(lanes, 2));
-  lanes = _mm_min_epu8(lanes, _mm_srli_si128(lanes, 1));
-  return static_cast<uint8_t>(_mm_cvtsi128_si32(lanes));
-}
-
-inline uint8_t Largest(const ValueRange& range) {
-  __m128i lanes = value_range_lanes::Load(range.highest);
-  lanes = _mm_max_epu8(lanes, _mm_srli_si128(lanes, 8));
-  lanes = _mm_max_epu8(lanes, _mm_srli_si128(lanes, 4));
-  lanes = _mm_max_epu8(lanes, _mm_srli_si128(lanes, 2));
-  lanes = _mm_max_epu8(lanes, _mm_srli_si128(lanes, 1));
-  return static_cast<uint8_t>(_mm_cvtsi128_si32(lanes));
-}
-
-// As WidenPlain; `readable` bytes may be read from `values` on, at least `count`.
-inline void Widen(ValueRange* range, const uint8_t* values, size_t count, size_t readable) {
-  using namespace value_range_lanes;
-  if (readable < 16) {
-    WidenPlain(range, values, count);
-  } else if (count < 16) {
-    const __m128i first = Load(values);
-    const __m128i mask = Load(kMask + 16 - count);
-    const __m128i others = _mm_xor_si128(mask, _mm_set1_epi8(-1));
-    Widen16(range, _mm_or_si128(first, others), _mm_and_si128(first, mask));
-  } else {
-    // The last 16 may overlap those before them, which changes no range.
-    for (size_t k = 0; k < count; k += 16) {
-      const __m128i lanes = Load(values + std::min(k, count - 16));
-      Widen16(range, lanes, lanes);
-    }
+  static __m128i Load(const uint8_t* values) {
+    return _mm_loadu_si128(reinterpret_cast<const __m128i*>(values));
   }
+
+  // Takes in the values whose lanes of `mask` are all ones, not zero.
+  void Take(__m128i values, __m128i mask) {
+    // The complement of the smallest value is the largest complement.
+    inverse_ = _mm_max_epu8(inverse_, _mm_andnot_si128(values, mask));
+    highest_ = _mm_max_epu8(highest_, _mm_and_si128(values, mask));
+  }
+
+  ValueRange Range() const {
+    // Complements in the lower half, values in the upper one.
+    __m128i both = _mm_max_epu8(_mm_unpacklo_epi64(inverse_, highest_),
+                                _mm_unpackhi_epi64(inverse_, highest_));
+    both = _mm_max_epu8(both, _mm_srli_epi64(both, 32));
+    both = _mm_max_epu8(both, _mm_srli_epi64(both, 16));
+    both = _mm_max_epu8(both, _mm_srli_epi64(both, 8));
+    return {static_cast<uint8_t>(~_mm_cvtsi128_si32(both)),
+            static_cast<uint8_t>(_mm_extract_epi16(both, 4))};
+  }
+
+ private:
+  __m128i inverse_ = _mm_setzero_si128();
+  __m128i highest_ = _mm_setzero_si128();
+};
+
+// As RangeOfMarkedPlain.
+template <typename Foreground>
+ValueRange RangeOfMarked(const Foreground& foreground, const uint8_t* values, size_t count) {
+  if (count < ValueLanes::kCount) return RangeOfMarkedPlain(foreground, values, count);
+  ValueLanes lanes;
+  // The last lanes may overlap those before them, which changes no range.
+  for (size_t k = 0; k < count; k += ValueLanes::kCount) {
+    const __m128i taken = ValueLanes::Load(values + std::min(k, count - ValueLanes::kCount));
+    lanes.Take(taken, foreground.Has(taken));
+  }
+  return lanes.Range();
+}
+
+// As RangeOfPlain; `readable` bytes may be read from `values` on, at least `count`.
+inline ValueRange RangeOf(const uint8_t* values, size_t count, size_t readable) {
+  // 16 bytes from kMask + 16 - n: the first n lanes are kept.
+  static constexpr uint8_t kMask[32] = {255, 255, 255, 255, 255, 255, 255, 255,
+                                        255, 255, 255, 255, 255, 255, 255, 255};
+  if (readable < ValueLanes::kCount) return RangeOfPlain(values, count);
+  const size_t first = std::min(count, ValueLanes::kCount);
+  ValueLanes lanes;
+  lanes.Take(ValueLanes::Load(values), ValueLanes::Load(kMask + ValueLanes::kCount - first));
+  for (size_t k = first; k < count; k += ValueLanes::kCount) {
+    // The last lanes may overlap those before them, which changes no range.
+    lanes.Take(ValueLanes::Load(values + std::min(k, count - ValueLanes::kCount)),
+               _mm_set1_epi8(-1));
+  }
+  return lanes.Range();
 }
 #else
-inline void Empty(ValueRange* range) {
-  std::fill_n(range->lowest, 16, uint8_t{255});
-  std::fill_n(range->highest, 16, uint8_t{0});
+template <typename Foreground>
+ValueRange RangeOfMarked(const Foreground& foreground, const uint8_t* values, size_t count) {
+  return RangeOfMarkedPlain(foreground, values, count);
 }
 
-inline void Widen(ValueRange* range, const ValueRange& other) {
-  for (int k = 0; k < 16; ++k) {
-    range->lowest[k] = std::min(range->lowest[k], other.lowest[k]);
-    range->highest[k] = std::max(range->highest[k], other.highest[k]);
-  }
-}
-
-inline uint8_t Smallest(const ValueRange& range) {
-  return *std::min_element(range.lowest, range.lowest + 16);
-}
-
-inline uint8_t Largest(const ValueRange& range) {
-  return *std::max_element(range.highest, range.highest + 16);
-}
-
-inline void Widen(ValueRange* range, const uint8_t* values, size_t count, size_t /*readable*/) {
-  WidenPlain(range, values, count);
+inline ValueRange RangeOf(const uint8_t* values, size_t count, size_t /*readable*/) {
+  return RangeOfPlain(values, count);
 }
 #endif
 
