@@ -49,6 +49,7 @@ void WriteSet(const BatchRequest& request, const std::vector<Page>& pages,
 int RunSet(const BatchRequest& request, const SetService& service, const std::string& input) {
   std::vector<Page> pages = ReadAll(input);
   std::vector<ImageRec> records;
+  records.reserve(pages.size());
   for (const Page& page : pages) records.push_back(*page.image.rec());
   std::vector<ImageRec> results(pages.size());
   TurnOutcome outcome = service(records, &results);

@@ -160,8 +160,10 @@ TestImage DrawSample() {
       // Ink over a grid of 3 x 3 places in the pixel, so that print has soft edges.
       int32_t ink = 0;
       for (int32_t i = 0; i < 9; ++i) {
-        const double dx = x - page.centerX + (i % 3 - 1) / 3.0;
-        const double dy = y - page.centerY + (i / 3 - 1) / 3.0;
+        const int32_t placeX = i % 3 - 1;
+        const int32_t placeY = i / 3 - 1;
+        const double dx = x - page.centerX + placeX / 3.0;
+        const double dy = y - page.centerY + placeY / 3.0;
         const double u = dx * std::cos(radians) + dy * std::sin(radians) + kWidth / 2.0;
         const double v = dy * std::cos(radians) - dx * std::sin(radians) + kHeight / 2.0;
         if (u > 20 && v > 20 && u < kWidth - 20 && v < kHeight - 20 && sheet.IsInk(u, v)) ++ink;

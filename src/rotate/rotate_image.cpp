@@ -60,9 +60,8 @@ void RotateHalves(const RotateJob& job, RotateRows rotateRows) {
 
 // Fills the target. False when there is no memory for the tables.
 bool Rotate(RotateJob& job) {
-  const int32_t mostSteps = std::max(job.halfWidth(), job.halfHeight());
-  if (!job.steps.Build(job.turn.angle, static_cast<size_t>(mostSteps) + kMostNeighbours))
-    return false;
+  const auto mostSteps = static_cast<size_t>(std::max(job.halfWidth(), job.halfHeight()));
+  if (!job.steps.Build(job.turn.angle, mostSteps + kMostNeighbours)) return false;
 
   if (!TiledRotation::Suits(job)) {
     RotateHalves(job, [&](int32_t first, int32_t last) { RotateRowsPlain(job, first, last); });
