@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "frame/arithmetic.h"
+#include "frame/row_table.h"
 
 namespace vorlanepic {
 namespace {
@@ -37,13 +38,6 @@ ImageRec WrapOne(const DibRec& image) {
 }
 
 size_t RowCount(const ImageRec& image) { return static_cast<size_t>(std::max(image.height, 0)); }
-
-void LayRows(uint8_t** rows, ImageRec* image) {
-  for (int32_t y = 0; y < image->height; ++y) {
-    rows[y] = image->pixels + ptrdiff_t{y} * image->lineBytes;
-  }
-  image->rows = rows;
-}
 
 void CopyRows(const ImageRec& from, const DibRec& to) {
   const int32_t lineBytes = RowBytes(from.width, from.bitsPerPixel);

@@ -5,6 +5,7 @@
 
 #include "deskew/page_records.h"
 #include "deskew/pruned_rotation.h"
+#include "frame/row_table.h"
 #include "frame/scratch.h"
 #include "frame/settings.h"
 #include "vorlanepic/vorlanepic.h"
@@ -44,10 +45,6 @@ void AssignSettings() {
   settings.perpendicular = 2.0;
 }
 
-void CopyPixels(uint8_t* to, const uint8_t* from, int32_t bytes) {
-  std::memcpy(to, from, static_cast<size_t>(bytes));
-}
-
 }  // namespace
 
 int32_t VORLANEPIC_STDCALL VorlanePic(uint8_t* pixels, int32_t* width, int32_t* height,
@@ -59,20 +56,26 @@ int32_t VORLANEPIC_STDCALL VorlanePic(uint8_t* pixels, int32_t* width, int32_t* 
   if (!IsDepth(bitsPerPixel) || !IsMode(mode)) return kRejected;
   AssignSettings();
 
-  ScratchImage source;
-  if (Imgbuf_New(source.rec(), *width, *height, bitsPerPixel, 0) != STATUS_OK) return kFailed;
-  CopyPixels(source.rec()->pixels, pixels, source.rec()->imageBytes);
+  // The image library says how the pixels lie. They are read in the caller's buffer, which stays as
+  // it is until the result is whole: a copy would cost as much as the rotation.
+  ScratchImage layout;
+  if (Imgbuf_New(layout.rec(), *width, *height, bitsPerPixel, 0) != STATUS_OK) return kFailed;
+  ImageRec source = *layout.rec();
+  ScratchArray<uint8_t*> rows;
+  if (!rows.Allocate(static_cast<size_t>(source.height))) return kFailed;
+  source.pixels = pixels;
+  LayRows(rows.data(), &source);
 
   constexpr uint8_t kBlue[3] = {255, 0, 0};
   double angle = 0.0;
   ScratchImage result;
   const int32_t status =
-      RunPrunedRotation(std::span<const ImageRec>(source.rec(), 1), {mode, threshold, 0, 0, kBlue},
+      RunPrunedRotation(std::span<const ImageRec>(&source, 1), {mode, threshold, 0, 0, kBlue},
                         &angle, std::span(result.rec(), 1));
   if (status != STATUS_OK) return kFailed;
   *width = result.rec()->width;
   *height = result.rec()->height;
-  CopyPixels(pixels, result.rec()->pixels, result.rec()->imageBytes);
+  std::memcpy(pixels, result.rec()->pixels, static_cast<size_t>(result.rec()->imageBytes));
   return kProcessed;
 }
 
