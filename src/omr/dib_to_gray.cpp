@@ -41,8 +41,6 @@ void GreyRow1(const uint8_t* row, size_t width, uint8_t* grey) {
   if (width % 8 != 0) std::memcpy(grey + 8 * whole, kLevelsOfByte[row[whole]].data(), width % 8);
 }
 
-void GreyRow8(const uint8_t* row, size_t width, uint8_t* grey) { std::memcpy(grey, row, width); }
-
 void GreyRow24(const uint8_t* row, size_t width, uint8_t* grey) {
   for (size_t x = 0; x < width; ++x) grey[x] = row[3 * x + 2];
 }
@@ -57,20 +55,11 @@ __attribute__((target("ssse3"))) void GreyRow24Shuffled(const uint8_t* row, size
 
 using GreyRow = void (*)(const uint8_t* row, size_t width, uint8_t* grey);
 
-GreyRow GreyRowOf(uint16_t bitsPerPixel) {
-  switch (bitsPerPixel) {
-    case 1:
-      return GreyRow1;
-    case 8:
-      return GreyRow8;
-    case 24:
+GreyRow BestGreyRow24() {
 #if defined(VORLANEPIC_X86)
-      if (__builtin_cpu_supports("ssse3") != 0) return GreyRow24Shuffled;
+  if (__builtin_cpu_supports("ssse3") != 0) return GreyRow24Shuffled;
 #endif
-      return GreyRow24;
-    default:
-      return nullptr;
-  }
+  return GreyRow24;
 }
 
 bool IsComplete(const DibRec* image) {
@@ -80,25 +69,32 @@ bool IsComplete(const DibRec* image) {
 
 }  // namespace
 
-bool DibToGray(const DibRec* image, GreyBuffer* grey) {
+bool DibToGray(const DibRec* image, GreyImage* grey) {
   if (!IsComplete(image)) return false;
-  grey->width = HeaderField<int32_t>(image->infoHeader, 4);
-  grey->height = HeaderField<int32_t>(image->infoHeader, 8);
+  const auto width = HeaderField<int32_t>(image->infoHeader, 4);
+  const auto height = HeaderField<int32_t>(image->infoHeader, 8);
   const auto bitsPerPixel = HeaderField<uint16_t>(image->infoHeader, 14);
-  const GreyRow greyRow = GreyRowOf(bitsPerPixel);
-  if (grey->width < 1 || grey->height < 1 || greyRow == nullptr) return false;
+  if (width < 1 || height < 1) return false;
+  if (bitsPerPixel != 1 && bitsPerPixel != 8 && bitsPerPixel != 24) return false;
 
-  const auto width = static_cast<size_t>(grey->width);
-  const auto height = static_cast<size_t>(grey->height);
-  const uint64_t lineBytes = (static_cast<uint64_t>(width) * bitsPerPixel + 31) / 32 * 4;
+  const int64_t lineBytes = (int64_t{width} * bitsPerPixel + 31) / 32 * 4;
   // The image library has no larger images: such a header lies about the rows behind it.
-  if (lineBytes > INT32_MAX / static_cast<uint64_t>(height)) return false;
-  if (width > SIZE_MAX / height || !grey->pixels.Grow(width * height)) return false;
-  AdviseLargePages(grey->pixels.data(), width * height);
-  for (size_t y = 0; y < height; ++y) {
-    const uint8_t* row = image->bits + static_cast<size_t>(lineBytes) * (height - 1 - y);
-    greyRow(row, width, grey->pixels.data() + y * width);
+  if (lineBytes > INT32_MAX / height) return false;
+  const auto line = static_cast<ptrdiff_t>(lineBytes);
+  const uint8_t* top = image->bits + line * (height - 1);
+  if (bitsPerPixel == 8) {
+    grey->view = {top, height, width, -line};
+    return true;
   }
+  const auto rowPixels = static_cast<size_t>(width);
+  const uint64_t pixels = static_cast<uint64_t>(rowPixels) * static_cast<uint64_t>(height);
+  if (pixels > SIZE_MAX || !grey->own.Grow(static_cast<size_t>(pixels))) return false;
+  AdviseLargePages(grey->own.data(), static_cast<size_t>(pixels));
+  const GreyRow greyRow = bitsPerPixel == 1 ? GreyRow1 : BestGreyRow24();
+  for (int32_t y = 0; y < height; ++y) {
+    greyRow(top - y * line, rowPixels, grey->own.data() + static_cast<size_t>(y) * rowPixels);
+  }
+  grey->view = {grey->own.data(), height, width};
   return true;
 }
 

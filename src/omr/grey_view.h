@@ -8,17 +8,18 @@ namespace vorlanepic {
 
 // One byte per pixel, 0 is black, top row first, rows without padding. The host owns the pixels.
 struct GreyView {
-  const uint8_t* pixels;
+  const uint8_t* pixels;  // the top row
   int32_t height;
   int32_t width;
+  // From a row to the one below; negative where the bottom row comes first in memory.
+  ptrdiff_t lineBytes = width;
 
-  const uint8_t* Row(int32_t y) const {
-    return pixels + static_cast<size_t>(y) * static_cast<size_t>(width);
-  }
+  const uint8_t* Row(int32_t y) const { return pixels + y * lineBytes; }
 
-  // Bytes from a pixel to the end of the image.
+  // Bytes from a pixel to the end of the image in memory.
   size_t BytesFrom(int32_t x, int32_t y) const {
-    return static_cast<size_t>(height - y) * static_cast<size_t>(width) - static_cast<size_t>(x);
+    const ptrdiff_t rows = lineBytes < 0 ? -(y + ptrdiff_t{1}) : height - ptrdiff_t{y};
+    return static_cast<size_t>(rows * lineBytes - x);
   }
 };
 

@@ -72,6 +72,18 @@ int32_t FindBarAngle(const GreyView& image, int32_t threshold, const BarLimits& 
   return BAR_FOUND;
 }
 
+// Sets *angle only where a bar is found.
+int32_t MeasureBar(const GreyView& image, int32_t threshold, const BarLimits& limits,
+                   double* angle) {
+  if (angle == nullptr) return BAR_NOT_FOUND;
+  BarRecords scratch;
+  BarRecords& records = settings.barRecords != nullptr ? *settings.barRecords : scratch;
+  records = {};
+  const int32_t status = FindBarAngle(image, threshold, limits, &records);
+  if (status == BAR_FOUND) *angle = records.angle;
+  return status;
+}
+
 }  // namespace
 }  // namespace vorlanepic
 
@@ -80,21 +92,15 @@ using namespace vorlanepic;
 int32_t VORLANEPIC_CDECL get_angle_omr(const uint8_t* pixels, int32_t height, int32_t width,
                                        int32_t threshold, int32_t minLength, int32_t minThickness,
                                        int32_t maxThickness, double* angle) noexcept {
-  if (pixels == nullptr || height < 1 || width < 1 || angle == nullptr) return BAR_NOT_FOUND;
-  BarRecords scratch;
-  BarRecords& records = settings.barRecords != nullptr ? *settings.barRecords : scratch;
-  records = {};
-  const BarLimits limits{minLength, minThickness, maxThickness};
-  const int32_t status = FindBarAngle({pixels, height, width}, threshold, limits, &records);
-  if (status == BAR_FOUND) *angle = records.angle;
-  return status;
+  if (pixels == nullptr || height < 1 || width < 1) return BAR_NOT_FOUND;
+  return MeasureBar({pixels, height, width}, threshold, {minLength, minThickness, maxThickness},
+                    angle);
 }
 
 int32_t VORLANEPIC_CDECL GetAngleOMR(const DibRec* image, int32_t threshold, int32_t minLength,
                                      int32_t minThickness, int32_t maxThickness,
                                      double* angle) noexcept {
-  GreyBuffer grey;
+  GreyImage grey;
   if (!DibToGray(image, &grey)) return BAR_NOT_FOUND;
-  return get_angle_omr(grey.pixels.data(), grey.height, grey.width, threshold, minLength,
-                       minThickness, maxThickness, angle);
+  return MeasureBar(grey.view, threshold, {minLength, minThickness, maxThickness}, angle);
 }
