@@ -7,10 +7,8 @@
 #include "analysis/border_drawing.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
-
-using testing::FillTrace;
 
 TEST(DistanceToLine, IsSignedAndTruncated) {
   const BorderLine level{9.5, 0, 0, kLineHorizontal, 0, 0};
@@ -108,4 +106,4 @@ TEST(FitPointLine, PassesThroughTheMeansOfTheHalves) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

@@ -5,16 +5,12 @@
 #include "analysis/border_drawing.h"
 #include "support/failing_heap.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
-
-using testing::FillColumns;
-using testing::FillRectangle;
-using testing::TestImage;
 
 constexpr GreyBand kLevels{200, 255};
 
-class BorderScanTest : public testing::AnalysisTest {
+class BorderScanTest : public AnalysisTest {
  protected:
   int32_t Rows(const TestImage& image) {
     return ScanRows(image.rec(), &band_, kLevels, &traces_.left, &traces_.right, &extremes_);
@@ -107,11 +103,11 @@ TEST_F(BorderScanTest, ReportsExhaustedMemoryAtEveryStep) {
   FillRectangle(&image, 100, 20, 199, 79, 230);
   int32_t status = STATUS_OK;
   const auto check = [&](int32_t) { EXPECT_EQ(status, OUT_OF_MEMORY); };
-  testing::ForEachHeapFailure([&] { status = Rows(image); }, check);
+  ForEachHeapFailure([&] { status = Rows(image); }, check);
   EXPECT_EQ(status, STATUS_OK);
-  testing::ForEachHeapFailure([&] { status = Columns(image); }, check);
+  ForEachHeapFailure([&] { status = Columns(image); }, check);
   EXPECT_EQ(status, STATUS_OK);
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

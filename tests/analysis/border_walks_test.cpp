@@ -10,10 +10,8 @@
 #include "analysis/pixel_access.h"
 #include "support/page_drawing.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
-
-using testing::TestImage;
 
 template <typename Pixel>
 constexpr int32_t kDepth = 8;
@@ -163,4 +161,4 @@ TEST(BitWalks, StepOverZeroBytesAndStopBehindARun) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

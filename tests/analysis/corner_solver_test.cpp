@@ -11,11 +11,8 @@
 #include "analysis/border_drawing.h"
 #include "support/failing_heap.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
-
-using testing::FillTrace;
-using testing::TestImage;
 
 constexpr double kDegree = 0.017453292222222222;
 constexpr double kDegreesPerRadian = 57.295780490442965;
@@ -29,7 +26,7 @@ struct Box {
 };
 
 // A document of four edges in an image of 200 x 240, each the given points, two of each.
-class SolveCornersTest : public testing::AnalysisTest {
+class SolveCornersTest : public AnalysisTest {
  protected:
   SolveCornersTest() { Upright(); }
 
@@ -188,7 +185,7 @@ TEST_F(SolveCornersTest, LaysAllEdgesButTheOneOfMostPointsThroughTheExtremes) {
   for (const Case& c : cases) {
     SCOPED_TRACE(&c - cases);
     c.isPathX ? Upright() : UprightOnPathY();
-    if (c.edge != 0) SetEdge(Edge(c.edge), testing::MeansOf(Edge(c.edge)->list), 3);
+    if (c.edge != 0) SetEdge(Edge(c.edge), MeansOf(Edge(c.edge)->list), 3);
     settings.ExtremeAnchorFlag = 1.0;
     ASSERT_EQ(Solve(), STATUS_OK);
     ExpectUprightBox(c.box);
@@ -251,10 +248,10 @@ TEST_F(SolveCornersTest, MakesOppositeEdgesParallel) {
 TEST_F(SolveCornersTest, RefusesWhatItCannotSolve) {
   EXPECT_EQ(SolveCorners(image_.rec(), 0, &extremes_, 1, nullptr, &geometry_), BAD_ARGUMENT);
   EXPECT_EQ(SolveCorners(image_.rec(), 0, &extremes_, 1, &edges_, nullptr), BAD_ARGUMENT);
-  const testing::FailingHeap heap(0);
+  const FailingHeap heap(0);
   EXPECT_EQ(Solve(), OUT_OF_MEMORY);
   EXPECT_EQ(geometry_.outWidth, 100);  // written before the spans
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

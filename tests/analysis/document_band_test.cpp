@@ -3,12 +3,8 @@
 #include "analysis/border_drawing.h"
 #include "analysis/border_scan.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
-
-using testing::AnalysisTest;
-using testing::FillRectangle;
-using testing::TestImage;
 
 // From above rows 0, 8, 16 ... are sampled, from below height - 1, height - 9, ...
 TEST_F(AnalysisTest, BandReachesNineRowsBeyondTheSampledRowsOfThePage) {
@@ -71,4 +67,4 @@ TEST_F(AnalysisTest, BandRefusesWhatItCannotRead) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

@@ -9,14 +9,10 @@
 #include "analysis/border_drawing.h"
 #include "support/failing_heap.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
 
-using testing::FillTrace;
-using testing::Line;
-using testing::TestImage;
-
-class BuildEdgesTest : public testing::AnalysisTest {
+class BuildEdgesTest : public AnalysisTest {
  protected:
   int32_t Build() {
     edges_ = {};
@@ -167,10 +163,9 @@ TEST_F(BuildEdgesTest, PassesFailingFitsAndChecksOn) {
   EXPECT_EQ(BuildEdges(image_.rec(), nullptr, &straightness_, &traces_, &edges_), BAD_ARGUMENT);
   TraceDiamond();
   int32_t status = STATUS_OK;
-  testing::ForEachHeapFailure([&] { status = Build(); },
-                              [&](int32_t) { EXPECT_EQ(status, OUT_OF_MEMORY); });
+  ForEachHeapFailure([&] { status = Build(); }, [&](int32_t) { EXPECT_EQ(status, OUT_OF_MEMORY); });
   EXPECT_EQ(status, STATUS_OK);
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

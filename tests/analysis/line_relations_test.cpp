@@ -5,7 +5,7 @@
 #include "analysis/border_drawing.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
 
 TEST(AngleRelations, TreatSteepAnglesOfBothSignsAsNeighbours) {
@@ -71,4 +71,4 @@ TEST(Intersect, RoundsTheCrossing) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

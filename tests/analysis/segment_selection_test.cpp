@@ -7,15 +7,11 @@
 #include "analysis/border_drawing.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
 
-using testing::FillTrace;
-using testing::Line;
-using testing::MeansOf;
-
 using Points = std::vector<EdgePoint>;
-using SegmentSelectionTest = testing::AnalysisTest;
+using SegmentSelectionTest = AnalysisTest;
 
 // The chord of (0, 0) and (20, 10) has y = 5 at x = 10, the one of (0, 10) and (20, 0) as well.
 TEST_F(SegmentSelectionTest, JudgeKeepsWhatIsInLineWithItsNeighbours) {
@@ -139,4 +135,4 @@ TEST_F(SegmentSelectionTest, RefusesWhatItCannotJudge) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

@@ -8,12 +8,8 @@
 #include "support/failing_heap.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
-
-using testing::AnalysisTest;
-using testing::Line;
-using testing::MeansOf;
 
 std::vector<EdgePoint> Joined(std::initializer_list<std::vector<EdgePoint>> parts) {
   std::vector<EdgePoint> all;
@@ -70,7 +66,7 @@ TEST_F(AnalysisTest, TraceRefusesNegativeCoordinates) {
 TEST_F(AnalysisTest, TraceReportsExhaustedMemoryAtEveryStep) {
   int32_t failures = 0;
   int32_t status = STATUS_OK;
-  testing::ForEachHeapFailure(
+  ForEachHeapFailure(
       [&] {
         TraceBuilder builder;
         status = STATUS_OK;
@@ -87,4 +83,4 @@ TEST_F(AnalysisTest, TraceReportsExhaustedMemoryAtEveryStep) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

@@ -2,17 +2,12 @@
 
 #include <random>
 
-#include <gtest/gtest.h>
-
 #include "deskew/bright_lines_sse2.h"
 #include "deskew/content_search.h"
-#include "frame/settings.h"
-#include "support/page_drawing.h"
+#include "deskew/deskew_fixture.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
-
-using testing::TestImage;
 
 constexpr uint8_t kPaper = 200;
 
@@ -22,10 +17,8 @@ void FillRectangle(TestImage* image, const ContentBounds& area, uint8_t grey) {
   }
 }
 
-class FindContentBoundsTest : public ::testing::TestWithParam<int32_t> {
+class FindContentBoundsTest : public DeskewTest, public ::testing::WithParamInterface<int32_t> {
  protected:
-  void TearDown() override { settings = {}; }
-
   static ContentBounds Find(const TestImage& image, uint32_t searchLimit, uint32_t pixelCount) {
     ContentBounds bounds{-1, -1, -1, -1};
     EXPECT_EQ(FindContentBounds(image.rec(), {searchLimit, pixelCount, 100, kSearchRowsAndColumns},
@@ -142,21 +135,16 @@ TEST(BrightColour, TakesTheLuminance) {
 
 #if defined(__SSE2__)
 
-// Noise, two neighbouring levels, or a light corner on dark ground.
-TestImage MakeImage(int32_t width, int32_t height, int32_t depth, int32_t filling,
-                    std::mt19937* random) {
-  TestImage image(width, height, depth);
+enum { kNoise, kTwoNeighbouringLevels, kLightCornerOnDark, kFillings };
+
+TestImage MakeImage(int32_t width, int32_t height, int32_t depth, int32_t filling, uint32_t seed) {
+  TestImage image = DrawNoise(width, height, depth, seed);
   const int32_t lineBytes = image.rec()->lineBytes;
-  const auto flat = (*random)();
-  for (int32_t y = 0; y < height; ++y) {
-    for (int32_t i = 0; i < lineBytes; ++i) {
-      const bool isCorner = y > height / 4 && i > lineBytes / 3;
-      const auto noise = (*random)();
-      const auto level = filling == 0   ? noise
-                         : filling == 1 ? flat + noise / 256 % 2
-                                        : isCorner * 255U;
-      image.row(y)[i] = static_cast<uint8_t>(level);
-    }
+  for (int32_t i = 0; i < image.rec()->imageBytes && filling != kNoise; ++i) {
+    uint8_t& byte = image.rec()->pixels[i];
+    const bool isCorner = i / lineBytes > height / 4 && i % lineBytes > lineBytes / 3;
+    if (filling == kTwoNeighbouringLevels) byte = static_cast<uint8_t>(seed + byte % 2);
+    if (filling == kLightCornerOnDark) byte = isCorner ? 255 : 0;
   }
   return image;
 }
@@ -164,27 +152,29 @@ TestImage MakeImage(int32_t width, int32_t height, int32_t depth, int32_t fillin
 template <typename Kernel>
 void ExpectLinesAlike(int32_t depth) {
   std::mt19937 random(7);
+  const auto upTo = [&](int32_t n) { return std::uniform_int_distribution(0, n)(random); };
+  const auto threshold = [&] { return upTo(2) == 0 ? 255 * upTo(1) : upTo(255); };
   for (int32_t width = 1; width <= 200; width += width < 70 ? 1 : 13) {
-    for (const int32_t filling : {0, 1, 2}) {
-      const auto height = static_cast<int32_t>(1 + random() % 150);
-      const TestImage image = MakeImage(width, height, depth, filling, &random);
-      const auto threshold =
-          static_cast<uint8_t>(random() % 3 == 0 ? 255 * (random() % 2) : random() % 256);
-      PlainLines<typename Kernel::Pixel> plain(*image.rec(), threshold);
-      FastLines<Kernel> fast(*image.rec(), threshold);
+    for (int32_t filling = 0; filling < kFillings; ++filling) {
+      SCOPED_TRACE(::testing::Message() << "width " << width << ", filling " << filling);
+      const int32_t height = 1 + upTo(149);
+      const TestImage image =
+          MakeImage(width, height, depth, filling, static_cast<uint32_t>(upTo(255)));
+      const auto level = static_cast<uint8_t>(threshold());
+      PlainLines<typename Kernel::Pixel> plain(*image.rec(), level);
+      FastLines<Kernel> fast(*image.rec(), level);
       for (int32_t y = 0; y < height; ++y) {
-        const auto count = static_cast<uint32_t>(random() % static_cast<uint32_t>(width + 1));
-        ASSERT_EQ(fast.IsBrightRow(y, count), plain.IsBrightRow(y, count))
-            << width << " x " << height << ", row " << y << ", more than " << count;
+        const auto count = static_cast<uint32_t>(upTo(width));
+        ASSERT_EQ(fast.IsBrightRow(y, count), plain.IsBrightRow(y, count)) << y << ", " << count;
       }
-      const auto top = static_cast<int32_t>(random() % static_cast<uint32_t>(height));
-      const auto count = static_cast<uint32_t>(random() % static_cast<uint32_t>(height + 1)) / 2;
+      const int32_t top = upTo(height - 1);
+      const auto count = static_cast<uint32_t>(upTo(height) / 2);
       plain.SelectRows(top, height - 1);
       fast.SelectRows(top, height - 1);
       for (int32_t i = 0; i < 2 * width; ++i) {
         const int32_t x = i < width ? i : 2 * width - 1 - i;
         ASSERT_EQ(fast.IsBrightColumn(x, count), plain.IsBrightColumn(x, count))
-            << width << " x " << height << ", column " << x << ", more than " << count;
+            << x << ", " << count;
       }
     }
   }
@@ -199,4 +189,4 @@ TEST(FastLines, AreThePlainOnes) {
 #endif
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

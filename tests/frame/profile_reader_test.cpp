@@ -9,10 +9,9 @@
 
 #include "support/profile_file.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
 
-using testing::ProfileOnDisk;
 using namespace std::string_literals;
 
 // Filled with rubbish first, so that a value without its terminating zero shows.
@@ -170,4 +169,4 @@ TEST(ParseDecimal, TakesDigitsWithOnePoint) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

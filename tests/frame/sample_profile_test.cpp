@@ -7,7 +7,7 @@
 
 #include "frame/profile_reader.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
 
 TEST(SampleProfile, HoldsEveryKeyAtItsDefault) {
@@ -43,4 +43,4 @@ TEST(SampleProfile, HoldsEveryKeyAtItsDefault) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

@@ -7,7 +7,7 @@
 
 #include "rotate/weights.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
 
 constexpr int32_t kRunPixels = 256;
@@ -101,4 +101,4 @@ TEST_P(KernelsTest, BlendEveryPairOfBytesAtEveryTenth) {
 INSTANTIATE_TEST_SUITE_P(InstructionSets, KernelsTest, ::testing::ValuesIn(kInstructionSets));
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

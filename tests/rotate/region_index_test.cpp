@@ -6,10 +6,8 @@
 
 #include "rotate/regions.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
-
-using testing::RectangleRegion;
 
 TEST(RegionIndex, KnowsARectangleExactly) {
   RegionIndex index;
@@ -56,4 +54,4 @@ TEST(RegionIndex, NeverSaysWhatDoesNotHoldForARaggedRegion) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

@@ -13,12 +13,8 @@
 #include "support/failing_imgbuf.h"
 #include "support/page_drawing.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
-
-using testing::FailingImgbuf;
-using testing::RectangleRegion;
-using testing::TestImage;
 
 constexpr uint8_t kFill[3] = {11, 22, 33};
 
@@ -107,13 +103,13 @@ TEST_F(RotateImageTest, PassesFailuresOnAndLeavesNothing) {
   EXPECT_EQ(Rotate(source_, region_, turn), 78);
   int32_t status = STATUS_OK;
   int32_t failures = 0;
-  testing::ForEachHeapFailure([&] { status = Rotate(source_, region_, turn); },
-                              [&](int32_t) {
-                                ++failures;
-                                EXPECT_EQ(status, OUT_OF_MEMORY);
-                                EXPECT_EQ(target_.rec()->pixels, nullptr);
-                                EXPECT_EQ(images.aliveImages(), 0);
-                              });
+  ForEachHeapFailure([&] { status = Rotate(source_, region_, turn); },
+                     [&](int32_t) {
+                       ++failures;
+                       EXPECT_EQ(status, OUT_OF_MEMORY);
+                       EXPECT_EQ(target_.rec()->pixels, nullptr);
+                       EXPECT_EQ(images.aliveImages(), 0);
+                     });
   EXPECT_GE(failures, 3);  // the image and two tables at least
   EXPECT_EQ(status, STATUS_OK);
 }
@@ -186,4 +182,4 @@ TEST_F(RotateImageTest, AnAngleThatIsNoNumberFillsAllButTheCentre) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

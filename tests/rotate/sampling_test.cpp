@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
 
 TEST(BlendTable, HoldsSharesInTenths) {
@@ -66,4 +66,4 @@ TEST(Bicubic, WeighsSixteenPixelsAndClamps) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

@@ -5,7 +5,7 @@
 
 #include <gtest/gtest.h>
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
 
 TEST(StepTables, HoldRunningSumsInHundredthsCutTowardZero) {
@@ -36,4 +36,4 @@ TEST(StepTables, StepsThatAreNoInt32AreMarked) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

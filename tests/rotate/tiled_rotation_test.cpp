@@ -13,10 +13,8 @@
 #include "rotate/regions.h"
 #include "support/page_drawing.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
-
-using testing::TestImage;
 
 constexpr double kPi = 3.14159265358979323846;
 constexpr uint8_t kFill[3] = {0xA5, 0x3C, 0x81};
@@ -42,11 +40,11 @@ void Scribble(Random& random, TestImage& image) {
 enum class Shape { kWhole, kRectangle, kConvex, kRagged };
 
 RowSpans RegionOf(Random& random, Shape shape, int32_t width, int32_t height) {
-  if (shape == Shape::kWhole) return testing::RectangleRegion(0, width - 1, 0, height - 1);
+  if (shape == Shape::kWhole) return RectangleRegion(0, width - 1, 0, height - 1);
   const int32_t top = Between(random, 0, height - 2);
   const int32_t bottom = Between(random, top + 1, height - 1);
   const int32_t left = Between(random, 0, width - 1);
-  RowSpans region = testing::RectangleRegion(left, Between(random, left, width - 1), top, bottom);
+  RowSpans region = RectangleRegion(left, Between(random, left, width - 1), top, bottom);
   for (int32_t y = top; y <= bottom && shape != Shape::kRectangle; ++y) {
     RowSpan& span = region.spans[static_cast<size_t>(y)];
     if (shape == Shape::kRagged) {  // may be empty
@@ -171,7 +169,7 @@ INSTANTIATE_TEST_SUITE_P(InstructionSets, TiledRotationTest, ::testing::ValuesIn
 TEST(TiledRotation, LeavesOddJobsToThePlainWay) {
   TestImage source(40, 30, 8);
   const TestImage target(10, 10, 8);
-  const RowSpans region = testing::RectangleRegion(0, 39, 0, 29);
+  const RowSpans region = RectangleRegion(0, 39, 0, 29);
   const auto suits = [&](const Turn& turn) {
     return TiledRotation::Suits({*source.rec(), *target.rec(), region, turn, kFill, {}});
   };
@@ -183,4 +181,4 @@ TEST(TiledRotation, LeavesOddJobsToThePlainWay) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

@@ -57,6 +57,14 @@ void TestImage::Fill(uint8_t grey) {
   }
 }
 
+TestImage DrawNoise(int32_t width, int32_t height, int32_t bitsPerPixel, uint32_t seed) {
+  TestImage image(width, height, bitsPerPixel);
+  std::mt19937 random(seed);
+  std::generate_n(image.rec()->pixels, image.rec()->imageBytes,
+                  [&random] { return static_cast<uint8_t>(random()); });
+  return image;
+}
+
 bool SamePixels(const ImageRec& a, const ImageRec& b) {
   if (a.width != b.width || a.height != b.height || a.bitsPerPixel != b.bitsPerPixel) return false;
   const int32_t bits = a.width * a.bitsPerPixel;

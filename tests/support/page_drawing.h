@@ -34,6 +34,9 @@ class TestImage {
   ImageRec rec_{};
 };
 
+// An image of which every byte is chance, also those of the padding.
+TestImage DrawNoise(int32_t width, int32_t height, int32_t bitsPerPixel, uint32_t seed);
+
 // Whether two images agree in size, depth and every pixel; row padding is not looked at.
 bool SamePixels(const ImageRec& a, const ImageRec& b);
 
