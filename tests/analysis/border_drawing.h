@@ -9,7 +9,9 @@
 
 #include "analysis/border_records.h"
 #include "frame/settings.h"
+#include "support/failing_heap.h"
 #include "support/page_drawing.h"
+#include "vorlanepic/vorlanepic.h"
 
 namespace vorlanepic {
 
@@ -36,6 +38,21 @@ class AnalysisTest : public ::testing::Test {
   }
   ~AnalysisTest() override { settings = {}; }
 };
+
+// Runs `operation` with every heap request of it failing in turn, and then undisturbed. Returns how
+// many requests it makes.
+template <typename Operation>
+int32_t ExpectOutOfMemoryAtEveryRequest(Operation operation) {
+  int32_t requests = 0;
+  int32_t status = STATUS_OK;
+  const auto check = [&](int32_t request) {
+    EXPECT_EQ(status, OUT_OF_MEMORY) << "request " << request;
+    ++requests;
+  };
+  ForEachHeapFailure([&] { status = operation(); }, check);
+  EXPECT_EQ(status, STATUS_OK);
+  return requests;
+}
 
 inline void FillColumns(TestImage* image, int32_t y, int32_t left, int32_t right, uint8_t grey) {
   for (int32_t x = left; x <= right; ++x) image->Set(x, y, grey);

@@ -2,12 +2,8 @@
 
 #include <tuple>
 #include <utility>
-#include <vector>
-
-#include <gtest/gtest.h>
 
 #include "analysis/border_drawing.h"
-#include "support/failing_heap.h"
 
 namespace vorlanepic::testing {
 namespace {
@@ -162,9 +158,7 @@ TEST_F(BuildEdgesTest, PassesFailingFitsAndChecksOn) {
   EXPECT_EQ(Build(), ANGLE_NOT_FOUND);
   EXPECT_EQ(BuildEdges(image_.rec(), nullptr, &straightness_, &traces_, &edges_), BAD_ARGUMENT);
   TraceDiamond();
-  int32_t status = STATUS_OK;
-  ForEachHeapFailure([&] { status = Build(); }, [&](int32_t) { EXPECT_EQ(status, OUT_OF_MEMORY); });
-  EXPECT_EQ(status, STATUS_OK);
+  ExpectOutOfMemoryAtEveryRequest([this] { return Build(); });
 }
 
 }  // namespace

@@ -1,11 +1,6 @@
 #include "analysis/segment_selection.h"
 
-#include <vector>
-
-#include <gtest/gtest.h>
-
 #include "analysis/border_drawing.h"
-#include "vorlanepic/vorlanepic.h"
 
 namespace vorlanepic::testing {
 namespace {
