@@ -103,21 +103,13 @@ TEST(FindProfileValue, RefusesNullArgumentsAndFilesThatCannotBeRead) {
 }
 
 TEST(ReadProfileInt, ConvertsTheValueOrGivesTheDefault) {
-  const std::pair<const char*, int32_t> cases[] = {{" 20", 20},
-                                                   {"+7", 7},
-                                                   {"-5", 0},
-                                                   {"abc", 0},
-                                                   {"", 99},
-                                                   {"12 dpi", 12},
-                                                   {"3.9", 3},
-                                                   {"007", 7},
-                                                   {"- 5", 0},
-                                                   {"\v 5", 5},
-                                                   {"2147483647", INT32_MAX},
-                                                   {"99999999999999999999999999", INT32_MAX},
-                                                   {"-99999999999999999999999999", 0}};
-  for (const auto& [text, expected] : cases) {
-    const ProfileOnDisk file("[S]\nK="s + text + "\n");
+  const std::string huge(26, '9');
+  using Case = std::pair<std::string, int32_t>;
+  for (const auto& [text, expected] :
+       {Case{" 20", 20}, Case{"+7", 7}, Case{"-5", 0}, Case{"abc", 0}, Case{"", 99},
+        Case{"12 dpi", 12}, Case{"3.9", 3}, Case{"007", 7}, Case{"- 5", 0}, Case{"\v 5", 5},
+        Case{"2147483647", INT32_MAX}, Case{huge, INT32_MAX}, Case{"-" + huge, 0}}) {
+    const ProfileOnDisk file("[S]\nK=" + text + "\n");
     EXPECT_EQ(ReadProfileInt("S", "K", 99, file.path()), expected) << text;
   }
   const ProfileOnDisk file("[S]\nK=20\n");

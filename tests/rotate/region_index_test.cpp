@@ -2,9 +2,7 @@
 
 #include <random>
 
-#include <gtest/gtest.h>
-
-#include "rotate/regions.h"
+#include "rotate/rotate_fixture.h"
 
 namespace vorlanepic::testing {
 namespace {

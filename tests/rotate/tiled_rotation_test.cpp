@@ -7,10 +7,8 @@
 #include <utility>
 #include <vector>
 
-#include <gtest/gtest.h>
-
 #include "rotate/plain_rotation.h"
-#include "rotate/regions.h"
+#include "rotate/rotate_fixture.h"
 #include "support/page_drawing.h"
 
 namespace vorlanepic::testing {
@@ -67,14 +65,8 @@ double AngleOf(Random& random) {
   return known[static_cast<size_t>(Between(random, 0, static_cast<int32_t>(std::size(known)) - 1))];
 }
 
-class TiledRotationTest : public ::testing::TestWithParam<InstructionSet> {
+class TiledRotationTest : public InstructionSetTest {
  protected:
-  void SetUp() override {
-    if (!HasInstructionSet(GetParam())) GTEST_SKIP() << "not on this machine";
-    SelectRotateKernels(GetParam());
-  }
-  void TearDown() override { SelectRotateKernels(BestInstructionSet()); }
-
   // Turns `source` both ways, in two parts of rows, and compares all bytes.
   static void Compare(const TestImage& source, const RowSpans& region, const Turn& turn) {
     const int32_t depth = source.rec()->bitsPerPixel;
@@ -149,12 +141,10 @@ TEST_P(TiledRotationTest, GivesThePlainBytesForPagesAtAllAngles) {
     for (int32_t degrees = 0; degrees < 360; degrees += 15) {
       angles.push_back(degrees * kPi / 180 + (degrees % 30 == 0 ? 0.0 : 0.004));
     }
-    // Small turns either way, also upside down: by the number of source rows that neighbours lie
-    // in.
+    // Small turns either way, also upside down: by the source rows that neighbours lie in.
     for (const double degrees : {0.5, 1.5, 2.5, 4.0, 6.0, 8.0, 10.0, 12.0}) {
-      for (const double upright : {0.0, kPi}) {
-        angles.push_back(upright + degrees * kPi / 180);
-        angles.push_back(upright - degrees * kPi / 180);
+      for (const double way : {degrees, -degrees, 180 + degrees, 180 - degrees}) {
+        angles.push_back(way * kPi / 180);
       }
     }
     for (const double angle : angles) {
