@@ -3,6 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
@@ -83,6 +84,11 @@ inline std::vector<EdgePoint> Line(int32_t count, int32_t x, int32_t y, int32_t 
   std::vector<EdgePoint> points;
   points.reserve(static_cast<size_t>(count));
   for (int32_t i = 0; i < count; ++i) points.push_back({x + i * dx, y + i * dy});
+  return points;
+}
+
+inline std::vector<EdgePoint> Transposed(std::vector<EdgePoint> points) {
+  for (EdgePoint& point : points) std::swap(point.x, point.y);
   return points;
 }
 

@@ -27,7 +27,7 @@ class BuildEdgesTest : public AnalysisTest {
     std::tie(settings.RightExtremeSegFirst, settings.RightExtremeSegLast) = std::pair(17, 18);
     std::tie(settings.TopExtremeSegFirst, settings.TopExtremeSegLast) = std::pair(19, 13);
     std::tie(settings.BottomExtremeSegFirst, settings.BottomExtremeSegLast) = std::pair(20, 12);
-    extremes_ = {{100, 400}, {500, 300}, {400, 0}, {200, 700}};
+    extremes_ = {{100, 350}, {500, 300}, {400, 0}, {200, 700}};
   }
 
   // 30 segments a side of an upright page, with the leftmost point low.
@@ -68,7 +68,7 @@ TEST_F(BuildEdgesTest, TakesTheSidesBeyondTheExtremesOfATurnedPage) {
   TraceDiamond();
   ASSERT_EQ(Build(), STATUS_OK);
   EXPECT_EQ(straightness_, 1);
-  EXPECT_EQ(settings.EdgeArrangement, 2);  // 700 - 400 is not more than 400 - 0
+  EXPECT_EQ(settings.EdgeArrangement, 2);  // 700 - 350 is not more than 350 - 0
   const auto& [left, right, top, bottom] = Sides();
   ExpectParts({{left, 5, 5}, {bottom, 17, 8}, {right, 23, 2}, {top, 5, 9}});
   extremes_.leftmost.y = 300;
@@ -109,11 +109,6 @@ std::vector<EdgePoint> Crooked(bool fourAside) {
   side[3].x -= 50;
   side[6].x += 50;
   if (fourAside) side[8].x -= 50;
-  return side;
-}
-
-std::vector<EdgePoint> Transposed(std::vector<EdgePoint> side) {
-  for (EdgePoint& point : side) std::swap(point.x, point.y);
   return side;
 }
 

@@ -69,8 +69,13 @@ TEST_P(FindContentBoundsTest, TakesTheOutermostBrightLinesWithoutARun) {
   EXPECT_EQ(Find(TestImage(90, 70, GetParam()), 3, 5), (ContentBounds{0, 89, 0, 69}));
 }
 
-// 100 wide, 20 high: a count of 101 becomes 30, which is above the height, and then 6.
+// 100 wide, 20 high: a count of 101 becomes 30, which is above the height, and then 6. With a
+// height of 40 it stays at 30.
 TEST_P(FindContentBoundsTest, ACountBeyondTheImageBecomesAShareOfIt) {
+  TestImage higher(100, 40, GetParam());
+  FillRectangle(&higher, {30, 60, 0, 33}, kPaper);
+  FillRectangle(&higher, {10, 39, 36, 36}, kPaper);
+  EXPECT_EQ(Find(higher, 0, 101), (ContentBounds{30, 60, 0, 33}));
   TestImage image(100, 20, GetParam());
   FillRectangle(&image, {30, 60, 0, 7}, kPaper);
   FillRectangle(&image, {20, 70, 0, 5}, kPaper);

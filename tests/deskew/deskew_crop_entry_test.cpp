@@ -46,6 +46,7 @@ TEST_F(DeskewEntryTest, ACountOutOfRangeLeavesTheSettingsAndASettingOutOfRangeIs
   param.SegmentLen = 51;
   EXPECT_EQ(RunEx(page.rec(), param, &out, 0), BAD_ARGUMENT);
   EXPECT_EQ(settings.SegmentLen, 0);
+  EXPECT_EQ(settings.ImageNum, 0);
   EXPECT_EQ(RunEx(page.rec(), param, &out, 4), BAD_ARGUMENT);
   EXPECT_EQ(settings.ImageNum, 4);
   EXPECT_EQ(settings.SegmentLen, 51);
@@ -60,8 +61,8 @@ TEST_F(DeskewEntryTest, MethodTwoSeesTheBorderMethodOfTheCallBefore) {
   Imgbuf_Destory(&out);
   EXPECT_EQ(RunEx(strip.rec(), ForMethod(1), &out), BORDER_NOT_FOUND);
   EXPECT_EQ(RunEx(strip.rec(), ForMethod(2), &out), BORDER_NOT_FOUND);
-  EXPECT_EQ(RunEx(strip.rec(), ForMethod(3), &out),
-            BAD_ARGUMENT);  // a border, but too short a side
+  // A border, but too short a side.
+  EXPECT_EQ(RunEx(strip.rec(), ForMethod(3), &out), BAD_ARGUMENT);
   ASSERT_EQ(RunEx(strip.rec(), ForMethod(2), &out), STATUS_OK);
   Imgbuf_Destory(&out);
 }
@@ -69,7 +70,7 @@ TEST_F(DeskewEntryTest, MethodTwoSeesTheBorderMethodOfTheCallBefore) {
 TEST_F(DeskewEntryTest, TurnsSetsByTheirFirstImage) {
   const TestImage first = DrawPage({.degrees = 3});
   const TestImage second = DrawPage({.degrees = -8});
-  const TestImage colour = DrawPage({.bitsPerPixel = 24, .degrees = 3});
+  const TestImage colour = DrawPage({.bitsPerPixel = 24, .degrees = -8});
   const ImageRec images[] = {*first.rec(), *second.rec(), *colour.rec()};
   for (const int32_t method : {1, 2, 3}) {
     const size_t count = method == 2 ? 3 : 2;  // depths are mixed by method 2 only

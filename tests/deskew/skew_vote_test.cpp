@@ -97,7 +97,7 @@ TEST_F(SkewVoteTest, AcceptsALineThatWouldBeFittedForEver) {
 
 // A zigzag 10 wide: the mean distance 5 is the cut, and nothing is nearer.
 TEST_F(SkewVoteTest, FailsWhenFewPointsAreLeft) {
-  settings.ToLineDistance = 4;
+  settings.ToLineDistance = 5;
   auto border = Straight(100, 0, 0, 0, 3);
   for (size_t i = 0; i < border.size(); ++i) border[i].meanX = i % 2 == 0 ? 100 : 110;
   EXPECT_EQ(EstimateBorderAngle(border, 10, 2.0, &vote_), ANGLE_NOT_FOUND);
