@@ -9,8 +9,9 @@ namespace {
 // Bit (or byte) i of a row.
 int32_t BitAt(const uint8_t* row, int32_t i) { return row[i / 8] >> (7 - i % 8) & 1; }
 
-TEST(CopyImageRegion, CutsAtEveryBit) {
-  const FailingImgbuf imgbuf;
+using CopyImageRegionTest = DeskewTest;
+
+TEST_F(CopyImageRegionTest, CutsAtEveryBit) {
   for (const int32_t depth : {1, 8, 24}) {
     const TestImage image = DrawNoise(45, 4, depth, 11);
     for (int32_t left = 0; left <= 45; ++left) {
@@ -31,11 +32,10 @@ TEST(CopyImageRegion, CutsAtEveryBit) {
       }
     }
   }
-  EXPECT_EQ(imgbuf.aliveImages(), 0);
+  EXPECT_EQ(imgbuf_.aliveImages(), 0);
 }
 
-TEST(CopyImageRegion, RefusesWhatLiesOutsideAndPassesTheImageLibrarysCodeOn) {
-  FailingImgbuf imgbuf;
+TEST_F(CopyImageRegionTest, RefusesWhatLiesOutsideAndPassesTheImageLibrarysCodeOn) {
   const TestImage image(10, 8, 8);
   ImageRec out{};
   for (const ImageRegion& region :
@@ -44,10 +44,10 @@ TEST(CopyImageRegion, RefusesWhatLiesOutsideAndPassesTheImageLibrarysCodeOn) {
         ImageRegion{5, 5, 1, INT32_MAX}, ImageRegion{3, 3, 0, 2}}) {
     EXPECT_EQ(CopyImageRegion(image.rec(), &out, region), BAD_ARGUMENT);
   }
-  imgbuf.FailNew(0, 77);
+  imgbuf_.FailNew(0, 77);
   EXPECT_EQ(CopyImageRegion(image.rec(), &out, {0, 0, 2, 2}), 77);
   EXPECT_EQ(out.pixels, nullptr);
-  EXPECT_EQ(imgbuf.aliveImages(), 0);
+  EXPECT_EQ(imgbuf_.aliveImages(), 0);
 }
 
 class RotateImageRegionTest : public DeskewTest {
