@@ -44,9 +44,10 @@ TEST_F(DeskewEntryTest, ACountOutOfRangeLeavesTheSettingsAndASettingOutOfRangeIs
   ImageRec out{};
   DeskewCropParam param = kParam;
   param.SegmentLen = 51;
+  settings.ImageNum = 7;
   EXPECT_EQ(RunEx(page.rec(), param, &out, 0), BAD_ARGUMENT);
   EXPECT_EQ(settings.SegmentLen, 0);
-  EXPECT_EQ(settings.ImageNum, 0);
+  EXPECT_EQ(settings.ImageNum, 7);
   EXPECT_EQ(RunEx(page.rec(), param, &out, 4), BAD_ARGUMENT);
   EXPECT_EQ(settings.ImageNum, 4);
   EXPECT_EQ(settings.SegmentLen, 51);

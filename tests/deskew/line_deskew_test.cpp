@@ -62,7 +62,9 @@ TEST_F(ImageDeskewCropWithLineTest, ScalesTheBarToTheResolution) {
        {Case{0, 598, 8, -1}, Case{7874, 598, 8, STATUS_OK}, Case{7874, 594, 8, -1},
         Case{0, 602, 8, STATUS_OK}, Case{0, 620, 20, STATUS_OK}, Case{7874, 620, 20, -1},
         // Below 1 dot per inch every limit falls back: 300, 4 and 20.
-        Case{-7874, 310, 8, STATUS_OK}, Case{-7874, 280, 8, -1}}) {
+        Case{-7874, 310, 8, STATUS_OK}, Case{-7874, 280, 8, -1},
+        // At 1 the length is 3, and the others fall back.
+        Case{40, 280, 8, STATUS_OK}, Case{40, 280, 22, -1}}) {
     DrawnBarSheet sheet = Sheet(0);
     // Between pixels, so that an even number of them is covered.
     sheet.barX = 0.5;
