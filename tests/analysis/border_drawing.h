@@ -55,15 +55,6 @@ int32_t ExpectOutOfMemoryAtEveryRequest(Operation operation) {
   return requests;
 }
 
-inline void FillColumns(TestImage* image, int32_t y, int32_t left, int32_t right, uint8_t grey) {
-  for (int32_t x = left; x <= right; ++x) image->Set(x, y, grey);
-}
-
-inline void FillRectangle(TestImage* image, int32_t left, int32_t top, int32_t right,
-                          int32_t bottom, uint8_t grey) {
-  for (int32_t y = top; y <= bottom; ++y) FillColumns(image, y, left, right, grey);
-}
-
 // A trace of segments of `points` equal points each.
 inline void FillTrace(SideTrace* side, const std::vector<EdgePoint>& means, int32_t points = 2) {
   const auto count = static_cast<int32_t>(means.size());

@@ -113,9 +113,9 @@ TEST_F(BorderScanTest, TracesTheSidesOfARectangle) {
 // 60 border rows are 10 segments a side; both sides stand out in rows of segments 3 and 7.
 TEST_F(BorderScanTest, EqualExtremesNameTheirSegments) {
   TestImage image(300, 130, 8);
-  for (int32_t y = 0; y < 120; ++y) FillColumns(&image, y, 100, 199, 230);
-  for (const int32_t segment : {3, 7}) {
-    FillColumns(&image, 2 * (6 * segment + 2), 97, 202, 230);
+  FillRectangle(&image, 100, 0, 199, 119, 230);
+  for (const int32_t row : {2 * (6 * 3 + 2), 2 * (6 * 7 + 2)}) {
+    FillRectangle(&image, 97, row, 202, row, 230);
   }
   band_ = {0, 299, 0, 129};
   ASSERT_EQ(Rows(image), STATUS_OK);

@@ -9,12 +9,9 @@
 namespace vorlanepic::testing {
 namespace {
 
-constexpr uint8_t kPaper = 200;
-
-void FillRectangle(TestImage* image, const ContentBounds& area, uint8_t grey) {
-  for (int32_t y = area.top; y <= area.bottom; ++y) {
-    for (int32_t x = area.left; x <= area.right; ++x) image->Set(x, y, grey);
-  }
+// Makes an area as light as paper.
+void Fill(TestImage* image, const ContentBounds& area) {
+  FillRectangle(image, area.left, area.top, area.right, area.bottom, 200);
 }
 
 class FindContentBoundsTest : public DeskewTest, public ::testing::WithParamInterface<int32_t> {
@@ -50,12 +47,12 @@ TEST_P(FindContentBoundsTest, LooksElevenLinesBeyondTheRun) {
     TestImage image(200, 200, GetParam());
     ContentBounds area = kWhole;
     area.*c.paperStart = c.paper;
-    FillRectangle(&image, area, kPaper);
+    Fill(&image, area);
     area.*c.paperStart = area.*c.lineOther = c.beyond;
-    FillRectangle(&image, area, kPaper);
+    Fill(&image, area);
     EXPECT_EQ(Find(image, 3, 5).*c.paperStart, c.paper);
     area.*c.paperStart = area.*c.lineOther = c.within;
-    FillRectangle(&image, area, kPaper);
+    Fill(&image, area);
     EXPECT_EQ(Find(image, 3, 5).*c.paperStart, c.within);
   }
 }
@@ -63,8 +60,8 @@ TEST_P(FindContentBoundsTest, LooksElevenLinesBeyondTheRun) {
 // A limit that no run reaches, as a negative setting gives: the first bright lines of all count.
 TEST_P(FindContentBoundsTest, TakesTheOutermostBrightLinesWithoutARun) {
   TestImage image(150, 140, GetParam());
-  FillRectangle(&image, {3, 60, 2, 50}, kPaper);
-  FillRectangle(&image, {140, 140, 0, 139}, kPaper);
+  Fill(&image, {3, 60, 2, 50});
+  Fill(&image, {140, 140, 0, 139});
   EXPECT_EQ(Find(image, 0xFFFFFFFEU, 5), (ContentBounds{3, 140, 2, 50}));
   EXPECT_EQ(Find(TestImage(90, 70, GetParam()), 3, 5), (ContentBounds{0, 89, 0, 69}));
 }
@@ -73,12 +70,12 @@ TEST_P(FindContentBoundsTest, TakesTheOutermostBrightLinesWithoutARun) {
 // height of 40 it stays at 30.
 TEST_P(FindContentBoundsTest, ACountBeyondTheImageBecomesAShareOfIt) {
   TestImage higher(100, 40, GetParam());
-  FillRectangle(&higher, {30, 60, 0, 33}, kPaper);
-  FillRectangle(&higher, {10, 39, 36, 36}, kPaper);
+  Fill(&higher, {30, 60, 0, 33});
+  Fill(&higher, {10, 39, 36, 36});
   EXPECT_EQ(Find(higher, 0, 101), (ContentBounds{30, 60, 0, 33}));
   TestImage image(100, 20, GetParam());
-  FillRectangle(&image, {30, 60, 0, 7}, kPaper);
-  FillRectangle(&image, {20, 70, 0, 5}, kPaper);
+  Fill(&image, {30, 60, 0, 7});
+  Fill(&image, {20, 70, 0, 5});
   EXPECT_EQ(Find(image, 0, 101), (ContentBounds{30, 60, 0, 7}));
 }
 
@@ -86,11 +83,11 @@ TEST_P(FindContentBoundsTest, TheFlagAsksForAShareOfTheLine) {
   settings.CropPixelFlag = 1;
   const int32_t rowShare = GetParam() == 1 ? 40 : 30;  // of 100
   TestImage image(100, 210, GetParam());
-  FillRectangle(&image, {10, 9 + rowShare, 16, 16}, kPaper);
-  FillRectangle(&image, {10, 10 + rowShare, 20, 119}, kPaper);
+  Fill(&image, {10, 9 + rowShare, 16, 16});
+  Fill(&image, {10, 10 + rowShare, 20, 119});
   // Of the 100 rows 20..119 a column takes 31.
-  FillRectangle(&image, {5, 5, 20, 49}, kPaper);
-  FillRectangle(&image, {7, 7, 20, 50}, kPaper);
+  Fill(&image, {5, 5, 20, 49});
+  Fill(&image, {7, 7, 20, 50});
   EXPECT_EQ(Find(image, 0, 1), (ContentBounds{7, 10 + rowShare, 20, 119}));
   settings.CropPixelFlag = 2;
   EXPECT_EQ(Find(image, 0, 1).top, 16);
@@ -98,8 +95,8 @@ TEST_P(FindContentBoundsTest, TheFlagAsksForAShareOfTheLine) {
 
 TEST_P(FindContentBoundsTest, LooksForColumnsInTheGivenRows) {
   TestImage image(100, 50, GetParam());
-  FillRectangle(&image, {10, 89, 0, 9}, kPaper);
-  FillRectangle(&image, {30, 49, 10, 39}, kPaper);
+  Fill(&image, {10, 89, 0, 9});
+  Fill(&image, {30, 49, 10, 39});
   ContentBounds bounds{-1, -1, 10, 49};
   const ContentSearch search{0, 5, 100, kSearchColumns};
   ASSERT_EQ(FindContentBounds(image.rec(), search, &bounds), STATUS_OK);
@@ -118,7 +115,7 @@ TEST_P(FindContentBoundsTest, LooksForColumnsInTheGivenRows) {
 // Six bright pixels, the last of them in the last row.
 TEST_P(FindContentBoundsTest, ABitColumnEndsAboveTheLastRow) {
   TestImage image(100, 20, GetParam());
-  FillRectangle(&image, {40, 59, 14, 19}, kPaper);
+  Fill(&image, {40, 59, 14, 19});
   ContentBounds bounds{0, 0, 0, 19};
   ASSERT_EQ(FindContentBounds(image.rec(), {0, 5, 100, kSearchColumns}, &bounds), STATUS_OK);
   EXPECT_EQ(bounds.left, GetParam() == 1 ? 0 : 40);
