@@ -140,6 +140,8 @@ TEST(BitWalks, StepOverZeroBytesAndStopBehindARun) {
       {{0xFF, 0x00}, 11, 1, 1, 1},
       // (0) | (10) (9) (8) (7): padding counts for the zero test
       {{0xFF, 0x1F}, 11, 1, 1, 6},
+      // (0, 1, 2, 3) ... (60, 61, 62) is cut short | (62, 61, 60, 59) ... (2, 1, 0) too
+      {{0x01, 0x01, 0x01, 0x01, 0x01, 0x01, 0x01, 0x0F}, 63, 4, kNoBorder, kNoBorder},
       // (0, 1) | (1, 0): the points are the columns outside the image
       {{0xFF}, 2, 2, 2, -1},
   };
