@@ -3,13 +3,16 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include <gtest/gtest.h>
 
 #include "analysis/border_records.h"
 #include "frame/settings.h"
+#include "support/failing_heap.h"
 #include "support/page_drawing.h"
+#include "vorlanepic/vorlanepic.h"
 
 namespace vorlanepic {
 
@@ -37,13 +40,19 @@ class AnalysisTest : public ::testing::Test {
   ~AnalysisTest() override { settings = {}; }
 };
 
-inline void FillColumns(TestImage* image, int32_t y, int32_t left, int32_t right, uint8_t grey) {
-  for (int32_t x = left; x <= right; ++x) image->Set(x, y, grey);
-}
-
-inline void FillRectangle(TestImage* image, int32_t left, int32_t top, int32_t right,
-                          int32_t bottom, uint8_t grey) {
-  for (int32_t y = top; y <= bottom; ++y) FillColumns(image, y, left, right, grey);
+// Runs `operation` with every heap request of it failing in turn, and then undisturbed. Returns how
+// many requests it makes.
+template <typename Operation>
+int32_t ExpectOutOfMemoryAtEveryRequest(Operation operation) {
+  int32_t requests = 0;
+  int32_t status = STATUS_OK;
+  const auto check = [&](int32_t request) {
+    EXPECT_EQ(status, OUT_OF_MEMORY) << "request " << request;
+    ++requests;
+  };
+  ForEachHeapFailure([&] { status = operation(); }, check);
+  EXPECT_EQ(status, STATUS_OK);
+  return requests;
 }
 
 // A trace of segments of `points` equal points each.
@@ -66,6 +75,11 @@ inline std::vector<EdgePoint> Line(int32_t count, int32_t x, int32_t y, int32_t 
   std::vector<EdgePoint> points;
   points.reserve(static_cast<size_t>(count));
   for (int32_t i = 0; i < count; ++i) points.push_back({x + i * dx, y + i * dy});
+  return points;
+}
+
+inline std::vector<EdgePoint> Transposed(std::vector<EdgePoint> points) {
+  for (EdgePoint& point : points) std::swap(point.x, point.y);
   return points;
 }
 

@@ -1,20 +1,75 @@
 #include "analysis/border_scan.h"
 
-#include <gtest/gtest.h>
-
 #include "analysis/border_drawing.h"
-#include "support/failing_heap.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
 
-using testing::FillColumns;
-using testing::FillRectangle;
-using testing::TestImage;
+using FindBandTest = AnalysisTest;
+
+// From above rows 0, 8, 16 ... are sampled, from below height - 1, height - 9, ...
+TEST_F(FindBandTest, ReachesNineRowsBeyondTheSampledRowsOfThePage) {
+  // Light pixels from column 0 on in rows first..last of an image 200 wide.
+  struct Case {
+    const char* name;
+    int32_t bitsPerPixel;
+    int32_t height;
+    int32_t first;
+    int32_t last;
+    int32_t light;
+    int32_t method;
+    int32_t top = -1;  // of the band; -1: there is none
+    int32_t bottom = 0;
+  };
+  const Case cases[] = {
+      {"near the frame", 8, 100, 3, 97, 120, 1, 0, 99},
+      {"just long enough", 24, 100, 20, 70, 86, 1, 15, 76},
+      {"one pixel short", 24, 100, 20, 70, 85, 1},
+      {"one pixel for other methods", 8, 100, 20, 70, 1, 3},
+      {"bits", 1, 100, 20, 70, 86, 1, 15, 76},
+      {"between sampled rows", 8, 100, 17, 23, 120, 1},
+      {"missed from below", 8, 12, 0, 2, 120, 1},
+  };
+  for (const Case& c : cases) {
+    SCOPED_TRACE(c.name);
+    TestImage image(200, c.height, c.bitsPerPixel);
+    FillRectangle(&image, 0, c.first, c.light - 1, c.last, 201);
+    settings.BorderMethod = c.method;
+    ScanBand band{};
+    EXPECT_EQ(FindBand(image.rec(), &band, 200), c.top < 0 ? BORDER_NOT_FOUND : STATUS_OK);
+    if (c.top < 0) continue;
+    EXPECT_EQ(band.left, 0);
+    EXPECT_EQ(band.right, 199);
+    EXPECT_EQ(band.top, c.top);
+    EXPECT_EQ(band.bottom, c.bottom);
+  }
+}
+
+TEST_F(FindBandTest, CountsOnlyWhatIsLighterThanTheThresholdAndNoPadding) {
+  TestImage image(100, 10, 8);
+  ScanBand band{};
+  image.Fill(200);
+  EXPECT_EQ(FindBand(image.rec(), &band, 200), BORDER_NOT_FOUND);
+  image.Fill(255);
+  EXPECT_EQ(FindBand(image.rec(), &band, 254), STATUS_OK);
+  EXPECT_EQ(FindBand(image.rec(), &band, 255), BORDER_NOT_FOUND);
+  settings.BorderMethod = 3;
+  TestImage bits(9, 1, 1);
+  bits.row(0)[1] = 0xFF;  // pixel 8 and padding
+  EXPECT_EQ(FindBand(bits.rec(), &band, 0), BORDER_NOT_FOUND);
+}
+
+TEST_F(FindBandTest, RefusesWhatItCannotRead) {
+  ScanBand band{};
+  TestImage image(9, 9, 4);
+  EXPECT_EQ(FindBand(nullptr, &band, 0), BAD_ARGUMENT);
+  EXPECT_EQ(FindBand(image.rec(), nullptr, 0), BAD_ARGUMENT);
+  EXPECT_EQ(FindBand(image.rec(), &band, 0), BAD_ARGUMENT);
+}
 
 constexpr GreyBand kLevels{200, 255};
 
-class BorderScanTest : public testing::AnalysisTest {
+class BorderScanTest : public AnalysisTest {
  protected:
   int32_t Rows(const TestImage& image) {
     return ScanRows(image.rec(), &band_, kLevels, &traces_.left, &traces_.right, &extremes_);
@@ -58,9 +113,9 @@ TEST_F(BorderScanTest, TracesTheSidesOfARectangle) {
 // 60 border rows are 10 segments a side; both sides stand out in rows of segments 3 and 7.
 TEST_F(BorderScanTest, EqualExtremesNameTheirSegments) {
   TestImage image(300, 130, 8);
-  for (int32_t y = 0; y < 120; ++y) FillColumns(&image, y, 100, 199, 230);
-  for (const int32_t segment : {3, 7}) {
-    FillColumns(&image, 2 * (6 * segment + 2), 97, 202, 230);
+  FillRectangle(&image, 100, 0, 199, 119, 230);
+  for (const int32_t row : {2 * (6 * 3 + 2), 2 * (6 * 7 + 2)}) {
+    FillRectangle(&image, 97, row, 202, row, 230);
   }
   band_ = {0, 299, 0, 129};
   ASSERT_EQ(Rows(image), STATUS_OK);
@@ -105,13 +160,9 @@ TEST_F(BorderScanTest, RefusesWhatItCannotRead) {
 TEST_F(BorderScanTest, ReportsExhaustedMemoryAtEveryStep) {
   TestImage image(300, 100, 8);
   FillRectangle(&image, 100, 20, 199, 79, 230);
-  int32_t status = STATUS_OK;
-  const auto check = [&](int32_t) { EXPECT_EQ(status, OUT_OF_MEMORY); };
-  testing::ForEachHeapFailure([&] { status = Rows(image); }, check);
-  EXPECT_EQ(status, STATUS_OK);
-  testing::ForEachHeapFailure([&] { status = Columns(image); }, check);
-  EXPECT_EQ(status, STATUS_OK);
+  ExpectOutOfMemoryAtEveryRequest([&] { return Rows(image); });
+  ExpectOutOfMemoryAtEveryRequest([&] { return Columns(image); });
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

@@ -10,10 +10,8 @@
 #include "analysis/pixel_access.h"
 #include "support/page_drawing.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
-
-using testing::TestImage;
 
 template <typename Pixel>
 constexpr int32_t kDepth = 8;
@@ -22,48 +20,41 @@ constexpr int32_t kDepth<Bit1> = 1;
 template <>
 constexpr int32_t kDepth<Colour24> = 24;
 
-// Without row padding, so that a sanitizer sees every byte too many.
-TestImage TightImage(int32_t width, int32_t height, int32_t depth) {
+// Rows without padding, so that a sanitizer sees every byte too many. They are light and dark in
+// stretches of 1..longest pixels; for 1 every byte, at 1 bit every pixel, is light with the chance
+// `share`, and levels vary.
+TestImage DrawRows(int32_t width, int32_t height, int32_t depth, int32_t longest, double share) {
   const int32_t padded = (width * depth + 31) / 32 * 4;
-  return TestImage(width, height, depth, (width * depth + 7) / 8 - padded);
-}
-
-// Bytes drawn one by one, bits at 1 bit; `share` of them light.
-void FillWithNoise(TestImage* image, double share, uint32_t seed) {
-  std::mt19937 random(seed);
+  TestImage image(width, height, depth, (width * depth + 7) / 8 - padded);
+  std::mt19937 random(7);
   std::bernoulli_distribution isLight(share);
-  std::uniform_int_distribution<int32_t> level(0, 127);
-  const ImageRec& rec = *image->rec();
-  for (int32_t i = 0; i < rec.imageBytes; ++i) {
-    int32_t byte = level(random) + (isLight(random) ? 128 : 0);
-    for (int32_t bit = 0; rec.bitsPerPixel == 1 && bit < 8; ++bit) {
-      byte = byte << 1 | isLight(random);
+  std::uniform_int_distribution<int32_t> length(1, longest);
+  bool light = false;
+  int32_t left = 0;
+  const auto next = [&] {
+    if (left == 0) light = longest == 1 ? isLight(random) : !light;
+    left = left == 0 ? length(random) - 1 : left - 1;
+  };
+  for (int32_t i = 0; i < image.rec()->imageBytes; ++i) {
+    auto byte = longest == 1 ? static_cast<uint32_t>(random() % 128) : 40U;
+    if (depth == 8 || (depth == 24 && (longest == 1 || i % 3 == 0))) next();
+    if (depth > 1 && light) byte += 128;
+    for (int32_t bit = 0; depth == 1 && bit < 8; ++bit) {
+      next();
+      byte = byte << 1 | light;
     }
-    rec.pixels[i] = static_cast<uint8_t>(byte);
+    image.rec()->pixels[i] = static_cast<uint8_t>(byte);
   }
+  return image;
 }
 
-// Rows that are noise of a few shares of light, or light and dark stretches of random length.
 std::vector<TestImage> Images(int32_t width, int32_t height, int32_t depth) {
   std::vector<TestImage> images;
   for (const double share : {0.0, 0.02, 0.3, 0.7, 0.97, 1.0}) {
-    FillWithNoise(&images.emplace_back(TightImage(width, height, depth)), share, 7);
+    images.push_back(DrawRows(width, height, depth, 1, share));
   }
-  std::mt19937 random(11);
-  for (const int32_t longest : {3, 20, 90}) {
-    TestImage& image = images.emplace_back(TightImage(width, height, depth));
-    std::uniform_int_distribution<int32_t> length(1, longest);
-    for (int32_t y = 0; y < height; ++y) {
-      bool light = false;
-      int32_t end = length(random);
-      for (int32_t x = 0; x < width; ++x) {
-        if (x == end) {
-          light = !light;
-          end += length(random);
-        }
-        image.Set(x, y, light ? 200 : 40);
-      }
-    }
+  for (const int32_t longest : {3, 6, 20, 90}) {
+    images.push_back(DrawRows(width, height, depth, longest, 0));
   }
   return images;
 }
@@ -84,9 +75,9 @@ class BorderWalksTest : public ::testing::Test {
   void CompareColumns(const TestImage& image, const ScanBand& band, GreyBand levels, int32_t run) {
     const ColumnRange columns{band.left, band.right};
     std::vector<int32_t> top(columns.count());
-    std::vector<int32_t> bottom(columns.count());
-    std::vector<int32_t> plainTop(columns.count());
-    std::vector<int32_t> plainBottom(columns.count());
+    std::vector<int32_t> bottom(top);
+    std::vector<int32_t> plainTop(top);
+    std::vector<int32_t> plainBottom(top);
     ASSERT_EQ(WalkColumns<Pixel>(*image.rec(), band, levels, run, columns, {top, bottom}), 0);
     PlainWalkColumns<Pixel>(*image.rec(), band, levels, run, columns, {plainTop, plainBottom});
     ASSERT_EQ(top, plainTop);
@@ -149,6 +140,8 @@ TEST(BitWalks, StepOverZeroBytesAndStopBehindARun) {
       {{0xFF, 0x00}, 11, 1, 1, 1},
       // (0) | (10) (9) (8) (7): padding counts for the zero test
       {{0xFF, 0x1F}, 11, 1, 1, 6},
+      // (0, 1, 2, 3) ... (60, 61, 62) is cut short | (62, 61, 60, 59) ... (2, 1, 0) too
+      {{0x01, 0x01, 0x01, 0x01, 0x01, 0x01, 0x01, 0x0F}, 63, 4, kNoBorder, kNoBorder},
       // (0, 1) | (1, 0): the points are the columns outside the image
       {{0xFF}, 2, 2, 2, -1},
   };
@@ -163,4 +156,4 @@ TEST(BitWalks, StepOverZeroBytesAndStopBehindARun) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

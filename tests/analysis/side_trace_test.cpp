@@ -1,19 +1,9 @@
 #include "analysis/side_trace.h"
 
-#include <vector>
-
-#include <gtest/gtest.h>
-
 #include "analysis/border_drawing.h"
-#include "support/failing_heap.h"
-#include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
-
-using testing::AnalysisTest;
-using testing::Line;
-using testing::MeansOf;
 
 std::vector<EdgePoint> Joined(std::initializer_list<std::vector<EdgePoint>> parts) {
   std::vector<EdgePoint> all;
@@ -68,23 +58,15 @@ TEST_F(AnalysisTest, TraceRefusesNegativeCoordinates) {
 }
 
 TEST_F(AnalysisTest, TraceReportsExhaustedMemoryAtEveryStep) {
-  int32_t failures = 0;
-  int32_t status = STATUS_OK;
-  testing::ForEachHeapFailure(
-      [&] {
-        TraceBuilder builder;
-        status = STATUS_OK;
-        // 6500 points in segments of 6: points grow six times, segments twice.
-        for (int32_t i = 0; i < 6500 && status == STATUS_OK; ++i) status = builder.Add({i, i});
-        if (status == STATUS_OK) status = builder.Finish();
-      },
-      [&](int32_t) {
-        EXPECT_EQ(status, OUT_OF_MEMORY);
-        ++failures;
-      });
-  EXPECT_EQ(status, STATUS_OK);
-  EXPECT_EQ(failures, 7 + 2);
+  const int32_t requests = ExpectOutOfMemoryAtEveryRequest([] {
+    TraceBuilder builder;
+    int32_t status = STATUS_OK;
+    // 6500 points in segments of 6: points grow six times, segments twice.
+    for (int32_t i = 0; i < 6500 && status == STATUS_OK; ++i) status = builder.Add({i, i});
+    return status == STATUS_OK ? builder.Finish() : status;
+  });
+  EXPECT_EQ(requests, 7 + 2);
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

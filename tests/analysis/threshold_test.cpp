@@ -6,10 +6,8 @@
 
 #include "support/page_drawing.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
-
-using testing::TestImage;
 
 TEST(EstimateThreshold, IsTheRoundedMeanOfTheOuterColumns) {
   struct Case {
@@ -51,4 +49,4 @@ TEST(EstimateThreshold, RefusesWhatItCannotRead) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
 
 std::vector<int32_t> Pick(const std::vector<double>& degrees, double groupAngle) {
@@ -125,9 +125,8 @@ TEST(PickLargestGroup, IsThePlainOneOnAnyDirections) {
 
 TEST(MeasureDirections, LeaveTheFirstChunkAndTheLastDirectionOut) {
   // Chunks of two with centres (1, 0), (5, 0), (9, 4), (9, 9), (11, 9), (13, 8).
-  const std::vector<EdgePoint> means = {{0, 0},  {2, 0},  {4, 0},  {6, 0},  {8, 4},
-                                        {10, 4}, {9, 8},  {9, 10}, {10, 9}, {12, 9},
-                                        {13, 7}, {13, 9}, {99, 99}};
+  const EdgePoint means[] = {{0, 0},  {2, 0},  {4, 0},  {6, 0},  {8, 4},  {10, 4}, {9, 8},
+                             {9, 10}, {10, 9}, {12, 9}, {13, 7}, {13, 9}, {99, 99}};
   std::vector<BorderSegment> segments;
   for (const EdgePoint& mean : means) segments.push_back({1, nullptr, 0, mean.x, mean.y});
   ScratchArray<double> degrees;
@@ -141,4 +140,4 @@ TEST(MeasureDirections, LeaveTheFirstChunkAndTheLastDirectionOut) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

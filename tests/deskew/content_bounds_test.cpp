@@ -2,30 +2,20 @@
 
 #include <random>
 
-#include <gtest/gtest.h>
-
 #include "deskew/bright_lines_sse2.h"
 #include "deskew/content_search.h"
-#include "frame/settings.h"
-#include "support/page_drawing.h"
+#include "deskew/deskew_fixture.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
 
-using testing::TestImage;
-
-constexpr uint8_t kPaper = 200;
-
-void FillRectangle(TestImage* image, const ContentBounds& area, uint8_t grey) {
-  for (int32_t y = area.top; y <= area.bottom; ++y) {
-    for (int32_t x = area.left; x <= area.right; ++x) image->Set(x, y, grey);
-  }
+// Makes an area as light as paper.
+void Fill(TestImage* image, const ContentBounds& area) {
+  FillRectangle(image, area.left, area.top, area.right, area.bottom, 200);
 }
 
-class FindContentBoundsTest : public ::testing::TestWithParam<int32_t> {
+class FindContentBoundsTest : public DeskewTest, public ::testing::WithParamInterface<int32_t> {
  protected:
-  void TearDown() override { settings = {}; }
-
   static ContentBounds Find(const TestImage& image, uint32_t searchLimit, uint32_t pixelCount) {
     ContentBounds bounds{-1, -1, -1, -1};
     EXPECT_EQ(FindContentBounds(image.rec(), {searchLimit, pixelCount, 100, kSearchRowsAndColumns},
@@ -57,12 +47,12 @@ TEST_P(FindContentBoundsTest, LooksElevenLinesBeyondTheRun) {
     TestImage image(200, 200, GetParam());
     ContentBounds area = kWhole;
     area.*c.paperStart = c.paper;
-    FillRectangle(&image, area, kPaper);
+    Fill(&image, area);
     area.*c.paperStart = area.*c.lineOther = c.beyond;
-    FillRectangle(&image, area, kPaper);
+    Fill(&image, area);
     EXPECT_EQ(Find(image, 3, 5).*c.paperStart, c.paper);
     area.*c.paperStart = area.*c.lineOther = c.within;
-    FillRectangle(&image, area, kPaper);
+    Fill(&image, area);
     EXPECT_EQ(Find(image, 3, 5).*c.paperStart, c.within);
   }
 }
@@ -70,17 +60,22 @@ TEST_P(FindContentBoundsTest, LooksElevenLinesBeyondTheRun) {
 // A limit that no run reaches, as a negative setting gives: the first bright lines of all count.
 TEST_P(FindContentBoundsTest, TakesTheOutermostBrightLinesWithoutARun) {
   TestImage image(150, 140, GetParam());
-  FillRectangle(&image, {3, 60, 2, 50}, kPaper);
-  FillRectangle(&image, {140, 140, 0, 139}, kPaper);
+  Fill(&image, {3, 60, 2, 50});
+  Fill(&image, {140, 140, 0, 139});
   EXPECT_EQ(Find(image, 0xFFFFFFFEU, 5), (ContentBounds{3, 140, 2, 50}));
   EXPECT_EQ(Find(TestImage(90, 70, GetParam()), 3, 5), (ContentBounds{0, 89, 0, 69}));
 }
 
-// 100 wide, 20 high: a count of 101 becomes 30, which is above the height, and then 6.
+// 100 wide, 20 high: a count of 101 becomes 30, which is above the height, and then 6. With a
+// height of 40 it stays at 30.
 TEST_P(FindContentBoundsTest, ACountBeyondTheImageBecomesAShareOfIt) {
+  TestImage higher(100, 40, GetParam());
+  Fill(&higher, {30, 60, 0, 33});
+  Fill(&higher, {10, 39, 36, 36});
+  EXPECT_EQ(Find(higher, 0, 101), (ContentBounds{30, 60, 0, 33}));
   TestImage image(100, 20, GetParam());
-  FillRectangle(&image, {30, 60, 0, 7}, kPaper);
-  FillRectangle(&image, {20, 70, 0, 5}, kPaper);
+  Fill(&image, {30, 60, 0, 7});
+  Fill(&image, {20, 70, 0, 5});
   EXPECT_EQ(Find(image, 0, 101), (ContentBounds{30, 60, 0, 7}));
 }
 
@@ -88,11 +83,11 @@ TEST_P(FindContentBoundsTest, TheFlagAsksForAShareOfTheLine) {
   settings.CropPixelFlag = 1;
   const int32_t rowShare = GetParam() == 1 ? 40 : 30;  // of 100
   TestImage image(100, 210, GetParam());
-  FillRectangle(&image, {10, 9 + rowShare, 16, 16}, kPaper);
-  FillRectangle(&image, {10, 10 + rowShare, 20, 119}, kPaper);
+  Fill(&image, {10, 9 + rowShare, 16, 16});
+  Fill(&image, {10, 10 + rowShare, 20, 119});
   // Of the 100 rows 20..119 a column takes 31.
-  FillRectangle(&image, {5, 5, 20, 49}, kPaper);
-  FillRectangle(&image, {7, 7, 20, 50}, kPaper);
+  Fill(&image, {5, 5, 20, 49});
+  Fill(&image, {7, 7, 20, 50});
   EXPECT_EQ(Find(image, 0, 1), (ContentBounds{7, 10 + rowShare, 20, 119}));
   settings.CropPixelFlag = 2;
   EXPECT_EQ(Find(image, 0, 1).top, 16);
@@ -100,8 +95,8 @@ TEST_P(FindContentBoundsTest, TheFlagAsksForAShareOfTheLine) {
 
 TEST_P(FindContentBoundsTest, LooksForColumnsInTheGivenRows) {
   TestImage image(100, 50, GetParam());
-  FillRectangle(&image, {10, 89, 0, 9}, kPaper);
-  FillRectangle(&image, {30, 49, 10, 39}, kPaper);
+  Fill(&image, {10, 89, 0, 9});
+  Fill(&image, {30, 49, 10, 39});
   ContentBounds bounds{-1, -1, 10, 49};
   const ContentSearch search{0, 5, 100, kSearchColumns};
   ASSERT_EQ(FindContentBounds(image.rec(), search, &bounds), STATUS_OK);
@@ -120,7 +115,7 @@ TEST_P(FindContentBoundsTest, LooksForColumnsInTheGivenRows) {
 // Six bright pixels, the last of them in the last row.
 TEST_P(FindContentBoundsTest, ABitColumnEndsAboveTheLastRow) {
   TestImage image(100, 20, GetParam());
-  FillRectangle(&image, {40, 59, 14, 19}, kPaper);
+  Fill(&image, {40, 59, 14, 19});
   ContentBounds bounds{0, 0, 0, 19};
   ASSERT_EQ(FindContentBounds(image.rec(), {0, 5, 100, kSearchColumns}, &bounds), STATUS_OK);
   EXPECT_EQ(bounds.left, GetParam() == 1 ? 0 : 40);
@@ -142,21 +137,16 @@ TEST(BrightColour, TakesTheLuminance) {
 
 #if defined(__SSE2__)
 
-// Noise, two neighbouring levels, or a light corner on dark ground.
-TestImage MakeImage(int32_t width, int32_t height, int32_t depth, int32_t filling,
-                    std::mt19937* random) {
-  TestImage image(width, height, depth);
+enum { kNoise, kTwoNeighbouringLevels, kLightCornerOnDark, kFillings };
+
+TestImage MakeImage(int32_t width, int32_t height, int32_t depth, int32_t filling, uint32_t seed) {
+  TestImage image = DrawNoise(width, height, depth, seed);
   const int32_t lineBytes = image.rec()->lineBytes;
-  const auto flat = (*random)();
-  for (int32_t y = 0; y < height; ++y) {
-    for (int32_t i = 0; i < lineBytes; ++i) {
-      const bool isCorner = y > height / 4 && i > lineBytes / 3;
-      const auto noise = (*random)();
-      const auto level = filling == 0   ? noise
-                         : filling == 1 ? flat + noise / 256 % 2
-                                        : isCorner * 255U;
-      image.row(y)[i] = static_cast<uint8_t>(level);
-    }
+  for (int32_t i = 0; i < image.rec()->imageBytes && filling != kNoise; ++i) {
+    uint8_t& byte = image.rec()->pixels[i];
+    const bool isCorner = i / lineBytes > height / 4 && i % lineBytes > lineBytes / 3;
+    if (filling == kTwoNeighbouringLevels) byte = static_cast<uint8_t>(seed + byte % 2);
+    if (filling == kLightCornerOnDark) byte = isCorner ? 255 : 0;
   }
   return image;
 }
@@ -164,27 +154,29 @@ TestImage MakeImage(int32_t width, int32_t height, int32_t depth, int32_t fillin
 template <typename Kernel>
 void ExpectLinesAlike(int32_t depth) {
   std::mt19937 random(7);
+  const auto upTo = [&](int32_t n) { return std::uniform_int_distribution(0, n)(random); };
+  const auto threshold = [&] { return upTo(2) == 0 ? 255 * upTo(1) : upTo(255); };
   for (int32_t width = 1; width <= 200; width += width < 70 ? 1 : 13) {
-    for (const int32_t filling : {0, 1, 2}) {
-      const auto height = static_cast<int32_t>(1 + random() % 150);
-      const TestImage image = MakeImage(width, height, depth, filling, &random);
-      const auto threshold =
-          static_cast<uint8_t>(random() % 3 == 0 ? 255 * (random() % 2) : random() % 256);
-      PlainLines<typename Kernel::Pixel> plain(*image.rec(), threshold);
-      FastLines<Kernel> fast(*image.rec(), threshold);
+    for (int32_t filling = 0; filling < kFillings; ++filling) {
+      SCOPED_TRACE(::testing::Message() << "width " << width << ", filling " << filling);
+      const int32_t height = 1 + upTo(149);
+      const TestImage image =
+          MakeImage(width, height, depth, filling, static_cast<uint32_t>(upTo(255)));
+      const auto level = static_cast<uint8_t>(threshold());
+      PlainLines<typename Kernel::Pixel> plain(*image.rec(), level);
+      FastLines<Kernel> fast(*image.rec(), level);
       for (int32_t y = 0; y < height; ++y) {
-        const auto count = static_cast<uint32_t>(random() % static_cast<uint32_t>(width + 1));
-        ASSERT_EQ(fast.IsBrightRow(y, count), plain.IsBrightRow(y, count))
-            << width << " x " << height << ", row " << y << ", more than " << count;
+        const auto count = static_cast<uint32_t>(upTo(width));
+        ASSERT_EQ(fast.IsBrightRow(y, count), plain.IsBrightRow(y, count)) << y << ", " << count;
       }
-      const auto top = static_cast<int32_t>(random() % static_cast<uint32_t>(height));
-      const auto count = static_cast<uint32_t>(random() % static_cast<uint32_t>(height + 1)) / 2;
+      const int32_t top = upTo(height - 1);
+      const auto count = static_cast<uint32_t>(upTo(height) / 2);
       plain.SelectRows(top, height - 1);
       fast.SelectRows(top, height - 1);
       for (int32_t i = 0; i < 2 * width; ++i) {
         const int32_t x = i < width ? i : 2 * width - 1 - i;
         ASSERT_EQ(fast.IsBrightColumn(x, count), plain.IsBrightColumn(x, count))
-            << width << " x " << height << ", column " << x << ", more than " << count;
+            << x << ", " << count;
       }
     }
   }
@@ -199,4 +191,4 @@ TEST(FastLines, AreThePlainOnes) {
 #endif
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

@@ -1,53 +1,26 @@
 #include <algorithm>
 #include <cmath>
 
-#include <gtest/gtest.h>
-
+#include "deskew/deskew_fixture.h"
 #include "deskew/page_records.h"
-#include "frame/settings.h"
 #include "support/dib_image.h"
 #include "support/failing_heap.h"
-#include "support/failing_imgbuf.h"
-#include "support/page_drawing.h"
-#include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
 
-using testing::DrawPage;
-using testing::FailingImgbuf;
-using testing::ForEachHeapFailure;
-using testing::SameRows;
-using testing::TestDib;
-using testing::TestImage;
-
-constexpr DeskewCropParam kParam{nullptr, 0, 2, 2, 8, 5, 3.5, 2.0, 10, 3, 5, 50, 2.0};
-constexpr uint8_t kFill[3] = {0, 0, 0};
-
-DeskewCropParam ForMethod(int32_t method) {
-  DeskewCropParam param = kParam;
-  param.DeskewMethod = method;
-  return param;
-}
-
-class DeskewEntryTest : public ::testing::Test {
+class DeskewEntryTest : public DeskewTest {
  protected:
-  void SetUp() override { settings = {}; }
-  void TearDown() override { settings = {}; }
-
-  int32_t RunEx(const TestImage& image, const DeskewCropParam& param, ImageRec* out,
+  int32_t RunEx(const ImageRec* images, const DeskewCropParam& param, ImageRec* out,
                 int32_t imageNum = 1) {
-    return ImageDeskewCropEx(image.rec(), INTERP_BILINEAR, 120, 0, 0, kFill, &angle_, out, param,
+    return ImageDeskewCropEx(images, INTERP_BILINEAR, 120, 0, 0, kBlack, &angle_, out, param,
                              imageNum);
   }
   int32_t RunDib(const DibRec* images, const DeskewCropParam& param, DibRec* out,
                  int32_t imageNum = 1) {
-    return ImageDeskewCrop(images, INTERP_BILINEAR, 120, 0, 0, kFill, &angle_, out, param,
+    return ImageDeskewCrop(images, INTERP_BILINEAR, 120, 0, 0, kBlack, &angle_, out, param,
                            imageNum);
   }
-
-  FailingImgbuf imgbuf_;
-  double angle_ = -1.0;
 };
 
 TEST_F(DeskewEntryTest, EveryMethodStraightensThePage) {
@@ -55,7 +28,7 @@ TEST_F(DeskewEntryTest, EveryMethodStraightensThePage) {
     const TestImage page = DrawPage({.degrees = degrees});
     for (const int32_t method : {1, 2, 3, 7}) {
       ImageRec out{};
-      ASSERT_EQ(RunEx(page, ForMethod(method), &out), STATUS_OK) << method;
+      ASSERT_EQ(RunEx(page.rec(), ForMethod(method), &out), STATUS_OK) << method;
       EXPECT_NEAR(out.width, 280, 5);
       EXPECT_NEAR(out.height, 360, 5);
       const bool inRadians = method == 1 || method == 3;
@@ -71,9 +44,11 @@ TEST_F(DeskewEntryTest, ACountOutOfRangeLeavesTheSettingsAndASettingOutOfRangeIs
   ImageRec out{};
   DeskewCropParam param = kParam;
   param.SegmentLen = 51;
-  EXPECT_EQ(RunEx(page, param, &out, 0), BAD_ARGUMENT);
+  settings.ImageNum = 7;
+  EXPECT_EQ(RunEx(page.rec(), param, &out, 0), BAD_ARGUMENT);
   EXPECT_EQ(settings.SegmentLen, 0);
-  EXPECT_EQ(RunEx(page, param, &out, 4), BAD_ARGUMENT);
+  EXPECT_EQ(settings.ImageNum, 7);
+  EXPECT_EQ(RunEx(page.rec(), param, &out, 4), BAD_ARGUMENT);
   EXPECT_EQ(settings.ImageNum, 4);
   EXPECT_EQ(settings.SegmentLen, 51);
 }
@@ -83,26 +58,25 @@ TEST_F(DeskewEntryTest, ACountOutOfRangeLeavesTheSettingsAndASettingOutOfRangeIs
 TEST_F(DeskewEntryTest, MethodTwoSeesTheBorderMethodOfTheCallBefore) {
   const TestImage strip = DrawPage({.pageWidth = 80, .pageHeight = 300});
   ImageRec out{};
-  ASSERT_EQ(RunEx(strip, ForMethod(2), &out), STATUS_OK);
+  ASSERT_EQ(RunEx(strip.rec(), ForMethod(2), &out), STATUS_OK);
   Imgbuf_Destory(&out);
-  EXPECT_EQ(RunEx(strip, ForMethod(1), &out), BORDER_NOT_FOUND);
-  EXPECT_EQ(RunEx(strip, ForMethod(2), &out), BORDER_NOT_FOUND);
-  EXPECT_EQ(RunEx(strip, ForMethod(3), &out), BAD_ARGUMENT);  // a border, but too short a side
-  ASSERT_EQ(RunEx(strip, ForMethod(2), &out), STATUS_OK);
+  EXPECT_EQ(RunEx(strip.rec(), ForMethod(1), &out), BORDER_NOT_FOUND);
+  EXPECT_EQ(RunEx(strip.rec(), ForMethod(2), &out), BORDER_NOT_FOUND);
+  // A border, but too short a side.
+  EXPECT_EQ(RunEx(strip.rec(), ForMethod(3), &out), BAD_ARGUMENT);
+  ASSERT_EQ(RunEx(strip.rec(), ForMethod(2), &out), STATUS_OK);
   Imgbuf_Destory(&out);
 }
 
 TEST_F(DeskewEntryTest, TurnsSetsByTheirFirstImage) {
   const TestImage first = DrawPage({.degrees = 3});
   const TestImage second = DrawPage({.degrees = -8});
-  const TestImage colour = DrawPage({.bitsPerPixel = 24, .degrees = 3});
+  const TestImage colour = DrawPage({.bitsPerPixel = 24, .degrees = -8});
   const ImageRec images[] = {*first.rec(), *second.rec(), *colour.rec()};
   for (const int32_t method : {1, 2, 3}) {
     const size_t count = method == 2 ? 3 : 2;  // depths are mixed by method 2 only
     ImageRec out[3] = {};
-    ASSERT_EQ(ImageDeskewCropEx(images, INTERP_NEAREST, 120, 0, 0, kFill, &angle_, out,
-                                ForMethod(method), static_cast<int32_t>(count)),
-              STATUS_OK);
+    ASSERT_EQ(RunEx(images, ForMethod(method), out, static_cast<int32_t>(count)), STATUS_OK);
     EXPECT_EQ(settings.ImageNum, method == 2 ? 1 : 2);
     for (size_t i = 0; i < count; ++i) {
       EXPECT_EQ(out[i].bitsPerPixel, images[i].bitsPerPixel);
@@ -124,7 +98,7 @@ TEST_F(DeskewEntryTest, GivesTheRowsThatTheRecordsGive) {
     for (const int32_t method : {1, 2}) {
       ImageRec expected{};
       DibRec out{};
-      ASSERT_EQ(RunEx(flipped, ForMethod(method), &expected), STATUS_OK);
+      ASSERT_EQ(RunEx(flipped.rec(), ForMethod(method), &expected), STATUS_OK);
       ASSERT_EQ(RunDib(dib.rec(), ForMethod(method), &out), STATUS_OK);
       EXPECT_TRUE(SameRows(out, expected)) << depth << " bits, method " << method;
       Imgbuf_Destory(&expected);
@@ -170,14 +144,13 @@ TEST_F(DeskewEntryTest, ALaterImageThatCannotBeUsedFailsTheSet) {
 
 TEST_F(DeskewEntryTest, ReleasesEverythingWhenTheHeapIsExhausted) {
   const TestDib dib(DrawPage({.degrees = 3}));
-  const DibRec record = *dib.rec();
   for (const int32_t method : {1, 2}) {
     DibRec out{};
     int32_t status = STATUS_OK;
     int32_t failures = 0;
     ForEachHeapFailure(
         [&] {
-          status = RunDib(&record, ForMethod(method), &out);
+          status = RunDib(dib.rec(), ForMethod(method), &out);
           if (out.bits != nullptr) ImgbufDestory(&out);
         },
         [&](int32_t) {
@@ -215,4 +188,4 @@ TEST_F(DeskewEntryTest, NothingOfAnEarlierCallIsLeftInTheHostsRecords) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

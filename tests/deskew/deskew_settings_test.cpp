@@ -2,18 +2,13 @@
 
 #include <cmath>
 #include <string>
+#include <tuple>
 
-#include <gtest/gtest.h>
-
-#include "frame/settings.h"
+#include "deskew/deskew_fixture.h"
 #include "support/profile_file.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
-
-using testing::ProfileOnDisk;
-
-constexpr DeskewCropParam kParam{nullptr, 0, 2, 2, 8, 5, 3.5, 2.0, 10, 3, 5, 50, 2.0};
 
 DeskewCropParam FromProfile(const char* path) {
   DeskewCropParam param{};  // nothing of it counts
@@ -23,11 +18,7 @@ DeskewCropParam FromProfile(const char* path) {
   return param;
 }
 
-class DeskewSettingsTest : public ::testing::Test {
- protected:
-  void SetUp() override { settings = {}; }
-  void TearDown() override { settings = {}; }
-};
+using DeskewSettingsTest = DeskewTest;
 
 TEST_F(DeskewSettingsTest, TheMethodComesFromTheProfileWhenOneIsUsed) {
   const ProfileOnDisk file("[ImageDeskew]\nDeskewMethod=3\n");
@@ -40,32 +31,28 @@ TEST_F(DeskewSettingsTest, TheMethodComesFromTheProfileWhenOneIsUsed) {
 }
 
 TEST_F(DeskewSettingsTest, EachMethodAssignsItsOwnOnly) {
+  const auto segments = [] {
+    return std::tuple(settings.SegmentMaxGap, settings.SegmentPointNum,
+                      settings.SegmentMinPointNum);
+  };
+  const auto method = [] { return std::tuple(settings.BorderMethod, settings.ExtremeAnchorFlag); };
+  const auto crop = [] { return std::tuple(settings.SegmentLen, settings.CropPixelFlag); };
   settings.SegmentLen = 77;
   settings.CropPixelFlag = 78;
-  settings.ImageNum = 80;
   EXPECT_TRUE(AssignPrunedRotationSettings(kParam, 3));
-  EXPECT_EQ(settings.SegmentMaxGap, 6);
-  EXPECT_EQ(settings.SegmentPointNum, 6);
-  EXPECT_EQ(settings.SegmentMinPointNum, 4);
-  EXPECT_EQ(settings.BorderMethod, 3);
-  EXPECT_EQ(settings.ExtremeAnchorFlag, 1.0);
-  EXPECT_EQ(settings.SegmentLen, 77);
-  EXPECT_EQ(settings.CropPixelFlag, 78);
+  EXPECT_EQ(segments(), std::tuple(6, 6, 4));
+  EXPECT_EQ(method(), std::tuple(3, 1.0));
+  EXPECT_EQ(crop(), std::tuple(77, 78));
 
   settings.ToLineMixDis = 79;
   EXPECT_TRUE(AssignDeskewCropSettings(kParam));
-  EXPECT_EQ(settings.SegmentMaxGap, 1);
-  EXPECT_EQ(settings.SegmentPointNum, 1);
-  EXPECT_EQ(settings.SegmentMinPointNum, 1);
-  EXPECT_EQ(settings.SegmentLen, 10);
-  EXPECT_EQ(settings.CropPixelFlag, 0);
-  EXPECT_EQ(settings.BorderMethod, 3);
-  EXPECT_EQ(settings.ExtremeAnchorFlag, 1.0);
+  EXPECT_EQ(segments(), std::tuple(1, 1, 1));
+  EXPECT_EQ(method(), std::tuple(3, 1.0));
+  EXPECT_EQ(crop(), std::tuple(10, 0));
   EXPECT_EQ(settings.ToLineMixDis, 79);
-  EXPECT_EQ(settings.ImageNum, 80);
+  EXPECT_EQ(settings.ImageNum, 0);
   EXPECT_TRUE(AssignPrunedRotationSettings(kParam, 1));
-  EXPECT_EQ(settings.BorderMethod, 1);
-  EXPECT_EQ(settings.ExtremeAnchorFlag, 0.0);
+  EXPECT_EQ(method(), std::tuple(1, 0.0));
 }
 
 TEST_F(DeskewSettingsTest, ReadsRealNumbersOfThreeCharacters) {
@@ -80,12 +67,7 @@ TEST_F(DeskewSettingsTest, ReadsRealNumbersOfThreeCharacters) {
     EXPECT_EQ(AssignDeskewCropSettings(FromProfile(file.path())), c.good) << c.text;
     EXPECT_EQ(settings.GroupAngle, c.value) << c.text;
   }
-}
-
-// No path is not an unreadable file: every key is then 0.
-TEST_F(DeskewSettingsTest, AMissingPathGivesZeros) {
-  settings.SegmentLen = 10;
-  settings.GroupAngle = 2.0;
+  // No path is not an unreadable file: every key is then 0.
   EXPECT_FALSE(AssignDeskewCropSettings(FromProfile(nullptr)));
   EXPECT_EQ(settings.SegmentLen, 0);
   EXPECT_EQ(settings.GroupAngle, 0.0);
@@ -94,19 +76,19 @@ TEST_F(DeskewSettingsTest, AMissingPathGivesZeros) {
 TEST_F(DeskewSettingsTest, ChecksTheRanges) {
   struct Case {
     int32_t DeskewCropParam::*field;
-    int32_t smallest;
-    int32_t largest;
+    int32_t largest;  // the smallest is `smallest`
     bool pruned;
     bool crop;
+    int32_t smallest = 1;
   };
   const Case cases[] = {
-      {&DeskewCropParam::SearchBorderPixelNum, 1, 10, true, true},
-      {&DeskewCropParam::ToLineDistance, 1, 20, true, true},
-      {&DeskewCropParam::ToLineMixDis, 1, 20, true, false},
-      {&DeskewCropParam::SegmentLen, 5, 50, false, true},
-      {&DeskewCropParam::SearchLimitNum, 1, 10, false, true},
-      {&DeskewCropParam::PixelNum, 1, 20, false, true},
-      {&DeskewCropParam::CropPixelNum, 1, INT32_MAX, false, true},
+      {&DeskewCropParam::SearchBorderPixelNum, 10, true, true},
+      {&DeskewCropParam::ToLineDistance, 20, true, true},
+      {&DeskewCropParam::ToLineMixDis, 20, true, false},
+      {&DeskewCropParam::SegmentLen, 50, false, true, 5},
+      {&DeskewCropParam::SearchLimitNum, 10, false, true},
+      {&DeskewCropParam::PixelNum, 20, false, true},
+      {&DeskewCropParam::CropPixelNum, INT32_MAX, false, true},
   };
   for (const Case& c : cases) {
     const auto check = [&](int32_t value, bool good) {
@@ -120,9 +102,6 @@ TEST_F(DeskewSettingsTest, ChecksTheRanges) {
     check(c.largest, true);
     if (c.largest < INT32_MAX) check(c.largest + 1, false);
   }
-}
-
-TEST_F(DeskewSettingsTest, ChecksTheRangesOfRealNumbers) {
   for (const double value : {-0.001, 5.001, std::nan(""), 0.999}) {
     for (const auto field : {&DeskewCropParam::parallel, &DeskewCropParam::perpendicular}) {
       DeskewCropParam param = kParam;
@@ -140,20 +119,17 @@ TEST_F(DeskewSettingsTest, TheLineGuidedServiceChecksNothing) {
   param.PixelNum = -4;
   param.SearchLimitNum = 0;
   BarLimits limits = AssignLineGuidedSettings(param);
-  EXPECT_EQ(limits.minLength, 600);
-  EXPECT_EQ(limits.minThickness, 4);
-  EXPECT_EQ(limits.maxThickness, 20);
+  EXPECT_EQ(std::tuple(limits.minLength, limits.minThickness, limits.maxThickness),
+            std::tuple(600, 4, 20));
   EXPECT_EQ(settings.PixelNum, -4);
 
   const ProfileOnDisk file("[ImageDeskewLine]\nLineMinThickness=7\nCropPixelNum=-3\n");
   limits = AssignLineGuidedSettings(FromProfile(file.path()));
-  EXPECT_EQ(limits.minLength, 500);
-  EXPECT_EQ(limits.minThickness, 7);
-  EXPECT_EQ(settings.PixelNum, 5);
-  EXPECT_EQ(settings.CropPixelNum, 0);
+  EXPECT_EQ(std::tuple(limits.minLength, limits.minThickness), std::tuple(500, 7));
+  EXPECT_EQ(std::tuple(settings.PixelNum, settings.CropPixelNum), std::tuple(5, 0));
   AssignLineGuidedSettings(FromProfile("no/such/file.ini"));
   EXPECT_EQ(settings.CropPixelNum, 200);
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

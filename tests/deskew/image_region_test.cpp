@@ -1,38 +1,19 @@
 #include "deskew/image_region.h"
 
-#include <algorithm>
-#include <random>
-
-#include <gtest/gtest.h>
-
+#include "deskew/deskew_fixture.h"
 #include "frame/scratch.h"
-#include "frame/settings.h"
-#include "support/failing_imgbuf.h"
-#include "support/page_drawing.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
-
-using testing::FailingImgbuf;
-using testing::TestImage;
-
-TestImage MakeNoise(int32_t width, int32_t height, int32_t bitsPerPixel) {
-  TestImage image(width, height, bitsPerPixel);
-  std::mt19937 random(11);
-  for (int32_t y = 0; y < height; ++y) {
-    std::generate_n(image.row(y), image.rec()->lineBytes,
-                    [&random] { return static_cast<uint8_t>(random()); });
-  }
-  return image;
-}
 
 // Bit (or byte) i of a row.
 int32_t BitAt(const uint8_t* row, int32_t i) { return row[i / 8] >> (7 - i % 8) & 1; }
 
-TEST(CopyImageRegion, CutsAtEveryBit) {
-  const FailingImgbuf imgbuf;
+using CopyImageRegionTest = DeskewTest;
+
+TEST_F(CopyImageRegionTest, CutsAtEveryBit) {
   for (const int32_t depth : {1, 8, 24}) {
-    const TestImage image = MakeNoise(45, 4, depth);
+    const TestImage image = DrawNoise(45, 4, depth, 11);
     for (int32_t left = 0; left <= 45; ++left) {
       for (int32_t width = 1; left + width <= 45; ++width) {
         ScratchImage cut;
@@ -51,11 +32,10 @@ TEST(CopyImageRegion, CutsAtEveryBit) {
       }
     }
   }
-  EXPECT_EQ(imgbuf.aliveImages(), 0);
+  EXPECT_EQ(imgbuf_.aliveImages(), 0);
 }
 
-TEST(CopyImageRegion, RefusesWhatLiesOutsideAndPassesTheImageLibrarysCodeOn) {
-  FailingImgbuf imgbuf;
+TEST_F(CopyImageRegionTest, RefusesWhatLiesOutsideAndPassesTheImageLibrarysCodeOn) {
   const TestImage image(10, 8, 8);
   ImageRec out{};
   for (const ImageRegion& region :
@@ -64,35 +44,36 @@ TEST(CopyImageRegion, RefusesWhatLiesOutsideAndPassesTheImageLibrarysCodeOn) {
         ImageRegion{5, 5, 1, INT32_MAX}, ImageRegion{3, 3, 0, 2}}) {
     EXPECT_EQ(CopyImageRegion(image.rec(), &out, region), BAD_ARGUMENT);
   }
-  imgbuf.FailNew(0, 77);
+  imgbuf_.FailNew(0, 77);
   EXPECT_EQ(CopyImageRegion(image.rec(), &out, {0, 0, 2, 2}), 77);
   EXPECT_EQ(out.pixels, nullptr);
-  EXPECT_EQ(imgbuf.aliveImages(), 0);
+  EXPECT_EQ(imgbuf_.aliveImages(), 0);
 }
 
-class RotateImageRegionTest : public ::testing::Test {
+class RotateImageRegionTest : public DeskewTest {
  protected:
-  void SetUp() override {
-    settings = {};
-    settings.ImageNum = 1;
+  RotateImageRegionTest() { settings.ImageNum = 1; }
+
+  int32_t Rotate(const TestImage& image, const ImageRegion& region, double degrees,
+                 int32_t interpolation = INTERP_NEAREST) {
+    turned_.Release();
+    return RotateImageRegion(image.rec(), turned_.rec(), kFill, region, degrees, interpolation);
   }
-  void TearDown() override { settings = {}; }
 
   static constexpr uint8_t kFill[3] = {7, 7, 7};
+  ScratchImage turned_;
 };
 
 TEST_F(RotateImageRegionTest, OfOddSizeAtNoAngleIsTheRegionItself) {
   for (const int32_t depth : {1, 8, 24}) {
-    const TestImage image = MakeNoise(40, 30, depth);
+    const TestImage image = DrawNoise(40, 30, depth, 11);
     // The last one ends with the image.
     for (const ImageRegion& region :
          {ImageRegion{3, 4, 21, 13}, ImageRegion{0, 0, 39, 29}, ImageRegion{11, 1, 29, 29}}) {
-      ScratchImage turned;
       ScratchImage cut;
-      ASSERT_EQ(RotateImageRegion(image.rec(), turned.rec(), kFill, region, 0.0, INTERP_BILINEAR),
-                STATUS_OK);
+      ASSERT_EQ(Rotate(image, region, 0.0, INTERP_BILINEAR), STATUS_OK);
       ASSERT_EQ(CopyImageRegion(image.rec(), cut.rec(), region), STATUS_OK);
-      EXPECT_TRUE(testing::SamePixels(*turned.rec(), *cut.rec())) << depth;
+      EXPECT_TRUE(SamePixels(*turned_.rec(), *cut.rec())) << depth;
     }
   }
 }
@@ -102,12 +83,9 @@ TEST_F(RotateImageRegionTest, OfOddSizeAtNoAngleIsTheRegionItself) {
 TEST_F(RotateImageRegionTest, HoldsTheTurnedRectangle) {
   const TestImage image(120, 80, 8);
   for (const double degrees : {30.0, 330.0, 150.0, -30.0, 90.0}) {
-    ScratchImage turned;
-    ASSERT_EQ(RotateImageRegion(image.rec(), turned.rec(), kFill, {10, 20, 100, 50}, degrees,
-                                INTERP_NEAREST),
-              STATUS_OK);
-    EXPECT_EQ(turned.rec()->width, degrees == 90 ? 50 : 112) << degrees;
-    EXPECT_EQ(turned.rec()->height, degrees == 90 ? 100 : 93) << degrees;
+    ASSERT_EQ(Rotate(image, {10, 20, 100, 50}, degrees), STATUS_OK);
+    EXPECT_EQ(turned_.rec()->width, degrees == 90 ? 50 : 112) << degrees;
+    EXPECT_EQ(turned_.rec()->height, degrees == 90 ? 100 : 93) << degrees;
   }
 }
 
@@ -119,13 +97,10 @@ TEST_F(RotateImageRegionTest, TurnsAboutTheRegionsCentre) {
   for (int32_t y = 0; y < 8; ++y) {
     for (int32_t x = 0; x < 9; ++x) image.Set(x, y, static_cast<uint8_t>(100 + 10 * y + x));
   }
-  const ImageRegion region{2, 1, 4, 4};
-  ScratchImage level;
-  ASSERT_EQ(RotateImageRegion(image.rec(), level.rec(), kFill, region, 0.0, INTERP_NEAREST),
-            STATUS_OK);
-  EXPECT_EQ(level.rec()->rows[0][0], 123);
-  EXPECT_EQ(level.rec()->rows[2][3], 146);
-  EXPECT_EQ(level.rec()->rows[3][0], 7);
+  ASSERT_EQ(Rotate(image, {2, 1, 4, 4}, 0.0), STATUS_OK);
+  EXPECT_EQ(turned_.rec()->rows[0][0], 123);
+  EXPECT_EQ(turned_.rec()->rows[2][3], 146);
+  EXPECT_EQ(turned_.rec()->rows[3][0], 7);
 }
 
 TEST_F(RotateImageRegionTest, RefusesWhatItCannotTurn) {
@@ -134,11 +109,9 @@ TEST_F(RotateImageRegionTest, RefusesWhatItCannotTurn) {
        {ImageRegion{0, 5, 10, 1}, ImageRegion{0, 0, 0, 10}, ImageRegion{-1, 0, 10, 10},
         ImageRegion{0, -1, 10, 10}, ImageRegion{0, 15, 10, 6}, ImageRegion{25, 0, 10, 10},
         ImageRegion{0, 5, 10, INT32_MAX}, ImageRegion{5, 0, INT32_MAX, 10}}) {
-    ScratchImage turned;
-    EXPECT_EQ(RotateImageRegion(image.rec(), turned.rec(), kFill, region, 1.0, INTERP_NEAREST),
-              BAD_ARGUMENT);
+    EXPECT_EQ(Rotate(image, region, 1.0), BAD_ARGUMENT);
   }
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

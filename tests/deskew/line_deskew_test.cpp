@@ -1,29 +1,14 @@
-#include <gtest/gtest.h>
-
+#include "deskew/deskew_fixture.h"
 #include "deskew/page_records.h"
-#include "frame/settings.h"
 #include "support/dib_image.h"
 #include "support/failing_heap.h"
-#include "support/failing_imgbuf.h"
-#include "support/page_drawing.h"
 #include "support/profile_file.h"
-#include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
 
-using testing::DibField;
-using testing::DrawBarSheet;
-using testing::FailingImgbuf;
-using testing::ForEachHeapFailure;
-using testing::ProfileOnDisk;
-using testing::TestDib;
-
-constexpr DeskewCropParam kParam{nullptr, 0, 2, 2, 8, 5, 3.5, 2.0, 10, 3, 5, 50, 2.0};
-constexpr uint8_t kFill[3] = {0, 0, 0};
-
 // A sheet of 700 x 500 pixels with a bar of 620 x 8 across it.
-testing::DrawnBarSheet Sheet(double degrees, int32_t depth = 8) {
+DrawnBarSheet Sheet(double degrees, int32_t depth = 8) {
   return {.page = {.imageWidth = 900,
                    .imageHeight = 640,
                    .bitsPerPixel = depth,
@@ -37,19 +22,13 @@ testing::DrawnBarSheet Sheet(double degrees, int32_t depth = 8) {
           .barY = -150};
 }
 
-class ImageDeskewCropWithLineTest : public ::testing::Test {
+class ImageDeskewCropWithLineTest : public DeskewTest {
  protected:
-  void SetUp() override { settings = {}; }
-  void TearDown() override { settings = {}; }
-
   int32_t Run(const DibRec* images, DibRec* out, const DeskewCropParam& param = kParam,
               int32_t imageNum = 1) {
-    return ImageDeskewCropWithLine(images, INTERP_BILINEAR, 120, 0, 0, kFill, &angle_, out, param,
+    return ImageDeskewCropWithLine(images, INTERP_BILINEAR, 120, 0, 0, kBlack, &angle_, out, param,
                                    0, 0, 0, 0, imageNum);
   }
-
-  FailingImgbuf imgbuf_;
-  double angle_ = -1.0;
 };
 
 // The angle is taken top row first and the turn is made in memory order, bottom row first, where
@@ -83,8 +62,10 @@ TEST_F(ImageDeskewCropWithLineTest, ScalesTheBarToTheResolution) {
        {Case{0, 598, 8, -1}, Case{7874, 598, 8, STATUS_OK}, Case{7874, 594, 8, -1},
         Case{0, 602, 8, STATUS_OK}, Case{0, 620, 20, STATUS_OK}, Case{7874, 620, 20, -1},
         // Below 1 dot per inch every limit falls back: 300, 4 and 20.
-        Case{-7874, 310, 8, STATUS_OK}, Case{-7874, 280, 8, -1}}) {
-    testing::DrawnBarSheet sheet = Sheet(0);
+        Case{-7874, 310, 8, STATUS_OK}, Case{-7874, 280, 8, -1},
+        // At 1 the length is 3, and the others fall back.
+        Case{40, 280, 8, STATUS_OK}, Case{40, 280, 22, -1}}) {
+    DrawnBarSheet sheet = Sheet(0);
     // Between pixels, so that an even number of them is covered.
     sheet.barX = 0.5;
     sheet.barY = -150.5;
@@ -99,7 +80,7 @@ TEST_F(ImageDeskewCropWithLineTest, ScalesTheBarToTheResolution) {
 }
 
 TEST_F(ImageDeskewCropWithLineTest, TakesItsLimitsFromTheProfile) {
-  testing::DrawnBarSheet sheet = Sheet(0);
+  DrawnBarSheet sheet = Sheet(0);
   sheet.barLength = 520;
   const TestDib dib(DrawBarSheet(sheet));
   const ProfileOnDisk longer("[ImageDeskewLine]\nLineMixLength=540\n");
@@ -119,7 +100,7 @@ TEST_F(ImageDeskewCropWithLineTest, TakesItsLimitsFromTheProfile) {
 
 TEST_F(ImageDeskewCropWithLineTest, TurnsASetByTheFirstOnesBar) {
   const TestDib first(DrawBarSheet(Sheet(2)));
-  const TestDib second(testing::DrawPage(Sheet(2).page));
+  const TestDib second(DrawPage(Sheet(2).page));
   const DibRec images[2] = {*first.rec(), *second.rec()};
   DibRec out[2] = {};
   ASSERT_EQ(Run(images, out, kParam, 2), STATUS_OK);
@@ -147,7 +128,7 @@ TEST_F(ImageDeskewCropWithLineTest, ReportsWhatFailed) {
   DibRec out{};
   EXPECT_EQ(Run(dib.rec(), nullptr), BAD_ARGUMENT);
   EXPECT_EQ(Run(dib.rec(), &out, kParam, INT32_MAX), OUT_OF_MEMORY);
-  const TestDib plain(testing::DrawPage({}));
+  const TestDib plain(DrawPage({}));
   EXPECT_EQ(Run(plain.rec(), &out), -1);
   imgbuf_.FailDibCheck(0, 51);
   EXPECT_EQ(Run(dib.rec(), &out), 51);
@@ -167,13 +148,12 @@ TEST_F(ImageDeskewCropWithLineTest, ReportsWhatFailed) {
 // it has when the marking fails.
 TEST_F(ImageDeskewCropWithLineTest, ReleasesEverythingWhenTheHeapIsExhausted) {
   const TestDib dib(DrawBarSheet(Sheet(2)));
-  const DibRec record = *dib.rec();
   DibRec out{};
   int32_t status = STATUS_OK;
   int32_t exhausted = 0;
   ForEachHeapFailure(
       [&] {
-        status = Run(&record, &out);
+        status = Run(dib.rec(), &out);
         if (out.bits != nullptr) ImgbufDestory(&out);
       },
       [&](int32_t) {
@@ -186,4 +166,4 @@ TEST_F(ImageDeskewCropWithLineTest, ReleasesEverythingWhenTheHeapIsExhausted) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

@@ -3,31 +3,25 @@
 #include <cmath>
 #include <span>
 #include <string>
-#include <vector>
 
-#include <gtest/gtest.h>
-
-#include "analysis/border_drawing.h"
+#include "deskew/deskew_fixture.h"
+#include "deskew/deskew_settings.h"
 #include "deskew/page_records.h"
 #include "frame/scratch.h"
 #include "support/failing_heap.h"
-#include "support/failing_imgbuf.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
 
-using testing::DrawnPage;
-using testing::DrawPage;
-using testing::EdgeShape;
-using testing::FailingImgbuf;
-using testing::TestImage;
-
 constexpr uint8_t kFill[3] = {1, 2, 3};
-constexpr double kDegreesOfRadian = 57.29577951308232;
 
-class PrunedRotationTest : public testing::AnalysisTest {
+class PrunedRotationTest : public DeskewTest {
  protected:
-  PrunedRotationTest() { settings.pageRecords = &records_; }
+  PrunedRotationTest() {
+    AssignPrunedRotationSettings(kParam, 1);
+    settings.ImageNum = 1;
+    settings.pageRecords = &records_;
+  }
 
   int32_t Run(const TestImage& page) {
     result_.Release();
@@ -38,13 +32,13 @@ class PrunedRotationTest : public testing::AnalysisTest {
   }
 
   void ExpectPage(const DrawnPage& page, double degrees, double pixels) {
-    EXPECT_NEAR(std::remainder(angle_ * kDegreesOfRadian + page.degrees, 360), 0, degrees);
+    EXPECT_NEAR(std::remainder(angle_ * 57.29577951308232 + page.degrees, 360), 0, degrees);
     EXPECT_NEAR(result_.rec()->width, page.pageWidth, pixels);
     EXPECT_NEAR(result_.rec()->height, page.pageHeight, pixels);
   }
 
   PrunedRotationOptions options_{INTERP_NEAREST, 0, 0, 0, kFill};
-  double angle_ = -1;
+  const TestImage page_ = DrawPage({});
   ScratchImage result_;
   PageRecords records_;
 };
@@ -108,7 +102,6 @@ TEST_F(PrunedRotationTest, LevelsFollowFromThresholdAndBackground) {
 }
 
 TEST_F(PrunedRotationTest, LeavesHowFarARunCame) {
-  const TestImage page = DrawPage({});
   TestImage stripes(200, 200, 8);
   for (int32_t i = 0; i < stripes.rec()->imageBytes; i += 2) stripes.rec()->pixels[i] = 255;
   const auto expect = [&](const TestImage& image, int32_t status, PageStage stage) {
@@ -121,41 +114,42 @@ TEST_F(PrunedRotationTest, LeavesHowFarARunCame) {
   options_.threshold = 100;
   expect(stripes, BORDER_NOT_FOUND, PageStage::kBand);  // no two light pixels are neighbours
   EXPECT_EQ(angle_, -1);
-  EXPECT_EQ(RunPrunedRotation(std::span(page.rec(), 1), options_, nullptr, {}), BAD_ARGUMENT);
+  EXPECT_EQ(RunPrunedRotation(std::span(page_.rec(), 1), options_, nullptr, {}), BAD_ARGUMENT);
   EXPECT_EQ(records_.stage, PageStage::kEdges);
   options_.fill = nullptr;
-  expect(page, BAD_ARGUMENT, PageStage::kCorners);
+  expect(page_, BAD_ARGUMENT, PageStage::kCorners);
   settings.AngleOnlyFlag = 1;
-  expect(page, STATUS_OK, PageStage::kCorners);
+  expect(page_, STATUS_OK, PageStage::kCorners);
   EXPECT_NEAR(angle_, 0, 0.006);
 }
 
 TEST_F(PrunedRotationTest, TurnsAllImagesLikeTheFirst) {
   const TestImage page = DrawPage({.degrees = 4});
   TestImage dark = page;
-  for (int32_t i = 0; i < dark.rec()->imageBytes; ++i) dark.rec()->pixels[i] /= 2;
+  const auto halve = [](const ImageRec& image) {
+    for (int32_t i = 0; i < image.imageBytes; ++i) {
+      if (image.pixels[i] != kFill[0]) image.pixels[i] /= 2;
+    }
+  };
+  halve(*dark.rec());
   const ImageRec sources[] = {*page.rec(), *dark.rec()};
   ImageRec results[2] = {};
   settings.ImageNum = 2;
   ASSERT_EQ(RunCheckedPrunedRotation(sources, options_, &angle_, results, 2), STATUS_OK);
   EXPECT_EQ(settings.ImageNum, 2);
   ASSERT_EQ(Run(page), STATUS_OK);
-  EXPECT_TRUE(testing::SamePixels(results[0], *result_.rec()));
-  for (int32_t i = 0; i < results[0].imageBytes; ++i) {
-    if (results[0].pixels[i] != kFill[0]) results[0].pixels[i] /= 2;
-  }
-  EXPECT_TRUE(testing::SamePixels(results[0], results[1]));
+  EXPECT_TRUE(SamePixels(results[0], *result_.rec()));
+  halve(results[0]);
+  EXPECT_TRUE(SamePixels(results[0], results[1]));
   for (ImageRec& image : results) Imgbuf_Destory(&image);
 }
 
 TEST_F(PrunedRotationTest, LeavesNoResultWhenOneImageFails) {
-  const TestImage page = DrawPage({});
-  const ImageRec sources[] = {*page.rec(), *page.rec(), *page.rec()};
+  const ImageRec sources[] = {*page_.rec(), *page_.rec(), *page_.rec()};
   ImageRec results[3] = {};
-  FailingImgbuf imgbuf;
-  imgbuf.FailNew(2, 77);
+  imgbuf_.FailNew(2, 77);
   EXPECT_EQ(RunCheckedPrunedRotation(sources, options_, &angle_, results, 3), 77);
-  EXPECT_EQ(imgbuf.aliveImages(), 0);
+  EXPECT_EQ(imgbuf_.aliveImages(), 0);
   for (const ImageRec& image : results) {
     EXPECT_EQ(image.pixels, nullptr);
     EXPECT_EQ(image.width, 0);
@@ -163,59 +157,51 @@ TEST_F(PrunedRotationTest, LeavesNoResultWhenOneImageFails) {
 }
 
 TEST_F(PrunedRotationTest, CheckedEntryRefusesArraysThatDoNotSuitAndTakesNoBackground) {
-  const TestImage page = DrawPage({});
-  const TestImage larger(401, 500, 8);
+  const TestImage wider(401, 500, 8);
+  const TestImage higher(400, 501, 8);
   const TestImage deeper(400, 500, 24);
   ImageRec results[2] = {};
   EXPECT_EQ(RunCheckedPrunedRotation(nullptr, options_, &angle_, results, 1), BAD_ARGUMENT);
-  EXPECT_EQ(RunCheckedPrunedRotation(page.rec(), options_, &angle_, nullptr, 1), BAD_ARGUMENT);
-  for (const ImageRec& second : {*larger.rec(), *deeper.rec(), ImageRec{}}) {
-    const ImageRec sources[] = {*page.rec(), second};
+  EXPECT_EQ(RunCheckedPrunedRotation(page_.rec(), options_, &angle_, nullptr, 1), BAD_ARGUMENT);
+  for (const ImageRec& second : {*wider.rec(), *higher.rec(), *deeper.rec(), ImageRec{}}) {
+    const ImageRec sources[] = {*page_.rec(), second};
     EXPECT_EQ(RunCheckedPrunedRotation(sources, options_, &angle_, results, 2), BAD_ARGUMENT);
   }
-  FailingImgbuf imgbuf;
-  imgbuf.FailCheck(0, 77);
-  EXPECT_EQ(RunCheckedPrunedRotation(page.rec(), options_, &angle_, results, 1), 77);
+  imgbuf_.FailCheck(0, 77);
+  EXPECT_EQ(RunCheckedPrunedRotation(page_.rec(), options_, &angle_, results, 1), 77);
   // It takes no background; nothing on the page lies in 91..109.
   options_.threshold = 100;
   options_.background = 255;
-  EXPECT_EQ(Run(page), BORDER_NOT_FOUND);
-  EXPECT_EQ(RunCheckedPrunedRotation(page.rec(), options_, &angle_, result_.rec(), 1), STATUS_OK);
+  EXPECT_EQ(Run(page_), BORDER_NOT_FOUND);
+  EXPECT_EQ(RunCheckedPrunedRotation(page_.rec(), options_, &angle_, result_.rec(), 1), STATUS_OK);
 }
 
 // Every stage checks the image again; the code of whichever refuses comes back.
 TEST_F(PrunedRotationTest, PassesCodesOfTheImageLibraryOn) {
-  const TestImage page = DrawPage({});
-  FailingImgbuf imgbuf;
   int32_t checks = 0;
-  for (int32_t status = 77; status == 77; ++checks) {
-    imgbuf.FailCheck(checks, 77);
-    status = Run(page);
-    EXPECT_TRUE(status == 77 || status == STATUS_OK);
-  }
-  EXPECT_EQ(checks - 1, 7);  // threshold, band, rows, columns, edges, corners, rotation
-  imgbuf.FailCheck(-1, 0);
+  imgbuf_.FailCheck(checks, 77);
+  while (Run(page_) == 77) imgbuf_.FailCheck(++checks, 77);
+  EXPECT_EQ(checks, 7);  // threshold, band, rows, columns, edges, corners, rotation
+  EXPECT_NE(result_.rec()->pixels, nullptr);
   result_.Release();
-  imgbuf.FailNew(0, 78);
-  EXPECT_EQ(Run(page), 78);
-  EXPECT_EQ(imgbuf.aliveImages(), 0);
+  imgbuf_.FailCheck(-1, 0);
+  imgbuf_.FailNew(0, 78);
+  EXPECT_EQ(Run(page_), 78);
+  EXPECT_EQ(imgbuf_.aliveImages(), 0);
 }
 
 TEST_F(PrunedRotationTest, ReleasesEverythingWhenMemoryRunsOut) {
-  const TestImage page = DrawPage({});
-  FailingImgbuf imgbuf;
   settings.pageRecords = nullptr;
   int32_t status = STATUS_OK;
-  testing::ForEachHeapFailure([&] { status = Run(page); },
-                              [&](int32_t n) {
-                                // A thread that can't be had is done without.
-                                if (status == STATUS_OK) return;
-                                EXPECT_EQ(status, OUT_OF_MEMORY) << "request " << n;
-                                EXPECT_EQ(result_.rec()->pixels, nullptr);
-                                EXPECT_EQ(imgbuf.aliveImages(), 0);
-                              });
+  const auto check = [&](int32_t request) {
+    if (status == STATUS_OK) return;  // a thread that can't be had is done without
+    EXPECT_EQ(status, OUT_OF_MEMORY) << "request " << request;
+    EXPECT_EQ(result_.rec()->pixels, nullptr);
+    EXPECT_EQ(imgbuf_.aliveImages(), 0);
+  };
+  ForEachHeapFailure([&] { status = Run(page_); }, check);
   EXPECT_EQ(status, STATUS_OK);
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

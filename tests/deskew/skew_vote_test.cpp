@@ -4,37 +4,31 @@
 #include <cmath>
 #include <vector>
 
-#include <gtest/gtest.h>
+#include "deskew/deskew_fixture.h"
 
-#include "frame/settings.h"
-
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
-
-BorderSegment SegmentAt(int32_t x, int32_t y) { return {1, nullptr, 0, x, y}; }
 
 // `count` segments from (x, y) on, each a step further.
 std::vector<BorderSegment> Straight(int32_t count, int32_t x, int32_t y, int32_t stepX,
                                     int32_t stepY) {
   std::vector<BorderSegment> segments;
-  for (int32_t i = 0; i < count; ++i) segments.push_back(SegmentAt(x + i * stepX, y + i * stepY));
+  for (int32_t i = 0; i < count; ++i) {
+    segments.push_back({1, nullptr, 0, x + i * stepX, y + i * stepY});
+  }
   return segments;
 }
 
 double DegreesOf(double slope) { return std::atan(slope) * 57.295780490442965; }
 
-class SkewVoteTest : public ::testing::Test {
+class SkewVoteTest : public DeskewTest {
  protected:
-  void SetUp() override {
-    settings = {};
-    settings.ToLineDistance = 8;
-  }
-  void TearDown() override { settings = {}; }
+  SkewVoteTest() { settings.ToLineDistance = 8; }
+
+  BorderVote vote_;
 };
 
-using FitLineByHalvesTest = SkewVoteTest;
-
-TEST_F(FitLineByHalvesTest, LaysALineThroughTheHalvesMeans) {
+TEST(FitLineByHalves, LaysALineThroughTheHalvesMeans) {
   struct Case {
     std::vector<EdgePoint> points;
     BorderLine line;
@@ -61,11 +55,9 @@ TEST_F(FitLineByHalvesTest, LaysALineThroughTheHalvesMeans) {
             ANGLE_NOT_FOUND);
 }
 
-using EstimateBorderAngleTest = SkewVoteTest;
-
 // 20 chunks of 5 give 17 directions, all the same; the last of them is only the group's limit, so
 // 16 chunks vote.
-TEST_F(EstimateBorderAngleTest, TakesTheAngleOfAStraightBorder) {
+TEST_F(SkewVoteTest, TakesTheAngleOfAStraightBorder) {
   struct Case {
     int32_t stepX;
     int32_t stepY;
@@ -74,59 +66,54 @@ TEST_F(EstimateBorderAngleTest, TakesTheAngleOfAStraightBorder) {
   for (const Case& c : {Case{10, 1, DegreesOf(0.1)}, Case{0, 2, 90.0}, Case{2, 0, 0.0},
                         Case{-1, 10, DegreesOf(-10.0)}}) {
     const auto border = Straight(104, 500, 100, c.stepX, c.stepY);
-    BorderVote vote;
-    ASSERT_EQ(EstimateBorderAngle(border, 5, 2.0, &vote), STATUS_OK);
-    EXPECT_TRUE(vote.hasAngle);
-    EXPECT_NEAR(vote.angle, c.degrees, 1e-9);
-    EXPECT_EQ(vote.votes, 80);
-    EXPECT_EQ(vote.line.angle, vote.angle);
+    ASSERT_EQ(EstimateBorderAngle(border, 5, 2.0, &vote_), STATUS_OK);
+    EXPECT_TRUE(vote_.hasAngle);
+    EXPECT_NEAR(vote_.angle, c.degrees, 1e-9);
+    EXPECT_EQ(vote_.votes, 80);
+    EXPECT_EQ(vote_.line.angle, vote_.angle);
   }
 }
 
 // Three directions, of which two chunks vote, are the fewest.
-TEST_F(EstimateBorderAngleTest, NeedsSixChunks) {
-  BorderVote vote;
-  EXPECT_EQ(EstimateBorderAngle(Straight(59, 0, 0, 10, 1), 10, 2.0, &vote), ANGLE_NOT_FOUND);
-  EXPECT_FALSE(vote.hasAngle);
-  ASSERT_EQ(EstimateBorderAngle(Straight(60, 0, 0, 10, 1), 10, 2.0, &vote), STATUS_OK);
-  EXPECT_EQ(vote.votes, 20);
-  EXPECT_EQ(EstimateBorderAngle({}, 10, 2.0, &vote), ANGLE_NOT_FOUND);
-  EXPECT_FALSE(vote.hasAngle);
+TEST_F(SkewVoteTest, NeedsSixChunks) {
+  EXPECT_EQ(EstimateBorderAngle(Straight(59, 0, 0, 10, 1), 10, 2.0, &vote_), ANGLE_NOT_FOUND);
+  EXPECT_FALSE(vote_.hasAngle);
+  ASSERT_EQ(EstimateBorderAngle(Straight(60, 0, 0, 10, 1), 10, 2.0, &vote_), STATUS_OK);
+  EXPECT_EQ(vote_.votes, 20);
+  EXPECT_EQ(EstimateBorderAngle({}, 10, 2.0, &vote_), ANGLE_NOT_FOUND);
+  EXPECT_FALSE(vote_.hasAngle);
 }
 
 // One point lies 5 off: near enough to be kept (6), not near enough to be an inlier. Its chunk, the
 // ninth, turns the directions 6 and 7 out of the group, and 16 is its limit: 14 chunks are left.
-TEST_F(EstimateBorderAngleTest, AcceptsALineThatWouldBeFittedForEver) {
+TEST_F(SkewVoteTest, AcceptsALineThatWouldBeFittedForEver) {
   settings.ToLineDistance = 5;
   auto border = Straight(100, 0, 1000, 2, 0);
   border[40].meanY = 1005;
-  BorderVote vote;
-  ASSERT_EQ(EstimateBorderAngle(border, 5, 5.0, &vote), STATUS_OK);
-  EXPECT_EQ(vote.angle, 0.0);
-  EXPECT_EQ(vote.votes, 69);
+  ASSERT_EQ(EstimateBorderAngle(border, 5, 5.0, &vote_), STATUS_OK);
+  EXPECT_EQ(vote_.angle, 0.0);
+  EXPECT_EQ(vote_.votes, 69);
 }
 
 // A zigzag 10 wide: the mean distance 5 is the cut, and nothing is nearer.
-TEST_F(EstimateBorderAngleTest, FailsWhenFewPointsAreLeft) {
-  settings.ToLineDistance = 4;
+TEST_F(SkewVoteTest, FailsWhenFewPointsAreLeft) {
+  settings.ToLineDistance = 5;
   auto border = Straight(100, 0, 0, 0, 3);
   for (size_t i = 0; i < border.size(); ++i) border[i].meanX = i % 2 == 0 ? 100 : 110;
-  BorderVote vote;
-  EXPECT_EQ(EstimateBorderAngle(border, 10, 2.0, &vote), ANGLE_NOT_FOUND);
-  EXPECT_FALSE(vote.hasAngle);
-  EXPECT_EQ(vote.votes, 0);
+  EXPECT_EQ(EstimateBorderAngle(border, 10, 2.0, &vote_), ANGLE_NOT_FOUND);
+  EXPECT_FALSE(vote_.hasAngle);
+  EXPECT_EQ(vote_.votes, 0);
 }
 
-TEST_F(EstimateBorderAngleTest, ChecksItsArguments) {
+TEST_F(SkewVoteTest, ChecksItsArguments) {
   const auto border = Straight(100, 0, 0, 10, 1);
-  BorderVote vote;
   for (const int32_t length : {0, 51, -1, 0x10000}) {
-    EXPECT_EQ(EstimateBorderAngle(border, length, 2.0, &vote), BAD_ARGUMENT) << length;
+    EXPECT_EQ(EstimateBorderAngle(border, length, 2.0, &vote_), BAD_ARGUMENT) << length;
   }
   for (const double angle : {-0.1, 5.1, std::nan("")}) {
-    EXPECT_EQ(EstimateBorderAngle(border, 5, angle, &vote), BAD_ARGUMENT) << angle;
+    EXPECT_EQ(EstimateBorderAngle(border, 5, angle, &vote_), BAD_ARGUMENT) << angle;
   }
-  EXPECT_EQ(EstimateBorderAngle(border, 0x10005, 2.0, &vote), STATUS_OK);  // its low 16 bits
+  EXPECT_EQ(EstimateBorderAngle(border, 0x10005, 2.0, &vote_), STATUS_OK);  // its low 16 bits
 }
 
 class EstimateSkewFromBordersTest : public SkewVoteTest {
@@ -192,4 +179,4 @@ TEST_F(EstimateSkewFromBordersTest, AveragesOppositeBordersThatAgree) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

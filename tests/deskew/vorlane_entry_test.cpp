@@ -1,30 +1,18 @@
 #include <cstring>
 #include <span>
+#include <tuple>
 #include <vector>
 
-#include <gtest/gtest.h>
-
+#include "deskew/deskew_fixture.h"
 #include "deskew/page_records.h"
 #include "deskew/pruned_rotation.h"
 #include "frame/scratch.h"
-#include "frame/settings.h"
-#include "support/failing_imgbuf.h"
-#include "support/page_drawing.h"
-#include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
 
-using testing::DrawPage;
-using testing::FailingImgbuf;
-using testing::SamePixels;
-using testing::TestImage;
-
-class VorlaneEntryTest : public ::testing::Test {
+class VorlaneEntryTest : public DeskewTest {
  protected:
-  VorlaneEntryTest() { settings = {}; }
-  ~VorlaneEntryTest() override { settings = {}; }
-
   // What the driver makes of the same page with the given filling; settings as the call left them.
   void RunDriver(const TestImage& page, int32_t mode, int32_t threshold, const uint8_t* fill) {
     settings.ExtremeAnchorFlag = 0.0;
@@ -40,8 +28,9 @@ class VorlaneEntryTest : public ::testing::Test {
     return buffer;
   }
 
-  double angle_ = 0;
   ScratchImage expected_;
+  int32_t width_ = 400;
+  int32_t height_ = 500;
 };
 
 TEST_F(VorlaneEntryTest, WritesTheStraightPageOverTheCallersBuffer) {
@@ -49,14 +38,14 @@ TEST_F(VorlaneEntryTest, WritesTheStraightPageOverTheCallersBuffer) {
   for (const int32_t depth : {1, 8, 24}) {
     const TestImage page = DrawPage({.bitsPerPixel = depth, .degrees = 5});
     std::vector<uint8_t> buffer = BufferOf(page);
-    int32_t width = 400;
-    int32_t height = 500;
+    width_ = 400;
+    height_ = 500;
     // Of the threshold only the low byte counts: 356 is 100.
-    EXPECT_EQ(VorlanePic(buffer.data(), &width, &height, depth, INTERP_BILINEAR, 356), 1);
+    EXPECT_EQ(VorlanePic(buffer.data(), &width_, &height_, depth, INTERP_BILINEAR, 356), 1);
     expected_.Release();
     RunDriver(page, INTERP_BILINEAR, 100, kBlue);
-    EXPECT_EQ(width, expected_.rec()->width);
-    EXPECT_EQ(height, expected_.rec()->height);
+    EXPECT_EQ(width_, expected_.rec()->width);
+    EXPECT_EQ(height_, expected_.rec()->height);
     EXPECT_EQ(std::memcmp(buffer.data(), expected_.rec()->pixels,
                           static_cast<size_t>(expected_.rec()->imageBytes)),
               0);
@@ -66,27 +55,23 @@ TEST_F(VorlaneEntryTest, WritesTheStraightPageOverTheCallersBuffer) {
 TEST_F(VorlaneEntryTest, AFailedRunLeavesTheBufferAlone) {
   const TestImage blank(400, 500, 8);
   const TestImage page = DrawPage({});
-  FailingImgbuf imgbuf;
   const auto expectFailure = [&](const TestImage& image) {
     std::vector<uint8_t> buffer = BufferOf(image);
     const std::vector<uint8_t> before = buffer;
-    int32_t width = 400;
-    int32_t height = 500;
-    EXPECT_EQ(VorlanePicEx(buffer.data(), &width, &height, 8, INTERP_NEAREST), 0);
+    EXPECT_EQ(VorlanePicEx(buffer.data(), &width_, &height_, 8, INTERP_NEAREST), 0);
     EXPECT_EQ(buffer, before);
-    EXPECT_EQ(width, 400);
-    EXPECT_EQ(height, 500);
-    EXPECT_EQ(imgbuf.aliveImages(), 0);
+    EXPECT_EQ(width_, 400);
+    EXPECT_EQ(height_, 500);
+    EXPECT_EQ(imgbuf_.aliveImages(), 0);
   };
   expectFailure(blank);
   for (const int32_t call : {0, 1}) {  // the source and the result
-    imgbuf.FailNew(call, 77);
+    imgbuf_.FailNew(call, 77);
     expectFailure(page);
   }
 }
 
 TEST_F(VorlaneEntryTest, GivesTheStraightPageAndItsAngle) {
-  constexpr uint8_t kBlack[3] = {0, 0, 0};
   const TestImage page = DrawPage({.bitsPerPixel = 24, .degrees = -7});
   ScratchImage result;
   ScratchImage again;
@@ -105,9 +90,8 @@ TEST_F(VorlaneEntryTest, BackgroundChoosesTheBandOfLevels) {
   PageRecords records;
   settings.pageRecords = &records;
   const TestImage page = DrawPage({.background = 120});
-  double angle = 0;
   ScratchImage result;
-  ImageVorlaneEx(page.rec(), INTERP_NEAREST, 225, 255, &angle, result.rec());
+  ImageVorlaneEx(page.rec(), INTERP_NEAREST, 225, 255, &angle_, result.rec());
   EXPECT_EQ(records.stage, PageStage::kTurned);
   EXPECT_EQ(records.levels.low, 216);
   EXPECT_EQ(records.levels.high, 234);
@@ -115,37 +99,32 @@ TEST_F(VorlaneEntryTest, BackgroundChoosesTheBandOfLevels) {
 
 TEST_F(VorlaneEntryTest, AssignsItsSettingsWhenTheArgumentsPass) {
   const TestImage blank(400, 500, 8);
-  double angle = -1;
   ImageRec result{};
   settings.ExtremeAnchorFlag = 1.0;
   settings.SegmentLen = 17;
-  EXPECT_EQ(ImageVorlaneEx(blank.rec(), INTERP_NEAREST, 256, 0, &angle, &result), BAD_ARGUMENT);
+  EXPECT_EQ(ImageVorlaneEx(blank.rec(), INTERP_NEAREST, 256, 0, &angle_, &result), BAD_ARGUMENT);
   EXPECT_EQ(settings.BorderMethod, 0);
   EXPECT_EQ(settings.ExtremeAnchorFlag, 1.0);
-  EXPECT_EQ(ImageVorlaneEx(blank.rec(), INTERP_NEAREST, 0, 0, &angle, &result), BORDER_NOT_FOUND);
-  EXPECT_EQ(angle, -1);
-  EXPECT_EQ(settings.BorderMethod, 1);
-  EXPECT_EQ(settings.ExtremeAnchorFlag, 0.0);
-  EXPECT_EQ(settings.SegmentLen, 17);
-  EXPECT_EQ(settings.SegmentMaxGap, 6);
-  EXPECT_EQ(settings.SegmentPointNum, 6);
-  EXPECT_EQ(settings.SegmentMinPointNum, 4);
-  EXPECT_EQ(settings.SearchBorderPixelNum, 2);
-  EXPECT_EQ(settings.parallel, 3.5);
-  EXPECT_EQ(settings.perpendicular, 2.0);
+  EXPECT_EQ(ImageVorlaneEx(blank.rec(), INTERP_NEAREST, 0, 0, &angle_, &result), BORDER_NOT_FOUND);
+  EXPECT_EQ(angle_, -1);
+  EXPECT_EQ(std::tie(settings.BorderMethod, settings.ExtremeAnchorFlag, settings.SegmentLen),
+            std::tuple(1, 0.0, 17));
+  EXPECT_EQ(std::tie(settings.SegmentMaxGap, settings.SegmentPointNum, settings.SegmentMinPointNum),
+            std::tuple(6, 6, 4));
+  EXPECT_EQ(std::tie(settings.SearchBorderPixelNum, settings.parallel, settings.perpendicular),
+            std::tuple(2, 3.5, 2.0));
 }
 
 TEST_F(VorlaneEntryTest, TheSimplerCallsCountOneImageEvenWhenRefused) {
   settings.ImageNum = 5;
-  EXPECT_EQ(ImageVorlane(nullptr, INTERP_NEAREST, 0, 0, nullptr), BAD_ARGUMENT);
-  EXPECT_EQ(settings.ImageNum, 1);
-  settings.ImageNum = 5;
+  EXPECT_EQ(VorlanePic(nullptr, nullptr, nullptr, 8, INTERP_NEAREST, 0), 1);
+  EXPECT_EQ(settings.ImageNum, 5);
   EXPECT_EQ(VorlanePicEx(nullptr, nullptr, nullptr, 8, INTERP_NEAREST), 1);
   EXPECT_EQ(settings.ImageNum, 1);
   settings.ImageNum = 5;
-  EXPECT_EQ(VorlanePic(nullptr, nullptr, nullptr, 8, INTERP_NEAREST, 0), 1);
-  EXPECT_EQ(settings.ImageNum, 5);
+  EXPECT_EQ(ImageVorlane(nullptr, INTERP_NEAREST, 0, 0, nullptr), BAD_ARGUMENT);
+  EXPECT_EQ(settings.ImageNum, 1);
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

@@ -4,7 +4,7 @@
 
 #include <gtest/gtest.h>
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
 
 TEST(WrapArithmetic, WrapsAtTheEndsOfTheRange) {
@@ -25,4 +25,4 @@ TEST(TruncToInt32, CutsTowardZeroAndMarksWhatDoesNotFit) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

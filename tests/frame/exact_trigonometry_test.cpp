@@ -7,7 +7,7 @@
 
 #include <gtest/gtest.h>
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
 
 using Function = double (*)(double);
@@ -89,4 +89,4 @@ TEST(ExactTrigonometry, AgreesWithTheLibrary) {
 #endif
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

@@ -1,6 +1,7 @@
 #include "frame/profile_reader.h"
 
 #include <cstring>
+#include <fstream>
 #include <string>
 #include <utility>
 #include <vector>
@@ -9,10 +10,9 @@
 
 #include "support/profile_file.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
 
-using testing::ProfileOnDisk;
 using namespace std::string_literals;
 
 // Filled with rubbish first, so that a value without its terminating zero shows.
@@ -104,21 +104,13 @@ TEST(FindProfileValue, RefusesNullArgumentsAndFilesThatCannotBeRead) {
 }
 
 TEST(ReadProfileInt, ConvertsTheValueOrGivesTheDefault) {
-  const std::pair<const char*, int32_t> cases[] = {{" 20", 20},
-                                                   {"+7", 7},
-                                                   {"-5", 0},
-                                                   {"abc", 0},
-                                                   {"", 99},
-                                                   {"12 dpi", 12},
-                                                   {"3.9", 3},
-                                                   {"007", 7},
-                                                   {"- 5", 0},
-                                                   {"\v 5", 5},
-                                                   {"2147483647", INT32_MAX},
-                                                   {"99999999999999999999999999", INT32_MAX},
-                                                   {"-99999999999999999999999999", 0}};
-  for (const auto& [text, expected] : cases) {
-    const ProfileOnDisk file("[S]\nK="s + text + "\n");
+  const std::string huge(26, '9');
+  using Case = std::pair<std::string, int32_t>;
+  for (const auto& [text, expected] :
+       {Case{" 20", 20}, Case{"+7", 7}, Case{"-5", 0}, Case{"abc", 0}, Case{"", 99},
+        Case{"12 dpi", 12}, Case{"3.9", 3}, Case{"007", 7}, Case{"- 5", 0}, Case{"\v 5", 5},
+        Case{"2147483647", INT32_MAX}, Case{huge, INT32_MAX}, Case{"-" + huge, 0}}) {
+    const ProfileOnDisk file("[S]\nK=" + text + "\n");
     EXPECT_EQ(ReadProfileInt("S", "K", 99, file.path()), expected) << text;
   }
   const ProfileOnDisk file("[S]\nK=20\n");
@@ -169,5 +161,38 @@ TEST(ParseDecimal, TakesDigitsWithOnePoint) {
   }
 }
 
+// The sample that ships with the project shows every key, at its default.
+TEST(SampleProfile, HoldsEveryKeyAtItsDefault) {
+  struct Key {
+    const char* section;
+    const char* key;
+    const char* text;
+  };
+  const std::vector<Key> keys = {
+      {"ImageDeskew", "DeskewMethod", "2"},          {"ImageDeskew1", "SearchBorderPixelNum", "2"},
+      {"ImageDeskew1", "ToLineMixDis", "5"},         {"ImageDeskew1", "ToLineDistance", "8"},
+      {"ImageDeskew1", "parallel", "3.5"},           {"ImageDeskew1", "perpendicular", "2"},
+      {"ImageDeskew2", "SearchBorderPixelNum", "2"}, {"ImageDeskew2", "SegmentLen", "10"},
+      {"ImageDeskew2", "SearchLimitNum", "3"},       {"ImageDeskew2", "PixelNum", "5"},
+      {"ImageDeskew2", "ToLineDistance", "8"},       {"ImageDeskew2", "CropPixelNum", "8"},
+      {"ImageDeskew2", "CropPixelFlag", "0"},        {"ImageDeskew2", "AngleMode", "0"},
+      {"ImageDeskew2", "GroupAngle", "2"},           {"ImageDeskewLine", "SearchLimitNum", "3"},
+      {"ImageDeskewLine", "PixelNum", "5"},          {"ImageDeskewLine", "CropPixelNum", "200"},
+      {"ImageDeskewLine", "LineMixLength", "500"},   {"ImageDeskewLine", "LineMinThickness", "4"},
+      {"ImageDeskewLine", "LineMaxThickness", "20"},
+  };
+  for (const Key& key : keys) {
+    char text[8];
+    ReadProfileText(key.section, key.key, "missing", text, 7, VORLANEPIC_SAMPLE_PROFILE);
+    EXPECT_STREQ(text, key.text) << key.section << ", " << key.key;
+  }
+  size_t keyLines = 0;
+  std::ifstream file(VORLANEPIC_SAMPLE_PROFILE);
+  for (std::string line; std::getline(file, line);) {
+    if (!line.empty() && line[0] != '#' && line[0] != '[') ++keyLines;
+  }
+  EXPECT_EQ(keyLines, keys.size());
+}
+
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

@@ -44,9 +44,8 @@ TEST(JudgementTest, TrustsAPageInFullViewAndDoubtsTheRest) {
 // Half the pixels at 40, half at 200: any level from 40 to 199 parts them, the middle is taken.
 TEST(SplitLevelTest, PartsDarkAndLight) {
   TestImage image(80, 80, 8);
-  for (int32_t y = 0; y < 80; ++y) {
-    for (int32_t x = 0; x < 80; ++x) image.Set(x, y, x < 40 ? 40 : 200);
-  }
+  FillRectangle(&image, 0, 0, 39, 79, 40);
+  FillRectangle(&image, 40, 0, 79, 79, 200);
   EXPECT_EQ(host::SplitLevel(*image.rec()), 119);
   // The left margin alone would estimate (40 + 40 + 200 + 200) / 4 = 120: the ground is not dark.
   EXPECT_EQ(host::PageThreshold(*image.rec()), 120);

@@ -3,37 +3,20 @@
 
 #include <vector>
 
-#include <gtest/gtest.h>
-
+#include "rotate/rotate_fixture.h"
 #include "rotate/weights.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
+
+using KernelsTest = InstructionSetTest;
 
 constexpr int32_t kRunPixels = 256;
 
-// Bytes in whose neighbours every pair of bytes stands once.
-std::vector<uint8_t> AllPairs() {
-  std::vector<uint8_t> bytes;
-  for (int32_t a = 0; a < 256; ++a) {
-    bytes.push_back(static_cast<uint8_t>(a));
-    for (int32_t b = a + 1; b < 256; ++b) {
-      bytes.push_back(static_cast<uint8_t>(a));
-      bytes.push_back(static_cast<uint8_t>(b));
-    }
-  }
-  bytes.push_back(0);
-  return bytes;
+uint8_t Mix(uint8_t a, uint8_t b, int32_t phase) {
+  const auto t = static_cast<size_t>(phase);
+  return static_cast<uint8_t>(kBlendTable[10 - t][a] + kBlendTable[t][b]);
 }
-
-class KernelsTest : public ::testing::TestWithParam<InstructionSet> {
- protected:
-  void SetUp() override {
-    if (!HasInstructionSet(GetParam())) GTEST_SKIP() << "not on this machine";
-    SelectRotateKernels(GetParam());
-  }
-  void TearDown() override { SelectRotateKernels(BestInstructionSet()); }
-};
 
 // Runs the bilinear kernel of `kind` along `upper`, which lies above `lower`, with one phase along
 // each axis. Both hold a multiple of kRunPixels and one more.
@@ -66,14 +49,10 @@ void ExpectShares(PixelKind kind, const std::vector<uint8_t>& upper,
     run.origin = &source[first * pixelBytes];
     run.count = kRunPixels;
     RotateKernelFor(kind, level).run(run);
-    const auto mix = [](uint8_t a, uint8_t b, int32_t phase) {
-      const auto t = static_cast<size_t>(phase);
-      return static_cast<uint8_t>(kBlendTable[10 - t][a] + kBlendTable[t][b]);
-    };
     for (size_t i = 0; i < static_cast<size_t>(run.count) * pixelBytes; ++i) {
       const size_t at = first + i / pixelBytes;
       const uint8_t expected =
-          mix(mix(upper[at], upper[at + 1], phaseX), mix(lower[at], lower[at + 1], phaseX), phaseY);
+          Mix(Mix(upper[at], upper[at + 1], phaseX), Mix(lower[at], lower[at + 1], phaseX), phaseY);
       ASSERT_EQ(out[i], expected) << upper[at] + 0 << " " << upper[at + 1] + 0 << " over "
                                   << lower[at] + 0 << " " << lower[at + 1] + 0 << " at " << phaseX
                                   << ", " << phaseY << " tenths";
@@ -82,14 +61,15 @@ void ExpectShares(PixelKind kind, const std::vector<uint8_t>& upper,
 }
 
 TEST_P(KernelsTest, BlendEveryPairOfBytesAtEveryTenth) {
-  const std::vector<uint8_t> pairs = AllPairs();
-  ASSERT_EQ(pairs.size(), 65537U);
-  std::vector<uint8_t> first(65536 + 1);
-  std::vector<uint8_t> second(65536 + 1);
-  for (size_t i = 0; i < first.size(); ++i) {
-    first[i] = static_cast<uint8_t>(i >> 8);
-    second[i] = static_cast<uint8_t>(i);
+  std::vector<uint8_t> pairs;  // both bytes one behind the other
+  std::vector<uint8_t> first;
+  std::vector<uint8_t> second;
+  for (int32_t i = 0; i < 65536; ++i) {
+    first.push_back(static_cast<uint8_t>(i >> 8));
+    second.push_back(static_cast<uint8_t>(i));
+    pairs.insert(pairs.end(), {first.back(), second.back()});
   }
+  for (std::vector<uint8_t>* row : {&pairs, &first, &second}) row->push_back(0);
   for (const PixelKind kind : {PixelKind::kGreyBilinear, PixelKind::kColourBilinear}) {
     for (int32_t phase = 0; phase < 10; ++phase) {
       ASSERT_NO_FATAL_FAILURE(ExpectShares(kind, pairs, pairs, phase, 0));
@@ -101,4 +81,4 @@ TEST_P(KernelsTest, BlendEveryPairOfBytesAtEveryTenth) {
 INSTANTIATE_TEST_SUITE_P(InstructionSets, KernelsTest, ::testing::ValuesIn(kInstructionSets));
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

@@ -2,14 +2,10 @@
 
 #include <random>
 
-#include <gtest/gtest.h>
+#include "rotate/rotate_fixture.h"
 
-#include "rotate/regions.h"
-
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
-
-using testing::RectangleRegion;
 
 TEST(RegionIndex, KnowsARectangleExactly) {
   RegionIndex index;
@@ -56,4 +52,4 @@ TEST(RegionIndex, NeverSaysWhatDoesNotHoldForARaggedRegion) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

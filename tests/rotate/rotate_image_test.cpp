@@ -4,21 +4,15 @@
 #include <utility>
 #include <vector>
 
-#include <gtest/gtest.h>
-
 #include "frame/scratch.h"
 #include "frame/settings.h"
-#include "rotate/regions.h"
+#include "rotate/rotate_fixture.h"
 #include "support/failing_heap.h"
 #include "support/failing_imgbuf.h"
 #include "support/page_drawing.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
-
-using testing::FailingImgbuf;
-using testing::RectangleRegion;
-using testing::TestImage;
 
 constexpr uint8_t kFill[3] = {11, 22, 33};
 
@@ -107,13 +101,13 @@ TEST_F(RotateImageTest, PassesFailuresOnAndLeavesNothing) {
   EXPECT_EQ(Rotate(source_, region_, turn), 78);
   int32_t status = STATUS_OK;
   int32_t failures = 0;
-  testing::ForEachHeapFailure([&] { status = Rotate(source_, region_, turn); },
-                              [&](int32_t) {
-                                ++failures;
-                                EXPECT_EQ(status, OUT_OF_MEMORY);
-                                EXPECT_EQ(target_.rec()->pixels, nullptr);
-                                EXPECT_EQ(images.aliveImages(), 0);
-                              });
+  const auto check = [&](int32_t) {
+    ++failures;
+    EXPECT_EQ(status, OUT_OF_MEMORY);
+    EXPECT_EQ(target_.rec()->pixels, nullptr);
+    EXPECT_EQ(images.aliveImages(), 0);
+  };
+  ForEachHeapFailure([&] { status = Rotate(source_, region_, turn); }, check);
   EXPECT_GE(failures, 3);  // the image and two tables at least
   EXPECT_EQ(status, STATUS_OK);
 }
@@ -124,15 +118,13 @@ TEST_F(RotateImageTest, WithoutATurnShiftsTheRegionAndFillsTheRest) {
     const RowSpans region = RectangleRegion(8, 31, 5, 24);
     for (const int32_t interpolation : {INTERP_BICUBIC, INTERP_BILINEAR, INTERP_NEAREST}) {
       for (const auto& [width, height] : {std::pair{36, 28}, {35, 27}, {1, 1}, {1, 40}, {41, 2}}) {
-        const int32_t shiftX = 2;
-        const int32_t shiftY = 1;
-        const int32_t centerX = (width - 1) / 2 + shiftX;
-        const int32_t centerY = (height - 1) / 2 + shiftY;
+        const int32_t centerX = (width - 1) / 2 + 2;
+        const int32_t centerY = (height - 1) / 2 + 1;
         ASSERT_EQ(Rotate(source, region, {0.0, centerX, centerY, width, height, interpolation}), 0);
         for (int32_t y = 0; y < height; ++y) {
           for (int32_t x = 0; x < width; ++x) {
-            const int32_t sx = x + shiftX;
-            const int32_t sy = y + shiftY;
+            const int32_t sx = x + 2;
+            const int32_t sy = y + 1;
             const bool isInside = sx >= 8 && sx <= 31 && sy >= 5 && sy <= 24;
             ASSERT_EQ(PixelAt(*target_.rec(), x, y),
                       isInside ? PixelAt(*source.rec(), sx, sy) : FillAt(depth, x))
@@ -186,4 +178,4 @@ TEST_F(RotateImageTest, AnAngleThatIsNoNumberFillsAllButTheCentre) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

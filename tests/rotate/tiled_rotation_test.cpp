@@ -7,16 +7,12 @@
 #include <utility>
 #include <vector>
 
-#include <gtest/gtest.h>
-
 #include "rotate/plain_rotation.h"
-#include "rotate/regions.h"
+#include "rotate/rotate_fixture.h"
 #include "support/page_drawing.h"
 
-namespace vorlanepic {
+namespace vorlanepic::testing {
 namespace {
-
-using testing::TestImage;
 
 constexpr double kPi = 3.14159265358979323846;
 constexpr uint8_t kFill[3] = {0xA5, 0x3C, 0x81};
@@ -42,11 +38,11 @@ void Scribble(Random& random, TestImage& image) {
 enum class Shape { kWhole, kRectangle, kConvex, kRagged };
 
 RowSpans RegionOf(Random& random, Shape shape, int32_t width, int32_t height) {
-  if (shape == Shape::kWhole) return testing::RectangleRegion(0, width - 1, 0, height - 1);
+  if (shape == Shape::kWhole) return RectangleRegion(0, width - 1, 0, height - 1);
   const int32_t top = Between(random, 0, height - 2);
   const int32_t bottom = Between(random, top + 1, height - 1);
   const int32_t left = Between(random, 0, width - 1);
-  RowSpans region = testing::RectangleRegion(left, Between(random, left, width - 1), top, bottom);
+  RowSpans region = RectangleRegion(left, Between(random, left, width - 1), top, bottom);
   for (int32_t y = top; y <= bottom && shape != Shape::kRectangle; ++y) {
     RowSpan& span = region.spans[static_cast<size_t>(y)];
     if (shape == Shape::kRagged) {  // may be empty
@@ -69,14 +65,8 @@ double AngleOf(Random& random) {
   return known[static_cast<size_t>(Between(random, 0, static_cast<int32_t>(std::size(known)) - 1))];
 }
 
-class TiledRotationTest : public ::testing::TestWithParam<InstructionSet> {
+class TiledRotationTest : public InstructionSetTest {
  protected:
-  void SetUp() override {
-    if (!HasInstructionSet(GetParam())) GTEST_SKIP() << "not on this machine";
-    SelectRotateKernels(GetParam());
-  }
-  void TearDown() override { SelectRotateKernels(BestInstructionSet()); }
-
   // Turns `source` both ways, in two parts of rows, and compares all bytes.
   static void Compare(const TestImage& source, const RowSpans& region, const Turn& turn) {
     const int32_t depth = source.rec()->bitsPerPixel;
@@ -151,12 +141,10 @@ TEST_P(TiledRotationTest, GivesThePlainBytesForPagesAtAllAngles) {
     for (int32_t degrees = 0; degrees < 360; degrees += 15) {
       angles.push_back(degrees * kPi / 180 + (degrees % 30 == 0 ? 0.0 : 0.004));
     }
-    // Small turns either way, also upside down: by the number of source rows that neighbours lie
-    // in.
+    // Small turns either way, also upside down: by the source rows that neighbours lie in.
     for (const double degrees : {0.5, 1.5, 2.5, 4.0, 6.0, 8.0, 10.0, 12.0}) {
-      for (const double upright : {0.0, kPi}) {
-        angles.push_back(upright + degrees * kPi / 180);
-        angles.push_back(upright - degrees * kPi / 180);
+      for (const double way : {degrees, -degrees, 180 + degrees, 180 - degrees}) {
+        angles.push_back(way * kPi / 180);
       }
     }
     for (const double angle : angles) {
@@ -171,7 +159,7 @@ INSTANTIATE_TEST_SUITE_P(InstructionSets, TiledRotationTest, ::testing::ValuesIn
 TEST(TiledRotation, LeavesOddJobsToThePlainWay) {
   TestImage source(40, 30, 8);
   const TestImage target(10, 10, 8);
-  const RowSpans region = testing::RectangleRegion(0, 39, 0, 29);
+  const RowSpans region = RectangleRegion(0, 39, 0, 29);
   const auto suits = [&](const Turn& turn) {
     return TiledRotation::Suits({*source.rec(), *target.rec(), region, turn, kFill, {}});
   };
@@ -183,4 +171,4 @@ TEST(TiledRotation, LeavesOddJobsToThePlainWay) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

@@ -13,7 +13,7 @@
 #include <string>
 #include <vector>
 
-#include "support/page_drawing.h"
+#include "support/dib_image.h"
 #include "vorlanepic/vorlanepic.h"
 
 namespace vorlanepic::testing {
@@ -59,42 +59,20 @@ void Print(const std::string& call, int32_t status, int32_t width, int32_t heigh
               height, angle, sum.value());
 }
 
-// The picture `source` as a device-independent image.
-class Bitmap {
- public:
-  explicit Bitmap(const TestImage& source) {
-    const ImageRec& image = *source.rec();
-    if (ImgbufNew(&rec_, image.width, image.height, image.bitsPerPixel) != 0) return;
-    for (int32_t y = 0; y < image.height; ++y) {
-      std::memcpy(rec_.bits + ptrdiff_t{image.height - 1 - y} * image.lineBytes, source.row(y),
-                  static_cast<size_t>(image.lineBytes));
-    }
-  }
-  Bitmap(const Bitmap&) = delete;
-  Bitmap& operator=(const Bitmap&) = delete;
-  ~Bitmap() { ImgbufDestory(&rec_); }
-
-  const DibRec* rec() const { return &rec_; }
-
- private:
-  DibRec rec_{};
-};
-
 void PrintDib(const std::string& call, int32_t status, double angle, const DibRec& image) {
   if (image.bits == nullptr) {
     Print(call, status, 0, 0, angle, {});
     return;
   }
-  int32_t size[2];
-  uint16_t bitsPerPixel = 0;
-  std::memcpy(size, image.infoHeader + 4, sizeof size);
-  std::memcpy(&bitsPerPixel, image.infoHeader + 14, sizeof bitsPerPixel);
+  const int32_t width = DibField(image, 4);
+  const int32_t height = DibField(image, 8);
+  const int32_t bitsPerPixel = DibField(image, 12) >> 16;
   Checksum sum;
-  const ptrdiff_t lineBytes = (size[0] * bitsPerPixel + 31) / 32 * 4;
-  for (int32_t y = 0; y < size[1]; ++y) {
-    sum.AddRow(image.bits + y * lineBytes, size[0], bitsPerPixel);
+  const ptrdiff_t lineBytes = (width * bitsPerPixel + 31) / 32 * 4;
+  for (int32_t y = 0; y < height; ++y) {
+    sum.AddRow(image.bits + y * lineBytes, width, bitsPerPixel);
   }
-  Print(call, status, size[0], size[1], angle, sum);
+  Print(call, status, width, height, angle, sum);
 }
 
 void PrunedRotation(const std::string& page, const TestImage& scan) {
@@ -124,7 +102,7 @@ void PrunedRotation(const std::string& page, const TestImage& scan) {
 }
 
 void DeskewAndCrop(const std::string& page, const TestImage& scan) {
-  const Bitmap bitmap(scan);
+  const TestDib bitmap(scan);
   const uint8_t fill[3] = {10, 20, 30};
   for (const int32_t method : {1, 2, 3}) {
     const DeskewCropParam param{nullptr, 0, method, 2, 8, 5, 3.5, 2.0, 10, 3, 5, 8, 2.0};
@@ -146,7 +124,7 @@ void DeskewAndCrop(const std::string& page, const TestImage& scan) {
 }
 
 void Forms(const std::string& page, const TestImage& scan) {
-  const Bitmap bitmap(scan);
+  const TestDib bitmap(scan);
   const uint8_t fill[3] = {255, 255, 255};
   const DeskewCropParam param{nullptr, 0, 2, 2, 8, 5, 3.5, 2.0, 10, 3, 5, 8, 2.0};
   double angle = 0;

@@ -52,9 +52,22 @@ void TestImage::Set(int32_t x, int32_t y, uint8_t grey) {
 }
 
 void TestImage::Fill(uint8_t grey) {
-  for (int32_t y = 0; y < rec_.height; ++y) {
-    for (int32_t x = 0; x < rec_.width; ++x) Set(x, y, grey);
+  FillRectangle(this, 0, 0, rec_.width - 1, rec_.height - 1, grey);
+}
+
+void FillRectangle(TestImage* image, int32_t left, int32_t top, int32_t right, int32_t bottom,
+                   uint8_t grey) {
+  for (int32_t y = top; y <= bottom; ++y) {
+    for (int32_t x = left; x <= right; ++x) image->Set(x, y, grey);
   }
+}
+
+TestImage DrawNoise(int32_t width, int32_t height, int32_t bitsPerPixel, uint32_t seed) {
+  TestImage image(width, height, bitsPerPixel);
+  std::mt19937 random(seed);
+  std::generate_n(image.rec()->pixels, image.rec()->imageBytes,
+                  [&random] { return static_cast<uint8_t>(random()); });
+  return image;
 }
 
 bool SamePixels(const ImageRec& a, const ImageRec& b) {

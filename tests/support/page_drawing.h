@@ -34,6 +34,13 @@ class TestImage {
   ImageRec rec_{};
 };
 
+// Columns left..right of rows top..bottom.
+void FillRectangle(TestImage* image, int32_t left, int32_t top, int32_t right, int32_t bottom,
+                   uint8_t grey);
+
+// An image of which every byte is chance, also those of the padding.
+TestImage DrawNoise(int32_t width, int32_t height, int32_t bitsPerPixel, uint32_t seed);
+
 // Whether two images agree in size, depth and every pixel; row padding is not looked at.
 bool SamePixels(const ImageRec& a, const ImageRec& b);
 

@@ -1,8 +1,11 @@
-// Regions for rotation tests.
+// What rotation tests share.
 #pragma once
 
 #include <cstdint>
 
+#include <gtest/gtest.h>
+
+#include "rotate/kernels.h"
 #include "rotate/row_spans.h"
 
 namespace vorlanepic::testing {
@@ -18,5 +21,15 @@ inline RowSpans RectangleRegion(int32_t left, int32_t right, int32_t top, int32_
   }
   return region;
 }
+
+// Runs once with each instruction set that this machine has.
+class InstructionSetTest : public ::testing::TestWithParam<InstructionSet> {
+ protected:
+  void SetUp() override {
+    if (!HasInstructionSet(GetParam())) GTEST_SKIP() << "not on this machine";
+    SelectRotateKernels(GetParam());
+  }
+  void TearDown() override { SelectRotateKernels(BestInstructionSet()); }
+};
 
 }  // namespace vorlanepic::testing

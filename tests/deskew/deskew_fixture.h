@@ -1,0 +1,35 @@
+// What the tests of the deskew services share.
+#pragma once
+
+#include <cstdint>
+
+#include <gtest/gtest.h>
+
+#include "frame/settings.h"
+#include "support/failing_imgbuf.h"
+#include "support/page_drawing.h"
+#include "vorlanepic/vorlanepic.h"
+
+namespace vorlanepic::testing {
+
+// Settings within their ranges; method 2.
+constexpr DeskewCropParam kParam{nullptr, 0, 2, 2, 8, 5, 3.5, 2.0, 10, 3, 5, 50, 2.0};
+constexpr uint8_t kBlack[3] = {0, 0, 0};
+
+inline DeskewCropParam ForMethod(int32_t method) {
+  DeskewCropParam param = kParam;
+  param.DeskewMethod = method;
+  return param;
+}
+
+// Begins with blank settings and leaves none to other tests.
+class DeskewTest : public ::testing::Test {
+ protected:
+  DeskewTest() { settings = {}; }
+  ~DeskewTest() override { settings = {}; }
+
+  FailingImgbuf imgbuf_;
+  double angle_ = -1.0;
+};
+
+}  // namespace vorlanepic::testing
