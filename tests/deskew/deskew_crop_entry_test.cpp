@@ -93,8 +93,9 @@ TEST_F(DeskewEntryTest, GivesTheRowsThatTheRecordsGive) {
     const TestDib dib(page);
     // The same rows in the same order: bottom row first.
     TestImage flipped = page;
-    for (int32_t y = 0; y < 500; ++y)
+    for (int32_t y = 0; y < 500; ++y) {
       std::copy_n(page.row(y), page.rec()->lineBytes, flipped.row(499 - y));
+    }
     for (const int32_t method : {1, 2}) {
       ImageRec expected{};
       DibRec out{};

@@ -52,6 +52,7 @@ TEST_F(DeskewCropPipelineTest, EstimatesAThresholdOnlyWhenAskedToAndTakesItsLow8
     EXPECT_EQ(records.levels.low, used);
     EXPECT_EQ(records.levels.high, 255);
   }
+  settings.pageRecords = nullptr;
 }
 
 TEST_F(DeskewCropPipelineTest, KeepsTheOutputsMadeBeforeAFailure) {

@@ -38,7 +38,7 @@ TEST(FindProfileValue, GivesTheStatusAndTheValue) {
     const char* name;
     std::string bytes;
     int32_t status;
-    std::string value = "";
+    std::string value = {};
   };
   const Case cases[] = {
       // Lines

@@ -120,9 +120,8 @@ class EdgeProfile {
   double CutAt(double along, double length, int side) const {
     switch (page_.edges) {
       case EdgeShape::kTorn: {
-        const auto tooth =
-            static_cast<size_t>(side * 1024 + (static_cast<int>(along + 4096) & 1023));
-        return teeth_[tooth];
+        const int tooth = side * 1024 + (static_cast<int>(along + 4096) & 1023);
+        return teeth_[static_cast<size_t>(tooth)];
       }
       case EdgeShape::kCurved:
         return page_.edgeDepth * (0.5 + 0.5 * std::cos(along / length * 6.283185307179586));
@@ -147,8 +146,8 @@ bool IsOnPage(const DrawnPage& page, const EdgeProfile& profile, PagePoint p) {
 
 // Print: lines 24 pixels apart, 10 high, broken into words, well inside the page.
 bool IsPrint(const DrawnPage& page, PagePoint p) {
-  if (std::abs(p.u) > page.pageWidth / 2 - 40 || std::abs(p.v) > page.pageHeight / 2 - 40)
-    return false;
+  if (std::abs(p.u) > page.pageWidth / 2 - 40) return false;
+  if (std::abs(p.v) > page.pageHeight / 2 - 40) return false;
   const double line = std::fmod(p.v + 4800, 24);
   const double word = std::fmod(p.u + 4800 + 7 * std::floor((p.v + 4800) / 24), 52);
   return line < 10 && word < 40 && std::fmod(p.u + 4800, 6) < 3.5;
