@@ -9,6 +9,8 @@
 #include <emmintrin.h>
 #include <span>
 
+#include "frame/prefetch.h"
+
 namespace vorlanepic {
 namespace {
 
@@ -19,7 +21,6 @@ static_assert(kRowsPerLook < 256);
 // Rows ahead that are fetched while one is counted: a strip takes a new cache line in each, further
 // apart than the processor foresees.
 constexpr int32_t kRowsAhead = 16;
-constexpr ptrdiff_t kCacheLineBytes = 64;
 
 constexpr int32_t kVectorBytes = 16;
 
@@ -60,8 +61,8 @@ void CountInLooks(const StripRows& rows, uint32_t (&counts)[kStripColumns], Coun
 // Fetches `length` bytes from byte `offset` of a row that is counted soon after row y.
 void FetchAhead(const ImageRec& image, int32_t y, ptrdiff_t offset, ptrdiff_t length) {
   const uint8_t* row = image.rows[y + std::min(kRowsAhead, image.height - 1 - y)] + offset;
-  for (ptrdiff_t at = 0; at < length; at += kCacheLineBytes) {
-    _mm_prefetch(reinterpret_cast<const char*>(row + at), _MM_HINT_T0);
+  for (ptrdiff_t at = 0; at < length; at += kCacheLine) {
+    Prefetch(row + at);
   }
 }
 

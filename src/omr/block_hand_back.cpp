@@ -6,9 +6,9 @@
 #include <cstring>
 
 #include "frame/arithmetic.h"
+#include "frame/prefetch.h"
 #include "omr/block_points.h"
 #include "omr/large_pages.h"
-#include "omr/prefetch.h"
 
 namespace vorlanepic {
 namespace {

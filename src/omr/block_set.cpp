@@ -3,7 +3,7 @@
 #include <cstdlib>
 
 #include "frame/arithmetic.h"
-#include "omr/prefetch.h"
+#include "frame/prefetch.h"
 #include "vorlanepic/vorlanepic.h"
 
 using namespace vorlanepic;
@@ -31,7 +31,7 @@ int32_t VORLANEPIC_CDECL DestoryBlockSetRec(BlockSetRec* set) noexcept {
   if (set->blocks == nullptr) return STATUS_OK;
   for (int32_t i = 0; i < set->count; ++i) {
     // The heap keeps its notes just before each list: out of the cache by now, so call them early.
-    if (i + kListsAhead < set->count) Prefetch(set->blocks[i + kListsAhead].points, 0);
+    if (i + kListsAhead < set->count) Prefetch(set->blocks[i + kListsAhead].points);
     std::free(set->blocks[i].children);
     std::free(set->blocks[i].points);
   }

@@ -49,13 +49,6 @@ TARGET_AVX2 inline __m128i StepsOfEight(const uint16_t* steps, uint16_t start) {
   return _mm_add_epi16(step, _mm_set1_epi16(static_cast<int16_t>(start)));
 }
 
-// Later rows find their part of the source in the cache; slanted walks are too much for the
-// machine's own prefetching. The address may lie outside the source.
-inline void FetchAhead(const PixelRun& run, const uint8_t* pixel) {
-  const auto address = reinterpret_cast<uintptr_t>(pixel) + run.ahead;
-  _mm_prefetch(reinterpret_cast<const char*>(address), _MM_HINT_T0);
-}
-
 TARGET_AVX2 inline __m256i LoadTwo(const uint8_t* low, const uint8_t* high) {
   return _mm256_inserti128_si256(
       _mm256_castsi128_si256(_mm_loadu_si128(reinterpret_cast<const __m128i*>(low))),

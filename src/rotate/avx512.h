@@ -82,17 +82,14 @@ struct Window {
   const uint8_t* first;
 };
 
-// Of pixels first..last, whose coordinates are monotone. Later rows of the output find their part
-// of the source in the cache; slanted walks are too much for the machine's own prefetching. What
-// is fetched ahead may lie outside the source.
+// Of pixels first..last, whose coordinates are monotone.
 template <int kVectors>
 INLINE_AVX512 inline Window WindowOf(const PixelRun& run, const Places<kVectors>& places,
                                      int32_t first, int32_t last) {
   const int32_t left = places.ColumnOf(run.isFallingX ? last : first);
   const int32_t top = places.RowOf(run.isFallingY ? last : first);
   const uint8_t* corner = run.origin + top * run.sourceLine + left;
-  const auto ahead = reinterpret_cast<uintptr_t>(corner) + run.ahead;
-  _mm_prefetch(reinterpret_cast<const char*>(ahead), _MM_HINT_T0);
+  FetchAhead(run, corner);
   return {left, top, corner};
 }
 

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "frame/prefetch.h"
 #include "rotate/pixel_rule.h"
 
 namespace vorlanepic {
@@ -38,12 +39,18 @@ struct PixelRun {
   int32_t count;    // pixels, at least kShortestRun; a multiple of 8 at 1 bit
 };
 
+// Later rows of the output find their part of the source in the cache; slanted walks are too much
+// for the machine's own prefetching. What lies ahead of `pixel` may lie outside the source.
+VORLANEPIC_PREFETCHES inline void FetchAhead(const PixelRun& run, const uint8_t* pixel) {
+  Prefetch(pixel, run.ahead);
+}
+
 // A kernel, which computes a run. It takes the source's rows for several neighbours together and is
 // not made for turns that spread these over more rows than it can do with.
 struct RotateKernel {
   void (*run)(const PixelRun& run);
-  int32_t neighbours;  // pixels taken together, 1 to kMostNeighbours
-  int32_t mostRows;    // by which their rows may differ
+  int32_t neighbours = 1;        // pixels taken together, 1 to kMostNeighbours
+  int32_t mostRows = INT32_MAX;  // by which their rows may differ
 };
 
 // Kernels by PixelKind.

@@ -204,12 +204,12 @@ TARGET_AVX2 inline void GreyBicubic8(const PixelRun& run, int32_t i) {
 }  // namespace
 }  // namespace avx2
 
-const KernelTable kAvx2Kernels = {{{avx2::InBlocks<16, avx2::BitNearest16>, 8, INT32_MAX},
-                                   {avx2::InBlocks<16, avx2::GreyNearest16>, 8, INT32_MAX},
-                                   {avx2::InBlocks<16, avx2::GreyBilinear16>, 8, INT32_MAX},
-                                   {avx2::InBlocks<8, avx2::GreyBicubic8>, 4, INT32_MAX},
-                                   {avx2::ColourNearest, 1, INT32_MAX},
-                                   {avx2::ColourBilinear, 1, INT32_MAX},
-                                   {avx2::ColourBicubic, 1, INT32_MAX}}};
+const KernelTable kAvx2Kernels = {{{avx2::InBlocks<16, avx2::BitNearest16>, 8},
+                                   {avx2::InBlocks<16, avx2::GreyNearest16>, 8},
+                                   {avx2::InBlocks<16, avx2::GreyBilinear16>, 8},
+                                   {avx2::InBlocks<8, avx2::GreyBicubic8>, 4},
+                                   {avx2::ColourNearest},
+                                   {avx2::ColourBilinear},
+                                   {avx2::ColourBicubic}}};
 
 }  // namespace vorlanepic

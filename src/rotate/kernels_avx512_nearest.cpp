@@ -112,8 +112,7 @@ struct Bits {
     const int32_t leftByte = places.ColumnOf(run.isFallingX ? last : 0) / 8;
     const int32_t top = places.RowOf(run.isFallingY ? last : 0);
     const uint8_t* corner = run.origin + top * run.sourceLine + leftByte;
-    _mm_prefetch(reinterpret_cast<const char*>(reinterpret_cast<uintptr_t>(corner) + run.ahead),
-                 _MM_HINT_T0);
+    FetchAhead(run, corner);
     const __m512i bit = SpreadBytes(places.columns, kBitOrder, leftByte * 8);
     const __m512i row = SpreadBytes(places.rows, kBitOrder, top);
     const __m512i masks = _mm512_shuffle_epi8(_mm512_set1_epi64(0x0102040810204080), bit);

@@ -64,11 +64,12 @@ void BytesInterpolated(const PixelRun& run) {
 
 }  // namespace
 
-constexpr RotateKernel OneByOne(void (*run)(const PixelRun&)) { return {run, 1, INT32_MAX}; }
-
-const KernelTable kScalarKernels = {
-    {OneByOne(BitNearest), OneByOne(BytesNearest<1>), OneByOne(BytesInterpolated<Bilinear, 1>),
-     OneByOne(BytesInterpolated<Bicubic, 1>), OneByOne(BytesNearest<3>),
-     OneByOne(BytesInterpolated<Bilinear, 3>), OneByOne(BytesInterpolated<Bicubic, 3>)}};
+const KernelTable kScalarKernels = {{{BitNearest},
+                                     {BytesNearest<1>},
+                                     {BytesInterpolated<Bilinear, 1>},
+                                     {BytesInterpolated<Bicubic, 1>},
+                                     {BytesNearest<3>},
+                                     {BytesInterpolated<Bilinear, 3>},
+                                     {BytesInterpolated<Bicubic, 3>}}};
 
 }  // namespace vorlanepic

@@ -53,9 +53,7 @@ struct Offsets {
   TARGET_SSE2 Offsets(const PixelRun& run, const Places& places) {
     _mm_store_si128(reinterpret_cast<__m128i*>(column), places.column);
     _mm_store_si128(reinterpret_cast<__m128i*>(row), places.row);
-    // Later rows find their part of the source in the cache. The address may lie outside it.
-    const auto address = reinterpret_cast<uintptr_t>(run.origin + Of(run, 0)) + run.ahead;
-    _mm_prefetch(reinterpret_cast<const char*>(address), _MM_HINT_T0);
+    FetchAhead(run, run.origin + Of(run, 0));
   }
   ptrdiff_t Of(const PixelRun& run, size_t k) const {
     return static_cast<ptrdiff_t>(row[k]) * run.sourceLine + ptrdiff_t{column[k]} * kBytes;
@@ -289,12 +287,12 @@ TARGET_SSE2 void InEights(const PixelRun& run) {
 
 }  // namespace
 
-constexpr RotateKernel OneByOne(void (*run)(const PixelRun&)) { return {run, 1, INT32_MAX}; }
-
-const KernelTable kSse2Kernels = {
-    {OneByOne(InEights<BitNearest8>), OneByOne(InEights<Nearest8<1>>),
-     OneByOne(InEights<GreyBilinear8>), OneByOne(InEights<GreyBicubic8>),
-     OneByOne(InEights<Nearest8<3>>), OneByOne(InEights<ColourBilinear8>),
-     OneByOne(InEights<ColourBicubic8>)}};
+const KernelTable kSse2Kernels = {{{InEights<BitNearest8>},
+                                   {InEights<Nearest8<1>>},
+                                   {InEights<GreyBilinear8>},
+                                   {InEights<GreyBicubic8>},
+                                   {InEights<Nearest8<3>>},
+                                   {InEights<ColourBilinear8>},
+                                   {InEights<ColourBicubic8>}}};
 
 }  // namespace vorlanepic

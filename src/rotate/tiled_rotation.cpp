@@ -151,15 +151,25 @@ int32_t TiledRotation::OffsetY(int32_t x, int32_t y) const {
 }
 
 // Steps are monotone along either axis, so the extremes lie at the corners.
-SourceRect TiledRotation::BasePixelsOf(const OutputRect& rect) const {
+SourceRect TiledRotation::OffsetsOf(const OutputRect& rect) const {
   const auto [leastX, greatestX] =
       std::minmax({OffsetX(rect.left, rect.top), OffsetX(rect.right, rect.top),
                    OffsetX(rect.left, rect.bottom), OffsetX(rect.right, rect.bottom)});
   const auto [leastY, greatestY] =
       std::minmax({OffsetY(rect.left, rect.top), OffsetY(rect.right, rect.top),
                    OffsetY(rect.left, rect.bottom), OffsetY(rect.right, rect.bottom)});
-  return {job_.turn.centerX + leastX / 100, job_.turn.centerX + greatestX / 100,
-          job_.turn.centerY + leastY / 100, job_.turn.centerY + greatestY / 100};
+  return {leastX, greatestX, leastY, greatestY};
+}
+
+SourceRect TiledRotation::BasePixelsOf(const OutputRect& rect) const {
+  const SourceRect offsets = OffsetsOf(rect);
+  return {job_.turn.centerX + offsets.left / 100, job_.turn.centerX + offsets.right / 100,
+          job_.turn.centerY + offsets.top / 100, job_.turn.centerY + offsets.bottom / 100};
+}
+
+bool TiledRotation::IsOneSided(const OutputRect& rect) const {
+  const SourceRect offsets = OffsetsOf(rect);
+  return (offsets.left < 0) == (offsets.right < 0) && (offsets.top < 0) == (offsets.bottom < 0);
 }
 
 bool TiledRotation::HoldsTapsOf(const SourceRect& basePixels) const {
@@ -210,16 +220,6 @@ void TiledRotation::RotateTile(const OutputRect& tile) const {
   for (int32_t y = tile.top; y <= tile.bottom; ++y) {
     likely = RotateMixedRow(y, tile.left, tile.right, likely);
   }
-}
-
-bool TiledRotation::IsOneSided(const OutputRect& rect) const {
-  const auto haveOneSign = [](int32_t a, int32_t b, int32_t c, int32_t d) {
-    return (a < 0) == (b < 0) && (b < 0) == (c < 0) && (c < 0) == (d < 0);
-  };
-  return haveOneSign(OffsetX(rect.left, rect.top), OffsetX(rect.right, rect.top),
-                     OffsetX(rect.left, rect.bottom), OffsetX(rect.right, rect.bottom)) &&
-         haveOneSign(OffsetY(rect.left, rect.top), OffsetY(rect.right, rect.top),
-                     OffsetY(rect.left, rect.bottom), OffsetY(rect.right, rect.bottom));
 }
 
 void TiledRotation::VisitColumns(int32_t y, int32_t first, int32_t last) const {
