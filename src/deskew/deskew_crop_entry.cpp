@@ -19,13 +19,16 @@ int32_t VORLANEPIC_STDCALL ImageDeskewCropEx(const ImageRec* images, int32_t int
   if (imageNum < 1) return BAD_ARGUMENT;
   frame::settings.ImageNum = imageNum;
 
-  const int32_t method = ChosenMethod(param);
+  frame::Profile profile;
+  const int32_t status = LoadProfile(param, &profile);
+  if (status != STATUS_OK) return status;
+  const int32_t method = ChosenMethod(param, profile);
   if (method == 1 || method == 3) {
-    if (!AssignPrunedRotationSettings(param, method)) return BAD_ARGUMENT;
+    if (!AssignPrunedRotationSettings(param, profile, method)) return BAD_ARGUMENT;
     const PrunedRotationOptions options{interpolation, threshold, 0, cornerOption, fill};
     return RunCheckedPrunedRotation(images, options, angleOut, outImages, imageNum);
   }
-  if (!AssignDeskewCropSettings(param)) return BAD_ARGUMENT;
+  if (!AssignDeskewCropSettings(param, profile)) return BAD_ARGUMENT;
   return DeskewCropPipeline(images, {interpolation, threshold, fill}, angleOut, outImages);
 }
 

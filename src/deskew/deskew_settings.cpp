@@ -11,25 +11,26 @@ constexpr char kPrunedSection[] = "ImageDeskew1";
 constexpr char kCropSection[] = "ImageDeskew2";
 constexpr char kLineSection[] = "ImageDeskewLine";
 
-// One section of the profile that a parameter record names.
+// One section of a profile.
 class ProfileSection {
  public:
-  ProfileSection(const char* path, const char* name) : path_(path), name_(name) {}
+  ProfileSection(const frame::Profile& profile, const char* name)
+      : profile_(profile), name_(name) {}
 
   int32_t Int(const char* key, int32_t defaultValue) const {
-    return frame::ReadProfileInt(name_, key, defaultValue, path_);
+    return profile_.Int(name_, key, defaultValue);
   }
 
   // Real numbers are short: of more than three characters the first two count.
   double Real(const char* key, const char* defaultText) const {
-    constexpr uint32_t kCharacters = 3;
-    char text[kCharacters + 1] = {};
-    frame::ReadProfileText(name_, key, defaultText, text, kCharacters, path_);
-    return frame::ParseDecimal(text);
+    constexpr size_t kCharacters = 3;
+    char text[kCharacters + 1];
+    const size_t length = profile_.Text(name_, key, defaultText, text, kCharacters);
+    return frame::ParseDecimal({text, length});
   }
 
  private:
-  const char* path_;
+  const frame::Profile& profile_;
   const char* name_;
 };
 
@@ -43,24 +44,31 @@ bool IsWithin(T value, T smallest, T largest) {
 
 }  // namespace
 
-int32_t ChosenMethod(const DeskewCropParam& param) {
-  if (!IsProfileUsed(param)) return param.DeskewMethod;
-  return ProfileSection(param.profilePath, kMethodSection).Int("DeskewMethod", 2);
+int32_t LoadProfile(const DeskewCropParam& param, frame::Profile* profile) {
+  if (!IsProfileUsed(param)) return STATUS_OK;
+  const frame::FileRead read = profile->Load(param.profilePath);
+  return read == frame::FileRead::kNoMemory ? OUT_OF_MEMORY : STATUS_OK;
 }
 
-bool AssignPrunedRotationSettings(const DeskewCropParam& param, int32_t method) {
+int32_t ChosenMethod(const DeskewCropParam& param, const frame::Profile& profile) {
+  if (!IsProfileUsed(param)) return param.DeskewMethod;
+  return ProfileSection(profile, kMethodSection).Int("DeskewMethod", 2);
+}
+
+bool AssignPrunedRotationSettings(const DeskewCropParam& param, const frame::Profile& profile,
+                                  int32_t method) {
   frame::settings.SegmentMaxGap = 6;
   frame::settings.SegmentPointNum = 6;
   frame::settings.SegmentMinPointNum = 4;
   frame::settings.ExtremeAnchorFlag = method == 3 ? 1.0 : 0.0;
   frame::settings.BorderMethod = method;
   if (IsProfileUsed(param)) {
-    const ProfileSection profile(param.profilePath, kPrunedSection);
-    frame::settings.SearchBorderPixelNum = profile.Int("SearchBorderPixelNum", 2);
-    frame::settings.ToLineMixDis = profile.Int("ToLineMixDis", 5);
-    frame::settings.ToLineDistance = profile.Int("ToLineDistance", 8);
-    frame::settings.parallel = profile.Real("parallel", "3.5");
-    frame::settings.perpendicular = profile.Real("perpendicular", "2");
+    const ProfileSection section(profile, kPrunedSection);
+    frame::settings.SearchBorderPixelNum = section.Int("SearchBorderPixelNum", 2);
+    frame::settings.ToLineMixDis = section.Int("ToLineMixDis", 5);
+    frame::settings.ToLineDistance = section.Int("ToLineDistance", 8);
+    frame::settings.parallel = section.Real("parallel", "3.5");
+    frame::settings.perpendicular = section.Real("perpendicular", "2");
   } else {
     frame::settings.SearchBorderPixelNum = param.SearchBorderPixelNum;
     frame::settings.ToLineMixDis = param.ToLineMixDis;
@@ -75,21 +83,21 @@ bool AssignPrunedRotationSettings(const DeskewCropParam& param, int32_t method) 
          IsWithin(frame::settings.perpendicular, 0.0, 5.0);
 }
 
-bool AssignDeskewCropSettings(const DeskewCropParam& param) {
+bool AssignDeskewCropSettings(const DeskewCropParam& param, const frame::Profile& profile) {
   frame::settings.SegmentMaxGap = 1;
   frame::settings.SegmentPointNum = 1;
   frame::settings.SegmentMinPointNum = 1;
   if (IsProfileUsed(param)) {
-    const ProfileSection profile(param.profilePath, kCropSection);
-    frame::settings.SearchBorderPixelNum = profile.Int("SearchBorderPixelNum", 2);
-    frame::settings.SegmentLen = profile.Int("SegmentLen", 10);
-    frame::settings.SearchLimitNum = profile.Int("SearchLimitNum", 3);
-    frame::settings.PixelNum = profile.Int("PixelNum", 5);
-    frame::settings.ToLineDistance = profile.Int("ToLineDistance", 8);
-    frame::settings.CropPixelNum = profile.Int("CropPixelNum", 8);
-    frame::settings.CropPixelFlag = profile.Int("CropPixelFlag", 0);
-    frame::settings.AngleMode = profile.Int("AngleMode", 0);
-    frame::settings.GroupAngle = profile.Real("GroupAngle", "2");
+    const ProfileSection section(profile, kCropSection);
+    frame::settings.SearchBorderPixelNum = section.Int("SearchBorderPixelNum", 2);
+    frame::settings.SegmentLen = section.Int("SegmentLen", 10);
+    frame::settings.SearchLimitNum = section.Int("SearchLimitNum", 3);
+    frame::settings.PixelNum = section.Int("PixelNum", 5);
+    frame::settings.ToLineDistance = section.Int("ToLineDistance", 8);
+    frame::settings.CropPixelNum = section.Int("CropPixelNum", 8);
+    frame::settings.CropPixelFlag = section.Int("CropPixelFlag", 0);
+    frame::settings.AngleMode = section.Int("AngleMode", 0);
+    frame::settings.GroupAngle = section.Real("GroupAngle", "2");
   } else {
     frame::settings.SearchBorderPixelNum = param.SearchBorderPixelNum;
     frame::settings.SegmentLen = param.SegmentLen;
@@ -109,19 +117,19 @@ bool AssignDeskewCropSettings(const DeskewCropParam& param) {
          IsWithin(frame::settings.GroupAngle, 1.0, 5.0);
 }
 
-BarLimits AssignLineGuidedSettings(const DeskewCropParam& param) {
+BarLimits AssignLineGuidedSettings(const DeskewCropParam& param, const frame::Profile& profile) {
   if (!IsProfileUsed(param)) {
     frame::settings.SearchLimitNum = param.SearchLimitNum;
     frame::settings.PixelNum = param.PixelNum;
     frame::settings.CropPixelNum = param.CropPixelNum;
     return {600, 4, 20};
   }
-  const ProfileSection profile(param.profilePath, kLineSection);
-  frame::settings.SearchLimitNum = profile.Int("SearchLimitNum", 3);
-  frame::settings.PixelNum = profile.Int("PixelNum", 5);
-  frame::settings.CropPixelNum = profile.Int("CropPixelNum", 200);
-  return {profile.Int("LineMixLength", 500), profile.Int("LineMinThickness", 4),
-          profile.Int("LineMaxThickness", 20)};
+  const ProfileSection section(profile, kLineSection);
+  frame::settings.SearchLimitNum = section.Int("SearchLimitNum", 3);
+  frame::settings.PixelNum = section.Int("PixelNum", 5);
+  frame::settings.CropPixelNum = section.Int("CropPixelNum", 200);
+  return {section.Int("LineMixLength", 500), section.Int("LineMinThickness", 4),
+          section.Int("LineMaxThickness", 20)};
 }
 
 }  // namespace vorlanepic::deskew

@@ -63,7 +63,11 @@ int32_t VORLANEPIC_STDCALL ImageDeskewCropWithLine(const DibRec* inImages, int32
   page = {};
   int32_t status = ImgbufCheck(inImages);
   if (status != STATUS_OK) return status;
-  const BarLimits limits = ScaleLimits(AssignLineGuidedSettings(param), DotsPerInch(*inImages));
+  frame::Profile profile;
+  status = LoadProfile(param, &profile);
+  if (status != STATUS_OK) return status;
+  const BarLimits limits =
+      ScaleLimits(AssignLineGuidedSettings(param, profile), DotsPerInch(*inImages));
   DibSet set;
   status = set.Wrap(inImages, imageNum);
   if (status != STATUS_OK) return status;

@@ -20,7 +20,7 @@ constexpr uint8_t kFill[3] = {1, 2, 3};
 class PrunedRotationTest : public DeskewTest {
  protected:
   PrunedRotationTest() {
-    AssignPrunedRotationSettings(kParam, 1);
+    AssignPrunedRotationSettings(kParam, {}, 1);
     frame::settings.ImageNum = 1;
     frame::settings.pageRecords = &records_;
   }
