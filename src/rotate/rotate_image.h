@@ -19,6 +19,9 @@ struct Turn {
   int32_t outWidth;
   int32_t outHeight;
   int32_t interpolation;  // INTERP_BICUBIC, INTERP_BILINEAR or INTERP_NEAREST
+  // 0..3 quarter turns clockwise on top of the angle. Exact: an output pixel at (dx, dy) from the
+  // centre takes the value that without them stands at (dy, -dx), (-dx, -dy) or (-dy, dx).
+  int32_t quarterTurns = 0;
 };
 
 // Resamples the region `spans` of `source` into a new image in `target`, on two threads.
