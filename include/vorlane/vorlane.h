@@ -21,8 +21,8 @@
  * each. There is no other state: neither between calls nor in the process.
  *
  * Nothing is printed, no C++ exception leaves, and a lack of memory is a status. A failed call
- * leaves results as they were, apart from pixels of a result that was begun and from what a function
- * says.
+ * leaves results as they were, apart from pixels of a result that was begun and from what a
+ * function says.
  *
  * Sized records begin with struct_size, the size that the caller was compiled with, which an init
  * function fills in. Later versions add fields behind those that there are; an older caller's
@@ -64,18 +64,18 @@ extern "C" {
 typedef int32_t vorlane_status;
 enum {
   VORLANE_OK = 0,
-  VORLANE_BAD_ARGUMENT = 1,    /* a null pointer, or a struct_size that no version had */
-  VORLANE_BAD_IMAGE = 2,       /* a size below 1, an unknown format, or a stride below a row */
-  VORLANE_BAD_OPTION = 3,      /* an option out of its range */
-  VORLANE_BAD_FINDING = 4,     /* of another page, not a number, or a cut that holds nothing */
-  VORLANE_TOO_LARGE = 5,       /* an edge over VORLANE_MAX_EDGE pixels, or over 2^31 - 1 bytes */
-  VORLANE_TURN_TOO_LARGE = 6,  /* the turn goes beyond the option max_turn */
+  VORLANE_BAD_ARGUMENT = 1,     /* a null pointer, or a struct_size that no version had */
+  VORLANE_BAD_IMAGE = 2,        /* a size below 1, an unknown format, or a stride below a row */
+  VORLANE_BAD_OPTION = 3,       /* an option out of its range */
+  VORLANE_BAD_FINDING = 4,      /* of another page, not a number, or a cut that holds nothing */
+  VORLANE_TOO_LARGE = 5,        /* an edge over VORLANE_MAX_EDGE pixels, or over 2^31 - 1 bytes */
+  VORLANE_TURN_TOO_LARGE = 6,   /* the turn goes beyond the option max_turn */
   VORLANE_RESULT_TOO_LARGE = 7, /* the result goes beyond the option max_growth */
   VORLANE_RESULT_TOO_SMALL = 8, /* the caller's memory does not hold the result */
-  VORLANE_NOT_CONFIDENT = 9,   /* the finding is less sure than the option min_confidence asks */
+  VORLANE_NOT_CONFIDENT = 9,    /* the finding is less sure than the option min_confidence asks */
   VORLANE_NO_MEMORY = 10,
-  VORLANE_BUSY = 11,           /* another thread is using the context */
-  VORLANE_INTERNAL = 12        /* a fault of the library */
+  VORLANE_BUSY = 11,    /* another thread is using the context */
+  VORLANE_INTERNAL = 12 /* a fault of the library */
 };
 
 /* The longest edge of a page, in pixels: squares of longer ones leave the stages' 32 bits. */
@@ -94,7 +94,7 @@ enum {
 
 /* A page in the caller's memory, which is only read. */
 typedef struct vorlane_image {
-  const uint8_t *pixels; /* the first byte of the top row */
+  const uint8_t* pixels; /* the first byte of the top row */
   ptrdiff_t stride;      /* bytes from a row to the one below it; negative where rows lie bottom
                             first. At least vorlane_row_bytes either way. What lies between the
                             end of a row and the next one may be read, and is not used */
@@ -105,11 +105,11 @@ typedef struct vorlane_image {
 
 /* The caller's memory for an upright page, in the format of the page it is made of. */
 typedef struct vorlane_result {
-  uint8_t *pixels;  /* the first byte of the top row; no byte of the page's rows */
+  uint8_t* pixels;  /* the first byte of the top row; no byte of the page's rows */
   ptrdiff_t stride; /* as a page's. Bytes between the rows are not written; the bits behind the
                        last pixel of a row of bits take the fill */
-  int32_t width;    /* in: columns and rows that there is room for; out: those of the result. With */
-  int32_t height;   /* VORLANE_RESULT_TOO_SMALL: those that it needs */
+  int32_t width;  /* in: columns and rows that there is room for; out: those of the result. With */
+  int32_t height; /* VORLANE_RESULT_TOO_SMALL: those that it needs */
 } vorlane_result;
 
 /* How far an answer may be trusted, in the order of trust. */
@@ -171,12 +171,12 @@ typedef struct vorlane_finding {
   uint32_t struct_size;
   int32_t page_width; /* of the page that it was found on */
   int32_t page_height;
-  int32_t turn_confidence; /* VORLANE_REFUSED .. VORLANE_SURE: may the page be turned */
-  int32_t cut_confidence;  /* may it be cut out; below what is asked for it is kept whole */
-  uint32_t by;             /* the evidence that agreed on the turn */
-  double turn;             /* the turn that sets the page upright */
-  double expected;         /* share of right answers that the published table gives for evidence of
-                              this kind, 0..1 */
+  int32_t turn_confidence;  /* VORLANE_REFUSED .. VORLANE_SURE: may the page be turned */
+  int32_t cut_confidence;   /* may it be cut out; below what is asked for it is kept whole */
+  uint32_t by;              /* the evidence that agreed on the turn */
+  double turn;              /* the turn that sets the page upright */
+  double expected;          /* share of right answers that the published table gives for evidence of
+                               this kind, 0..1 */
   vorlane_point corners[4]; /* of the cut, in the picture: upper left of the upright page, upper
                                right, lower right, lower left. May lie outside the picture */
   vorlane_evidence evidence[VORLANE_EVIDENCE_ROOM]; /* the first VORLANE_EVIDENCE_KINDS */
@@ -198,11 +198,11 @@ typedef struct vorlane_detect_options {
   int32_t crop;           /* VORLANE_CROP_PAPER */
   int32_t min_confidence; /* VORLANE_DOUBTFUL; answers below it are refused */
   int32_t is_form;        /* 0; 1: the page carries a long printed bar, look for it */
-  int32_t has_no_mount;   /* 0; 1: nothing lies under the sheet, so four sides that agree are believed
-                             without a look at the print, which is faster */
-  double max_turn;        /* 45.0; a page that lies steeper is left alone; 0..45 */
-  double min_turn;        /* 0.05; a page that lies straighter is not turned; 0..45 */
-  double margin;          /* 0.0 pixels kept around the cut; negative trims */
+  int32_t has_no_mount; /* 0; 1: nothing lies under the sheet, so four sides that agree are believed
+                           without a look at the print, which is faster */
+  double max_turn;      /* 45.0; a page that lies steeper is left alone; 0..45 */
+  double min_turn;      /* 0.05; a page that lies straighter is not turned; 0..45 */
+  double margin;        /* 0.0 pixels kept around the cut; negative trims */
 } vorlane_detect_options;
 
 /* How output pixels are sampled. Pages of bits always take the nearest pixel. */
@@ -211,19 +211,21 @@ enum { VORLANE_NEAREST = 0, VORLANE_BILINEAR = 1, VORLANE_BICUBIC = 2 };
 /* How vorlane_apply makes a page. */
 typedef struct vorlane_apply_options {
   uint32_t struct_size;
-  int32_t interpolation;  /* VORLANE_BICUBIC */
-  int32_t quarter_turns;  /* 0..3, clockwise, after the page stands upright; every pixel as without */
-  int32_t keep_whole;     /* 0; 1: the page is turned and nothing is cut off */
+  int32_t interpolation; /* VORLANE_BICUBIC */
+  int32_t
+      quarter_turns;  /* 0..3, clockwise, after the page stands upright; every pixel as without */
+  int32_t keep_whole; /* 0; 1: the page is turned and nothing is cut off */
   int32_t min_confidence; /* VORLANE_LIKELY; a finding with less is not applied, a cut with less not
                              cut */
   int32_t threads;        /* 1; 1..64: the calling one and those that are started for the call. The
                              result is the same */
-  uint8_t fill[4]; /* 255, 255, 255: red, green and blue of what lies outside the picture; the fourth
-                      is reserved. Grey pages take its luminance, pages of bits the nearer end */
+  uint8_t
+      fill[4]; /* 255, 255, 255: red, green and blue of what lies outside the picture; the fourth
+                  is reserved. Grey pages take its luminance, pages of bits the nearer end */
   int32_t reserved;
-  double margin;     /* 0.0 pixels, kept around the corners besides what they hold; negative trims */
-  double min_turn;   /* 0.05; a smaller turn is not made: the page is cut only, no pixel resampled */
-  double max_turn;   /* 45.0; a larger one is refused; 0..180 */
+  double margin;   /* 0.0 pixels, kept around the corners besides what they hold; negative trims */
+  double min_turn; /* 0.05; a smaller turn is not made: the page is cut only, no pixel resampled */
+  double max_turn; /* 45.0; a larger one is refused; 0..180 */
   double max_growth; /* 8.0; a result with more than so many times the page's pixels is refused */
 } vorlane_apply_options;
 
@@ -236,32 +238,34 @@ typedef struct vorlane_context vorlane_context;
  * Returns VORLANE_OK; VORLANE_BAD_ARGUMENT for a null pointer; VORLANE_NO_MEMORY. *context is null
  * on failure.
  */
-VORLANE_API vorlane_status vorlane_context_new(vorlane_context **context) VORLANE_NOEXCEPT;
+VORLANE_API vorlane_status vorlane_context_new(vorlane_context** context) VORLANE_NOEXCEPT;
 
 /* Releases a context that no call is using; a null one is passed over. */
-VORLANE_API void vorlane_context_free(vorlane_context *context) VORLANE_NOEXCEPT;
+VORLANE_API void vorlane_context_free(vorlane_context* context) VORLANE_NOEXCEPT;
 
 /*
- * Gives back the scratch memory that a context keeps: at most three bytes a pixel of the largest page
- * that it has seen, and for pages of 8 and 24 bits some tables. The next call takes what it needs.
+ * Gives back the scratch memory that a context keeps: at most three bytes a pixel of the largest
+ * page that it has seen, and for pages of 8 and 24 bits some tables. The next call takes what it
+ * needs.
  *
  * Returns VORLANE_OK; VORLANE_BAD_ARGUMENT for a null context; VORLANE_BUSY.
  */
-VORLANE_API vorlane_status vorlane_context_trim(vorlane_context *context) VORLANE_NOEXCEPT;
+VORLANE_API vorlane_status vorlane_context_trim(vorlane_context* context) VORLANE_NOEXCEPT;
 
 /*
- * Fill a record with its defaults, those that the fields name; a finding holds no answer and no page.
+ * Fill a record with its defaults, those that the fields name; a finding holds no answer and no
+ * page.
  *
  *   size  sizeof *record, as the caller was compiled
  *
  * Return VORLANE_OK; VORLANE_BAD_ARGUMENT for a null record or a size that no version had; it is
  * then unchanged.
  */
-VORLANE_API vorlane_status vorlane_detect_options_init(vorlane_detect_options *options,
+VORLANE_API vorlane_status vorlane_detect_options_init(vorlane_detect_options* options,
                                                        size_t size) VORLANE_NOEXCEPT;
-VORLANE_API vorlane_status vorlane_apply_options_init(vorlane_apply_options *options,
+VORLANE_API vorlane_status vorlane_apply_options_init(vorlane_apply_options* options,
                                                       size_t size) VORLANE_NOEXCEPT;
-VORLANE_API vorlane_status vorlane_finding_init(vorlane_finding *finding,
+VORLANE_API vorlane_status vorlane_finding_init(vorlane_finding* finding,
                                                 size_t size) VORLANE_NOEXCEPT;
 
 /*
@@ -276,9 +280,9 @@ VORLANE_API vorlane_status vorlane_finding_init(vorlane_finding *finding,
  * Returns VORLANE_OK; VORLANE_BAD_ARGUMENT for a null finding or one that was not initialised;
  * VORLANE_BAD_FINDING for a number out of range. *finding is then unchanged.
  */
-VORLANE_API vorlane_status vorlane_finding_decide(vorlane_finding *finding, int32_t width,
+VORLANE_API vorlane_status vorlane_finding_decide(vorlane_finding* finding, int32_t width,
                                                   int32_t height, double turn,
-                                                  const vorlane_point *corners) VORLANE_NOEXCEPT;
+                                                  const vorlane_point* corners) VORLANE_NOEXCEPT;
 
 /*
  * Finds how the page lies in its picture.
@@ -288,28 +292,29 @@ VORLANE_API vorlane_status vorlane_finding_decide(vorlane_finding *finding, int3
  *   options  null: the defaults
  *   finding  initialised; receives the answer
  *
- * That nothing can be said of a page is an answer: VORLANE_OK, with VORLANE_REFUSED and the reasons.
- * So is a doubtful one: look at turn_confidence before acting, or leave that to vorlane_apply.
+ * That nothing can be said of a page is an answer: VORLANE_OK, with VORLANE_REFUSED and the
+ * reasons. So is a doubtful one: look at turn_confidence before acting, or leave that to
+ * vorlane_apply.
  *
  * Returns VORLANE_OK; VORLANE_BAD_ARGUMENT, VORLANE_BAD_IMAGE, VORLANE_BAD_OPTION,
  * VORLANE_TOO_LARGE, VORLANE_NO_MEMORY, VORLANE_BUSY or VORLANE_INTERNAL. *finding is then as it
  * was.
  */
-VORLANE_API vorlane_status vorlane_detect(vorlane_context *context, const vorlane_image *page,
-                                          const vorlane_detect_options *options,
-                                          vorlane_finding *finding) VORLANE_NOEXCEPT;
+VORLANE_API vorlane_status vorlane_detect(vorlane_context* context, const vorlane_image* page,
+                                          const vorlane_detect_options* options,
+                                          vorlane_finding* finding) VORLANE_NOEXCEPT;
 
 /*
  * Tells the exact size of the result that vorlane_apply makes of a page. Of `page`, the pixels are
  * not looked at and may be null.
  *
- * Returns VORLANE_OK, or what vorlane_apply would return for these arguments; *width and *height are
- * then unchanged.
+ * Returns VORLANE_OK, or what vorlane_apply would return for these arguments; *width and *height
+ * are then unchanged.
  */
-VORLANE_API vorlane_status vorlane_result_size(const vorlane_image *page,
-                                               const vorlane_finding *finding,
-                                               const vorlane_apply_options *options,
-                                               int32_t *width, int32_t *height) VORLANE_NOEXCEPT;
+VORLANE_API vorlane_status vorlane_result_size(const vorlane_image* page,
+                                               const vorlane_finding* finding,
+                                               const vorlane_apply_options* options, int32_t* width,
+                                               int32_t* height) VORLANE_NOEXCEPT;
 
 /*
  * Tells the most columns and rows that a result can have for any finding on a page of this size, so
@@ -318,9 +323,10 @@ VORLANE_API vorlane_status vorlane_result_size(const vorlane_image *page,
  *
  * Returns as vorlane_result_size does.
  */
-VORLANE_API vorlane_status vorlane_max_result_size(const vorlane_image *page,
-                                                   const vorlane_apply_options *options,
-                                                   int32_t *width, int32_t *height) VORLANE_NOEXCEPT;
+VORLANE_API vorlane_status vorlane_max_result_size(const vorlane_image* page,
+                                                   const vorlane_apply_options* options,
+                                                   int32_t* width,
+                                                   int32_t* height) VORLANE_NOEXCEPT;
 
 /*
  * Makes the upright page: turned by the finding's turn and cut to the upright rectangle around its
@@ -339,10 +345,10 @@ VORLANE_API vorlane_status vorlane_max_result_size(const vorlane_image *page,
  * VORLANE_RESULT_TOO_LARGE, VORLANE_RESULT_TOO_SMALL, VORLANE_NOT_CONFIDENT, VORLANE_NO_MEMORY,
  * VORLANE_BUSY or VORLANE_INTERNAL.
  */
-VORLANE_API vorlane_status vorlane_apply(vorlane_context *context, const vorlane_image *page,
-                                         const vorlane_finding *finding,
-                                         const vorlane_apply_options *options,
-                                         vorlane_result *result) VORLANE_NOEXCEPT;
+VORLANE_API vorlane_status vorlane_apply(vorlane_context* context, const vorlane_image* page,
+                                         const vorlane_finding* finding,
+                                         const vorlane_apply_options* options,
+                                         vorlane_result* result) VORLANE_NOEXCEPT;
 
 /* The bytes that `width` pixels of a format take, which is the least stride; 0 for a width below 1
  * and for an unknown format. */
@@ -350,13 +356,13 @@ VORLANE_API size_t vorlane_row_bytes(int32_t format, int32_t width) VORLANE_NOEX
 
 /* Words for codes: static English texts in UTF-8, never null; a code that there is not gives
  * "unknown". Names are for programs and stay as they are; texts are for people. */
-VORLANE_API const char *vorlane_status_text(vorlane_status status) VORLANE_NOEXCEPT;
-VORLANE_API const char *vorlane_confidence_name(int32_t confidence) VORLANE_NOEXCEPT;
-VORLANE_API const char *vorlane_evidence_name(int32_t place) VORLANE_NOEXCEPT;
-VORLANE_API const char *vorlane_reason_name(int32_t code) VORLANE_NOEXCEPT;
-VORLANE_API const char *vorlane_reason_text(int32_t code) VORLANE_NOEXCEPT;
+VORLANE_API const char* vorlane_status_text(vorlane_status status) VORLANE_NOEXCEPT;
+VORLANE_API const char* vorlane_confidence_name(int32_t confidence) VORLANE_NOEXCEPT;
+VORLANE_API const char* vorlane_evidence_name(int32_t place) VORLANE_NOEXCEPT;
+VORLANE_API const char* vorlane_reason_name(int32_t code) VORLANE_NOEXCEPT;
+VORLANE_API const char* vorlane_reason_text(int32_t code) VORLANE_NOEXCEPT;
 /* What a reason's value counts, "degrees" for one; "" where it has none. */
-VORLANE_API const char *vorlane_reason_unit(int32_t code) VORLANE_NOEXCEPT;
+VORLANE_API const char* vorlane_reason_unit(int32_t code) VORLANE_NOEXCEPT;
 
 /* VORLANE_VERSION_NUMBER of the library that is running. */
 VORLANE_API int32_t vorlane_version(void) VORLANE_NOEXCEPT;

@@ -4,7 +4,7 @@
 
 #include "rotate/plain_rotation.h"
 
-namespace vorlanepic {
+namespace vorlanepic::rotate {
 
 bool Rotation::Build() {
   const auto mostSteps = static_cast<size_t>(std::max(job_.halfWidth(), job_.halfHeight()));
@@ -23,4 +23,4 @@ void Rotation::RotateRows(int32_t first, int32_t last) const {
   }
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::rotate

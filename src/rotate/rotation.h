@@ -7,7 +7,7 @@
 #include "rotate/rotate_job.h"
 #include "rotate/tiled_rotation.h"
 
-namespace vorlanepic {
+namespace vorlanepic::rotate {
 
 // Holds no lock and starts no thread: any number of threads compute rows of one rotation at a time,
 // and each row comes out alike, whoever computes it.
@@ -36,4 +36,4 @@ class Rotation {
   std::optional<TiledRotation> tiled_;  // none: the job does not suit it
 };
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::rotate
