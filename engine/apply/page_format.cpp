@@ -7,9 +7,9 @@ namespace vorlane::apply {
 namespace {
 
 // In the order of the codes, from 0.
-constexpr PageFormat kFormats[] = {
-    {0, false, false},  {1, false, false}, {1, true, false},   {8, false, false},
-    {24, false, false}, {24, false, true}, {32, false, false}, {32, false, true}};
+constexpr PageFormat kFormats[] = {{0, false, false},  {1, false, false},  {1, true, false},
+                                   {8, false, false},  {24, false, false}, {24, false, true},
+                                   {32, false, false}, {32, false, true}};
 static_assert(std::size(kFormats) == VORLANE_RGBX32 + 1);
 
 // The distance between two rows, which is no number for the least stride that there is.

@@ -60,8 +60,9 @@ CutRect CutOf(const vorlane_image& page, const vorlane_finding& finding,
   const bool isCut = finding.cut_confidence >= options.min_confidence;
   if (!isCut || options.keep_whole != 0) return whole;
   std::array<Point, 4> corners{};
-  std::ranges::transform(finding.corners, corners.begin(),
-                         [](const vorlane_point& corner) { return Point{corner.x, corner.y}; });
+  std::ranges::transform(finding.corners, corners.begin(), [](const vorlane_point& corner) {
+    return Point{corner.x, corner.y};
+  });
   CutRect cut = judge::CutAround(corners, degrees, page.width, page.height);
   cut = {std::max(cut.left, whole.left), std::max(cut.top, whole.top),
          std::min(cut.right, whole.right), std::min(cut.bottom, whole.bottom)};
@@ -135,8 +136,13 @@ Turn PlanSlanted(const vorlane_image& page, const CutRect& cut, double degrees,
   int32_t width = PixelsAround(turnedX, cut.left, cut.right);
   int32_t height = PixelsAround(turnedY, cut.top, cut.bottom);
   if (quarterTurns % 2 != 0) std::swap(width, height);
-  return {angle, static_cast<int32_t>(centerX), static_cast<int32_t>(centerY), width,
-          height, interpolation, quarterTurns};
+  return {angle,
+          static_cast<int32_t>(centerX),
+          static_cast<int32_t>(centerY),
+          width,
+          height,
+          interpolation,
+          quarterTurns};
 }
 
 int32_t CoreInterpolation(int32_t interpolation) {
@@ -166,8 +172,8 @@ vorlane_status PlanResult(const vorlane_image& page, const vorlane_finding& find
   *turn = isTurned ? PlanSlanted(page, cut, degrees, options.quarter_turns,
                                  CoreInterpolation(options.interpolation))
                    : PlanStraight(page, cut, options.quarter_turns);
-  const bool isCentred = turn->centerX >= 0 && turn->centerX < page.width &&
-                         turn->centerY >= 0 && turn->centerY < page.height;
+  const bool isCentred = turn->centerX >= 0 && turn->centerX < page.width && turn->centerY >= 0 &&
+                         turn->centerY < page.height;
   if (!isCentred) return VORLANE_BAD_FINDING;
   const double pixels = static_cast<double>(page.width) * page.height;
   const double resultPixels = static_cast<double>(turn->outWidth) * turn->outHeight;

@@ -12,8 +12,8 @@ namespace vorlane::apply {
 inline constexpr int32_t kMostShares = 64;
 
 // Calls work(share, first, last) for `shares` parts of the rows 0..count - 1; 1 <= shares <=
-// kMostShares and shares <= count. The first part is the caller's, who also takes those for which no
-// thread can be had. `work` does not throw.
+// kMostShares and shares <= count. The first part is the caller's, who also takes those for which
+// no thread can be had. `work` does not throw.
 template <typename Work>
 void InShares(int32_t count, int32_t shares, const Work& work) {
   const auto begin = [&](int32_t share) {

@@ -22,8 +22,8 @@ constexpr int64_t kShareWorthPixels = 8192;
 // whole tile of the rotation.
 constexpr int32_t kBandRows = 16;
 
-// A page as the core wants it: rows one behind the other in memory, top row first. One whose rows lie
-// bottom first is taken for its mirror image, which is turned the other way.
+// A page as the core wants it: rows one behind the other in memory, top row first. One whose rows
+// lie bottom first is taken for its mirror image, which is turned the other way.
 struct CorePage {
   ImageRec source{};
   Turn turn{};
@@ -86,8 +86,7 @@ bool LayOut(const vorlane_image& page, const Turn& turn, Workspace& space, CoreP
 
   space.region.top = 0;
   space.region.bottom = page.height - 1;
-  std::fill_n(space.region.spans.data(), rows,
-              vorlanepic::rotate::RowSpan{0, page.width - 1});
+  std::fill_n(space.region.spans.data(), rows, vorlanepic::rotate::RowSpan{0, page.width - 1});
   return true;
 }
 
@@ -106,17 +105,16 @@ ImageRec TargetOf(const CorePage& core, Workspace& space) {
   return target;
 }
 
-vorlane_status TurnInPlace(const CorePage& core, const std::array<uint8_t, 3>& fill,
-                           int32_t shares, Workspace& space, const vorlane_result& result) {
+vorlane_status TurnInPlace(const CorePage& core, const std::array<uint8_t, 3>& fill, int32_t shares,
+                           Workspace& space, const vorlane_result& result) {
   for (int32_t y = 0; y < core.turn.outHeight; ++y) {
     space.targetRows[static_cast<size_t>(y)] = ResultRow(core, result, y);
   }
   const ImageRec target = TargetOf(core, space);
   Rotation rotation(core.source, target, space.region, core.turn, fill.data());
   if (!rotation.Build()) return VORLANE_NO_MEMORY;
-  InShares(core.turn.outHeight, shares, [&](int32_t, int32_t first, int32_t last) {
-    rotation.RotateRows(first, last);
-  });
+  InShares(core.turn.outHeight, shares,
+           [&](int32_t, int32_t first, int32_t last) { rotation.RotateRows(first, last); });
   return VORLANE_OK;
 }
 

@@ -143,6 +143,37 @@ enum {
   VORLANE_FRAME = 5 /* it is the picture's own frame, not the page's side */
 };
 
+/* Why an answer is what it is; vorlane_reason_name, _text and _unit put it in words. */
+enum {
+  VORLANE_REASON_NONE = 0,
+  VORLANE_REASON_SIDES_AND_PRINT_AGREE = 1,
+  VORLANE_REASON_SIDES_AGREE = 2,
+  VORLANE_REASON_PRINT_ALONE = 3,
+  VORLANE_REASON_BAR_AGREES = 4,
+  VORLANE_REASON_ASKED_FOR = 5, /* the caller chose the evidence */
+  VORLANE_REASON_PRINT_OFF_PAPER = 6,
+  VORLANE_REASON_PRINT_TOO_STEEP = 7,
+  VORLANE_REASON_SIDES_AND_PRINT_DIFFER = 8,
+  VORLANE_REASON_ONLY_RIM_SEEN = 9,
+  VORLANE_REASON_SEVERAL_DIRECTIONS = 10,
+  VORLANE_REASON_CURVED_SIDES = 11,
+  VORLANE_REASON_SIDES_NOT_PARALLEL = 12,
+  VORLANE_REASON_FEW_SIDES = 13,
+  VORLANE_REASON_WEAK_PRINT = 14,
+  VORLANE_REASON_NOTHING_SEEN = 15,
+  VORLANE_REASON_NO_CONTRAST = 16,
+  VORLANE_REASON_TOO_SMALL = 17,
+  VORLANE_REASON_TOO_STEEP = 18,
+  VORLANE_REASON_PRINT_OUTSIDE_CUT = 19,
+  VORLANE_REASON_LIGHT_OUTSIDE_CUT = 20,
+  VORLANE_REASON_SIDE_UNSEEN = 21,
+  VORLANE_REASON_SIDE_RUNS_OFF_FRAME = 22,
+  VORLANE_REASON_CUT_WIDENED = 23,
+  VORLANE_REASON_KEPT_WHOLE = 24,
+  VORLANE_REASON_NOT_TURNED = 25,
+  VORLANE_REASON_BELOW_CONFIDENCE = 26
+};
+
 typedef struct vorlane_point {
   double x;
   double y;
@@ -156,7 +187,7 @@ typedef struct vorlane_evidence {
 } vorlane_evidence;
 
 typedef struct vorlane_reason {
-  int32_t code; /* vorlane_reason_name, _text and _unit put it in words */
+  int32_t code; /* VORLANE_REASON_NONE .. */
   int32_t reserved;
   double value; /* in the reason's unit; 0 where it has none */
 } vorlane_reason;
