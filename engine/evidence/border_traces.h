@@ -13,6 +13,7 @@ namespace vorlane::evidence {
 // Traces what is at or above `threshold` from the frame inwards, up to the column scan.
 //
 // Returns STATUS_OK; BORDER_NOT_FOUND when nothing is; OUT_OF_MEMORY.
-int32_t TraceBorders(const PageLevels& page, uint8_t threshold, vorlanepic::BorderTraces* traces);
+int32_t TraceBorders(const PageLevels& page, uint8_t threshold,
+                     vorlanepic::analysis::BorderTraces* traces);
 
 }  // namespace vorlane::evidence

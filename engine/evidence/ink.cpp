@@ -7,7 +7,7 @@
 namespace vorlane::evidence {
 namespace {
 
-using vorlanepic::ScratchArray;
+using vorlanepic::frame::ScratchArray;
 
 constexpr int32_t kBefore = kInkWindow / 2;           // pixels of the window before its middle
 constexpr int32_t kAfter = kInkWindow - kBefore - 1;  // and behind it

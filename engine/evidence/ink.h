@@ -23,7 +23,7 @@ struct InkPicture {
   int32_t width = 0;
   int32_t height = 0;
   size_t stride = 0;
-  vorlanepic::ScratchArray<uint8_t> pixels;
+  vorlanepic::frame::ScratchArray<uint8_t> pixels;
 
   const uint8_t* Row(int32_t y) const { return pixels.data() + static_cast<size_t>(y) * stride; }
   uint8_t* Row(int32_t y) { return pixels.data() + static_cast<size_t>(y) * stride; }

@@ -96,7 +96,7 @@ class Reducer {
 
   int32_t width_;
   ReducedPicture& reduced_;
-  vorlanepic::ScratchArray<uint16_t> sums_;  // 32 rows of 255 fit
+  vorlanepic::frame::ScratchArray<uint16_t> sums_;  // 32 rows of 255 fit
 };
 
 }  // namespace
@@ -129,7 +129,7 @@ bool PageLevels::LayOut(const PictureView& picture) {
 
 bool PageLevels::Make(const PictureView& picture) {
   Reducer reducer(picture.width, &reduced_);
-  vorlanepic::ScratchArray<uint8_t> brightness;
+  vorlanepic::frame::ScratchArray<uint8_t> brightness;
   if (!LayOut(picture) || !reducer.Prepare()) return false;
   if (!brightness.Allocate(static_cast<size_t>(picture.width))) return false;
 

@@ -17,7 +17,7 @@ struct ReducedPicture {
   int32_t shift = 0;
   int32_t width = 0;
   int32_t height = 0;
-  vorlanepic::ScratchArray<uint8_t> levels;  // width * height, row after row
+  vorlanepic::frame::ScratchArray<uint8_t> levels;  // width * height, row after row
 
   const uint8_t* Row(int32_t y) const {
     return levels.data() + static_cast<size_t>(y) * static_cast<size_t>(width);
@@ -45,8 +45,8 @@ class PageLevels {
   bool LayOut(const PictureView& picture);
 
   ImageRec image_{};
-  vorlanepic::ScratchArray<uint8_t*> rows_;
-  vorlanepic::ScratchArray<uint8_t> plane_;  // empty for a grey picture
+  vorlanepic::frame::ScratchArray<uint8_t*> rows_;
+  vorlanepic::frame::ScratchArray<uint8_t> plane_;  // empty for a grey picture
   ReducedPicture reduced_;
 };
 

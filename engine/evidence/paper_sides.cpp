@@ -18,12 +18,12 @@ constexpr double kSingleRimDegrees = 0.02;
 constexpr double kRimShare = 0.04;
 
 int32_t FindSidesAt(const PageLevels& page, uint8_t threshold, SideSet* set) {
-  vorlanepic::BorderTraces traces;
+  vorlanepic::analysis::BorderTraces traces;
   int32_t status = TraceBorders(page, threshold, &traces);
   if (status == BORDER_NOT_FOUND) return STATUS_OK;
   if (status != STATUS_OK) return status;
-  const std::array<const vorlanepic::SideTrace*, kSides> order{&traces.top, &traces.right,
-                                                               &traces.bottom, &traces.left};
+  const std::array<const vorlanepic::analysis::SideTrace*, kSides> order{
+      &traces.top, &traces.right, &traces.bottom, &traces.left};
   for (size_t i = 0; i < kSides && status == STATUS_OK; ++i) {
     status = FitSide(*order[i], kAllSides[i], page.width(), page.height(), &(*set)[i]);
   }

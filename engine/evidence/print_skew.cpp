@@ -10,7 +10,7 @@
 namespace vorlane::evidence {
 namespace {
 
-using vorlanepic::ScratchArray;
+using vorlanepic::frame::ScratchArray;
 
 // The sweep over all angles looks at the ink four times smaller; steps in degrees.
 constexpr int32_t kSweepFactor = 4;

@@ -12,7 +12,7 @@
 namespace vorlane::evidence {
 namespace {
 
-using vorlanepic::ScratchArray;
+using vorlanepic::frame::ScratchArray;
 
 // Points so near to the picture's own edge are the frame's, not the page's.
 constexpr double kFramePixels = 5.0;
@@ -64,7 +64,7 @@ class PairPicker {
 // Where the page's edge lies for a traced point. The walks stop one pixel behind the first page
 // pixel from the left and from the right, at it from the top, and at it or one before it from the
 // bottom, which looks at every second row.
-double AcrossOf(Side side, vorlanepic::EdgePoint point) {
+double AcrossOf(Side side, vorlanepic::analysis::EdgePoint point) {
   switch (side) {
     case Side::kTop:
       return point.y - 0.5;
@@ -93,7 +93,7 @@ class SideFitter {
         alongExtent_(RunsAcross(side) ? width : height),
         acrossExtent_(RunsAcross(side) ? height : width) {}
 
-  int32_t Fit(const vorlanepic::SideTrace& trace, SideLine* line) {
+  int32_t Fit(const vorlanepic::analysis::SideTrace& trace, SideLine* line) {
     if (!Gather(trace, line)) return OUT_OF_MEMORY;
     if (points_.size() < kFewestPoints) return STATUS_OK;
     tolerance_ = 1.3 + 0.0003 * span_;
@@ -106,11 +106,11 @@ class SideFitter {
 
  private:
   // The trace's points that are not the frame's, in the order along the side.
-  bool Gather(const vorlanepic::SideTrace& trace, SideLine* line) {
+  bool Gather(const vorlanepic::analysis::SideTrace& trace, SideLine* line) {
     const auto traced = static_cast<size_t>(trace.pointCount);
     if (!storage_.Allocate(traced)) return false;
     size_t kept = 0;
-    for (const vorlanepic::EdgePoint& point : trace.points.span().first(traced)) {
+    for (const vorlanepic::analysis::EdgePoint& point : trace.points.span().first(traced)) {
       const double across = AcrossOf(side_, point);
       if (IsAtFrame(across, acrossExtent_)) continue;
       storage_[kept++] = {static_cast<float>(RunsAcross(side_) ? point.x : point.y),
@@ -231,8 +231,8 @@ class SideFitter {
 
 }  // namespace
 
-int32_t FitSide(const vorlanepic::SideTrace& trace, Side side, int32_t width, int32_t height,
-                SideLine* line) {
+int32_t FitSide(const vorlanepic::analysis::SideTrace& trace, Side side, int32_t width,
+                int32_t height, SideLine* line) {
   *line = {};
   return SideFitter(side, width, height).Fit(trace, line);
 }

@@ -40,7 +40,7 @@ struct SideLine {
 // The best line for `trace`, the trace of `side` in a picture of width x height.
 //
 // Returns STATUS_OK, whether or not a line is seen, or OUT_OF_MEMORY.
-int32_t FitSide(const vorlanepic::SideTrace& trace, Side side, int32_t width, int32_t height,
-                SideLine* line);
+int32_t FitSide(const vorlanepic::analysis::SideTrace& trace, Side side, int32_t width,
+                int32_t height, SideLine* line);
 
 }  // namespace vorlane::evidence

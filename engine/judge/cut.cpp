@@ -103,9 +103,9 @@ class Cutter {
  private:
   static size_t Index(Side side) { return static_cast<size_t>(side); }
 
-  // How far out a line lies, at the middle of the picture.
+  // How far out a line lies from the middle of the picture.
   double OutnessOf(const SideLine& line, Side side) const {
-    return -Inside(line, side, 0.0, axes_.middle);
+    return Inside(line, side, 0.0, axes_.middle);
   }
 
   void PickLines() {
