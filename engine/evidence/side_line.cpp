@@ -231,6 +231,14 @@ class SideFitter {
 
 }  // namespace
 
+HalfPlane InsideOf(const SideLine& line, Side side, double inset) {
+  const double sign = side == Side::kTop || side == Side::kLeft ? 1.0 : -1.0;
+  const double scale = sign / std::sqrt(1.0 + line.slope * line.slope);
+  const double c = line.offset * scale + inset;
+  return RunsAcross(side) ? HalfPlane{-line.slope * scale, scale, c}
+                          : HalfPlane{scale, -line.slope * scale, c};
+}
+
 int32_t FitSide(const vorlanepic::analysis::SideTrace& trace, Side side, int32_t width,
                 int32_t height, SideLine* line) {
   *line = {};
