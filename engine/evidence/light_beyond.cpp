@@ -16,6 +16,15 @@ constexpr double kLeastShare = 0.02;
 // The soft edge of the page itself, in pixels.
 constexpr double kSoftEdge = 2.0;
 
+// A gap is this wide, in pixels, and at most this share of it is light: dust, and streaks that run
+// across it. The page's corners, whose sides may be torn, are left out by this share of the longer
+// side; places along the side are looked at this far apart.
+constexpr int32_t kGapPixels = 4;
+constexpr double kLightInGap = 0.02;
+constexpr double kCornerShare = 0.03;
+constexpr double kPlacesShare = 1.0 / 600;
+constexpr int32_t kFewestPlaces = 20;
+
 // Spreads from the page over the light around it, on a grid of pixels `step` apart.
 class LightSpreader {
  public:
@@ -150,7 +159,49 @@ class LightSpreader {
   size_t used_ = 0;
 };
 
+// The share of light on the line `depth` beyond a side, between the neighbouring sides; negative
+// where too little of it is inside the picture.
+double LightShareAt(const PageLevels& page, uint8_t threshold,
+                    std::span<const HalfPlane, kSides> region, size_t side, double depth) {
+  const HalfPlane& plane = region[side];
+  const double startX = plane.a * (plane.c - depth);
+  const double startY = plane.b * (plane.c - depth);
+  double low = -2.0 * page.size();
+  double high = 2.0 * page.size();
+  for (const size_t next : {(side + 1) % kSides, (side + 3) % kSides}) {
+    const double slope = region[next].b * plane.a - region[next].a * plane.b;
+    const double place = (kCornerShare * page.size() - region[next].Inside(startX, startY)) / slope;
+    if (slope > 0.0) {
+      low = std::max(low, place);
+    } else {
+      high = std::min(high, place);
+    }
+  }
+  int32_t looked = 0;
+  int32_t light = 0;
+  for (double t = low; t <= high; t += std::max(1.0, kPlacesShare * page.size())) {
+    const double x = std::round(startX - plane.b * t);
+    const double y = std::round(startY + plane.a * t);
+    if (x < 0.0 || y < 0.0 || x >= page.width() || y >= page.height()) continue;
+    ++looked;
+    light += page.Row(static_cast<int32_t>(y))[static_cast<size_t>(x)] >= threshold;
+  }
+  return looked >= kFewestPlaces ? static_cast<double>(light) / looked : -1.0;
+}
+
 }  // namespace
+
+double FirstGapBeyond(const PageLevels& page, uint8_t threshold,
+                      std::span<const HalfPlane, kSides> region, Side side) {
+  int32_t dark = 0;
+  for (int32_t depth = 0; depth < page.size(); ++depth) {
+    const double share = LightShareAt(page, threshold, region, static_cast<size_t>(side), depth);
+    if (share < 0.0) break;
+    dark = share <= kLightInGap ? dark + 1 : 0;
+    if (dark == kGapPixels) return depth - kGapPixels + 1.0;
+  }
+  return INFINITY;
+}
 
 bool MeasureLightBeyond(const PageLevels& page, uint8_t threshold,
                         std::span<const HalfPlane, kSides> region,

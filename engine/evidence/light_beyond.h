@@ -11,6 +11,11 @@
 
 namespace vorlane::evidence {
 
+// How far beyond `side` of `region` the first dark gap begins that runs along the whole side, in
+// pixels; INFINITY where none does before the picture ends.
+double FirstGapBeyond(const PageLevels& page, uint8_t threshold,
+                      std::span<const HalfPlane, kSides> region, Side side);
+
 // How far beyond each side of `region` the picture stays at or above `threshold` without a dark
 // gap, in pixels; 0 where it does not, or only for less than a fiftieth of the picture's longer
 // side, as a scanner's streaks, hairs and dust do.

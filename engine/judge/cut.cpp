@@ -32,7 +32,9 @@ constexpr double kSoftShare = 0.006;
 // to end this much beyond its light; both shares of the longer side.
 constexpr double kLeastPage = 0.1;
 constexpr double kLightSlack = 0.004;
-constexpr double kMostInkOutside = 0.10;
+// A side beyond whose end a neighbouring one goes on by this share is none of the sheet's.
+constexpr double kOvershoot = 0.012;
+constexpr double kOnFrame = 0.5;
 constexpr int32_t kInkSamples = 500;
 
 // A convex polygon: a rectangle clipped four times.
@@ -84,13 +86,18 @@ class Cutter {
     }
     PickLines();
     const std::array<HalfPlane, kSides> region = Region();
-    std::array<double, kSides> beyond{};
     const uint8_t threshold = sides_.thresholds.levels[group_->threshold];
-    if (!evidence::MeasureLightBeyond(page_, threshold, region, &beyond)) return false;
-    cut->rect = Bound(region, beyond, outwards, cut);
+    if (!evidence::MeasureLightBeyond(page_, threshold, region, &beyond_)) return false;
+    for (const Side side : kAllSides) {
+      if (lines_[Index(side)]) {
+        if (IsClosed(side, region)) beyond_[Index(side)] = 0.0;
+      } else {
+        beyond_[Index(side)] = EndOf(side, region, threshold);
+      }
+    }
+    cut->rect = Bound(region, outwards, cut);
     cut->inkOutside = InkOutside(ink, cut->rect);
-    cut->isBelieved = cut->inkOutside <= kMostInkOutside && cut->rect.right > cut->rect.left &&
-                      cut->rect.bottom > cut->rect.top;
+    cut->isBelieved = cut->rect.right > cut->rect.left && cut->rect.bottom > cut->rect.top;
     return true;
   }
 
@@ -175,16 +182,40 @@ class Cutter {
     return region;
   }
 
-  CutRect Bound(std::span<const HalfPlane, kSides> region, std::span<const double, kSides> beyond,
-                double outwards, Cut* cut) const {
+  // Whether the sides next to `side` are seen and end where they meet it: what is light beyond is
+  // something else. Where one goes on, the line is a bar or a picture on the sheet.
+  bool IsClosed(Side side, std::span<const HalfPlane, kSides> region) const {
+    const HalfPlane& plane = region[Index(side)];
+    for (const size_t next : {(Index(side) + 1) % kSides, (Index(side) + 3) % kSides}) {
+      const auto& line = lines_[next];
+      if (!line) return false;
+      for (const double along : {line->from, line->to}) {
+        const Point end = evidence::RunsAcross(kAllSides[next]) ? Point{along, line->At(along)}
+                                                                : Point{line->At(along), along};
+        if (plane.Inside(end.x, end.y) < -kOvershoot * page_.size()) return false;
+      }
+    }
+    return true;
+  }
+
+  // How far beyond its start the page ends on a side without a line: at a dark gap, at the
+  // picture's edge, or where its light ends.
+  double EndOf(Side side, std::span<const HalfPlane, kSides> region, uint8_t threshold) const {
+    const double gap = evidence::FirstGapBeyond(page_, threshold, region, side);
+    if (std::isfinite(gap)) return gap;
+    const bool runsOff = sides_.SidesOf(*group_)[Index(side)].onFrame >= kOnFrame;
+    return runsOff ? 2.0 * page_.size() : beyond_[Index(side)];
+  }
+
+  CutRect Bound(std::span<const HalfPlane, kSides> region, double outwards, Cut* cut) const {
     Polygon polygon = PictureOf(page_.width(), page_.height());
     for (size_t i = 0; i < kSides; ++i) {
       HalfPlane plane = region[i];
       if (lines_[i]) {
-        plane.c -= std::max(outwards, beyond[i] + 1.0);
-        cut->widened = std::max(cut->widened, beyond[i] / page_.size());
+        plane.c -= std::max(outwards, beyond_[i] + 1.0);
+        cut->widened = std::max(cut->widened, beyond_[i] / page_.size());
       } else {
-        plane.c -= beyond[i] + kLightSlack * page_.size();
+        plane.c -= beyond_[i] + kLightSlack * page_.size();
         ++cut->sidesUnseen;
       }
       polygon = Clip(polygon, plane);
@@ -222,6 +253,7 @@ class Cutter {
   PageAxes axes_;
   const SideGroup* group_ = nullptr;  // whose lines bound the page
   std::array<std::optional<SideLine>, kSides> lines_;
+  std::array<double, kSides> beyond_{};  // how far the page goes on beyond each, in pixels
 };
 
 }  // namespace
