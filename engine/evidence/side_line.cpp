@@ -35,8 +35,8 @@ constexpr double kLeastExplained = 0.30;  // length * filled, of the trace's spa
 constexpr size_t kBins = 24;
 // Where a side begins, so many points of it follow within so many pixels: every second row or
 // column has one, some are missing.
-constexpr size_t kDensePoints = 12;
-constexpr double kDensePixels = 72.0;
+constexpr size_t kDensePoints = 6;
+constexpr double kDensePixels = 36.0;
 
 struct TracePoint {
   float along;

@@ -5,8 +5,11 @@
 #include <cmath>
 #include <optional>
 
+#include "engine/evidence/inner_trace.h"
 #include "engine/evidence/light_beyond.h"
+#include "engine/evidence/side_contrast.h"
 #include "engine/judge/page_axes.h"
+#include "vorlanepic/vorlanepic.h"
 
 namespace vorlane::judge {
 namespace {
@@ -33,8 +36,17 @@ constexpr double kSoftShare = 0.006;
 constexpr double kLeastPage = 0.1;
 constexpr double kLightSlack = 0.004;
 // A side beyond whose end a neighbouring one goes on by this share is none of the sheet's.
-constexpr double kOvershoot = 0.012;
+constexpr double kOvershoot = 0.005;
 constexpr double kOnFrame = 0.5;
+// A side is looked for from inside from this far within the ends of its neighbours, and a gap is
+// the page's end where it begins no further beyond them; shares of the longer side.
+constexpr double kStartInside = 0.015;
+constexpr double kGapWithin = 0.025;
+// What a side that was found from inside has to be: straight, and lighter than the gap.
+constexpr double kInnerStraight = 0.6;
+constexpr double kInnerContrast = 8.0;
+// Where the page runs off the picture, its other sides end this near to the frame.
+constexpr double kFrameShare = 0.02;
 constexpr int32_t kInkSamples = 500;
 
 // A convex polygon: a rectangle clipped four times.
@@ -85,19 +97,28 @@ class Cutter {
       return true;
     }
     PickLines();
+    if (!LookFromInside()) return false;
     const std::array<HalfPlane, kSides> region = Region();
-    const uint8_t threshold = sides_.thresholds.levels[group_->threshold];
-    if (!evidence::MeasureLightBeyond(page_, threshold, region, &beyond_)) return false;
+    if (!evidence::MeasureLightBeyond(page_, Threshold(), region, &beyond_)) return false;
+    cut->isBelieved = true;
     for (const Side side : kAllSides) {
+      double& beyond = beyond_[Index(side)];
       if (lines_[Index(side)]) {
-        if (IsClosed(side, region)) beyond_[Index(side)] = 0.0;
-      } else {
-        beyond_[Index(side)] = EndOf(side, region, threshold);
+        if (IsClosed(side, region)) beyond = 0.0;
+        continue;
+      }
+      const double gap = GapBeyond(side, region);
+      if (std::isfinite(gap)) {
+        beyond = gap;
+      } else if (RunsOff(side)) {
+        beyond = 2.0 * page_.size();
+        cut->isBelieved = cut->isBelieved && NeighboursReachFrame(side);
       }
     }
     cut->rect = Bound(region, outwards, cut);
     cut->inkOutside = InkOutside(ink, cut->rect);
-    cut->isBelieved = cut->rect.right > cut->rect.left && cut->rect.bottom > cut->rect.top;
+    cut->isBelieved =
+        cut->isBelieved && cut->rect.right > cut->rect.left && cut->rect.bottom > cut->rect.top;
     return true;
   }
 
@@ -198,13 +219,58 @@ class Cutter {
     return true;
   }
 
-  // How far beyond its start the page ends on a side without a line: at a dark gap, at the
-  // picture's edge, or where its light ends.
-  double EndOf(Side side, std::span<const HalfPlane, kSides> region, uint8_t threshold) const {
-    const double gap = evidence::FirstGapBeyond(page_, threshold, region, side);
-    if (std::isfinite(gap)) return gap;
-    const bool runsOff = sides_.SidesOf(*group_)[Index(side)].onFrame >= kOnFrame;
-    return runsOff ? 2.0 * page_.size() : beyond_[Index(side)];
+  uint8_t Threshold() const { return sides_.thresholds.levels[group_->threshold]; }
+
+  bool RunsOff(Side side) const { return sides_.SidesOf(*group_)[Index(side)].onFrame >= kOnFrame; }
+
+  bool HasNeighbour(Side side) const {
+    return lines_[(Index(side) + 1) % kSides] || lines_[(Index(side) + 3) % kSides];
+  }
+
+  // Looks for each side that is missing from where its neighbours end. False when there is no
+  // memory.
+  bool LookFromInside() {
+    for (const Side side : kAllSides) {
+      if (lines_[Index(side)] || !HasNeighbour(side)) continue;
+      std::array<HalfPlane, kSides> region = Region();
+      region[Index(side)].c += kStartInside * page_.size();
+      vorlanepic::analysis::SideTrace trace;
+      SideLine line;
+      if (!evidence::TraceFromInside(page_, Threshold(), region, side, &trace)) return false;
+      if (evidence::FitSide(trace, side, page_.width(), page_.height(), &line) != STATUS_OK) {
+        return false;
+      }
+      if (!line.isSeen || line.straight < kInnerStraight) continue;
+      if (std::abs(line.degrees - group_->degrees) > kSameDegrees) continue;
+      if (evidence::ContrastOf(page_, side, line) < kInnerContrast) continue;
+      lines_[Index(side)] = line;
+    }
+    return true;
+  }
+
+  // How far beyond its start a side without a line ends at a dark gap, or INFINITY.
+  double GapBeyond(Side side, std::span<const HalfPlane, kSides> region) const {
+    if (!HasNeighbour(side)) return INFINITY;
+    const double gap = evidence::FirstGapBeyond(page_, Threshold(), region, side);
+    return gap <= kGapWithin * page_.size() ? gap : INFINITY;
+  }
+
+  // Whether the lines next to a side that runs off the picture reach the picture's edge there. A
+  // sheet that ends before it is not seen to end.
+  bool NeighboursReachFrame(Side side) const {
+    const double within = kFrameShare * page_.size();
+    for (const size_t next : {(Index(side) + 1) % kSides, (Index(side) + 3) % kSides}) {
+      const auto& line = lines_[next];
+      if (!line) continue;
+      const bool isFirst = side == Side::kTop || side == Side::kLeft;
+      const double extent = evidence::RunsAcross(kAllSides[next]) ? page_.width() : page_.height();
+      const double end = isFirst ? line->from : extent - 1.0 - line->to;
+      const double across = line->At(isFirst ? line->from : line->to);
+      const double acrossExtent =
+          evidence::RunsAcross(kAllSides[next]) ? page_.height() : page_.width();
+      if (end > within && across > within && acrossExtent - 1.0 - across > within) return false;
+    }
+    return true;
   }
 
   CutRect Bound(std::span<const HalfPlane, kSides> region, double outwards, Cut* cut) const {
