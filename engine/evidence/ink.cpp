@@ -75,25 +75,6 @@ class BoxSums {
   ScratchArray<uint16_t> work_;
 };
 
-// Columns from..to - 1 of row `y` that lie in all half planes.
-void RowOfRegion(std::span<const HalfPlane> region, int32_t y, int32_t width, int32_t* from,
-                 int32_t* to) {
-  double low = 0.0;
-  double high = width - 1.0;
-  for (const HalfPlane& plane : region) {
-    const double rest = plane.c - plane.b * y;
-    if (std::abs(plane.a) < 1e-9) {
-      if (rest > 0.0) high = -1.0;
-    } else if (plane.a > 0.0) {
-      low = std::max(low, rest / plane.a);
-    } else {
-      high = std::min(high, rest / plane.a);
-    }
-  }
-  *from = static_cast<int32_t>(std::ceil(std::min(low, static_cast<double>(width))));
-  *to = std::max(*from, static_cast<int32_t>(std::floor(std::max(high, -1.0))) + 1);
-}
-
 // Clears everything that hangs together, by sides or corners, with the ink at the edge of the
 // inner part of the picture: the page's own outline, the dark of a surround, a neighbour's print.
 class EdgeInkRemover {
@@ -163,13 +144,11 @@ bool FindInk(const ReducedPicture& picture, std::span<const HalfPlane> region, I
   if (!sums.Prepare()) return false;
   for (int32_t y = 0; y < picture.height; ++y) {
     const uint16_t* around = sums.Next();
-    int32_t from = 0;
-    int32_t to = 0;
-    RowOfRegion(region.empty() ? std::span<const HalfPlane>(inner) : region, y, picture.width,
-                &from, &to);
+    const ColumnSpan columns =
+        RowOfRegion(region.empty() ? std::span<const HalfPlane>(inner) : region, y, picture.width);
     const uint8_t* levels = picture.Row(y);
     uint8_t* out = ink->Row(y);
-    for (int32_t x = from; x < to; ++x) {
+    for (int32_t x = columns.from; x < columns.to; ++x) {
       out[x] = static_cast<uint8_t>((around[x] >> 8) >= levels[x] + kInkDepth);
     }
   }

@@ -6,16 +6,10 @@
 #include <cstdint>
 #include <span>
 
+#include "engine/evidence/half_plane.h"
 #include "engine/evidence/page_levels.h"
 
 namespace vorlane::evidence {
-
-// Points (x, y) of the reduced picture with a * x + b * y >= c.
-struct HalfPlane {
-  double a;
-  double b;
-  double c;
-};
 
 // Ink of the reduced picture: a byte for each pixel, 1 where there is ink, 0 elsewhere and in the
 // padding of each row to a multiple of 8.
@@ -29,8 +23,9 @@ struct InkPicture {
   uint8_t* Row(int32_t y) { return pixels.data() + static_cast<size_t>(y) * stride; }
 };
 
-// Marks the ink inside all of `region`; an empty region is the whole picture but its outermost
-// pixels, without what hangs together with those. False when there is no memory.
+// Marks the ink inside all of `region`, half planes of the reduced picture; an empty region is the
+// whole picture but its outermost pixels, without what hangs together with those. False when there
+// is no memory.
 bool FindInk(const ReducedPicture& picture, std::span<const HalfPlane> region, InkPicture* ink);
 
 // The same by its definition, pixel by pixel, without a region: ink is at least kInkDepth darker

@@ -16,14 +16,15 @@ using SideSet = std::array<SideLine, kSides>;
 
 // Sides of one threshold that lean alike.
 struct SideGroup {
-  size_t threshold = 0;   // place in Thresholds
-  uint32_t sides = 0;     // bits 1 << Side
-  int32_t count = 0;      // of sides
-  double degrees = 0.0;   // mean, weighted by the sides' lengths
-  double spread = 0.0;    // largest minus smallest angle
-  double straight = 0.0;  // the least of its sides
-  double weight = 0.0;    // summed length of what is filled, in pixels
-  bool isRim = false;     // it may be the picture's own frame or the rim of the glass
+  size_t threshold = 0;    // place in Thresholds
+  uint32_t sides = 0;      // bits 1 << Side
+  int32_t count = 0;       // of sides
+  double degrees = 0.0;    // mean, weighted by the sides' lengths
+  double spread = 0.0;     // largest minus smallest angle
+  double deviation = 0.0;  // of its sides' angles, weighted like the mean
+  double straight = 0.0;   // the least of its sides
+  double weight = 0.0;     // summed length of what is filled, in pixels
+  bool isRim = false;      // it may be the picture's own frame or the rim of the glass
 
   bool Has(Side side) const { return (sides >> static_cast<uint32_t>(side) & 1) != 0; }
   bool HasBothDirections() const {
@@ -41,6 +42,10 @@ struct PaperSides {
   std::array<SideSet, kMostThresholds> sets{};
   std::array<SideGroup, kMostGroups> groups{};  // the first groupCount, the best first
   size_t groupCount = 0;
+  // Four sides that close around a page but do not lean alike: a page in perspective, or not
+  // square.
+  SideGroup quad;
+  bool hasQuad = false;
 
   std::span<const SideGroup> view() const { return std::span(groups).first(groupCount); }
   const SideSet& SidesOf(const SideGroup& group) const { return sets[group.threshold]; }

@@ -32,6 +32,14 @@ constexpr double kNearDegrees = 0.45;
 constexpr double kOffConfidence = 1.6;  // a half speaks against
 constexpr double kOffDegrees = 0.8;
 
+// Rounding to rows would make the angle at which the strips were summed look sharper than others.
+// A strip is summed off by a part of a row, which its own shift takes back: then all angles are
+// rounded twice. Multiples of the golden section spread the parts evenly.
+double DitherOf(int32_t strip) {
+  const double place = strip * std::numbers::phi;
+  return place - std::floor(place) - 0.5;
+}
+
 double TangentOf(double degrees) { return std::tan(degrees * std::numbers::pi / 180.0); }
 
 // How sharply the lines stand out: the sum of squared differences of neighbouring sums.
@@ -134,7 +142,7 @@ class InkStrips {
     if (!sums_.Allocate(rows + 2 * static_cast<size_t>(slack_))) return false;
     if (!shifts_.Allocate(static_cast<size_t>(width_))) return false;
     for (int32_t x = 0; x < width_; ++x) {
-      const double shift = (x - width_ / 2) * tangent_;
+      const double shift = (x - width_ / 2) * tangent_ + DitherOf(x / kStripColumns);
       shifts_[static_cast<size_t>(x)] = margin_ - static_cast<int32_t>(std::lround(shift));
     }
     for (int32_t y = 0; y < ink.height; ++y) AddRow(ink.Row(y), y);
@@ -156,7 +164,7 @@ class InkStrips {
     std::fill(sums + top, sums + bottom + 2 * slack, uint16_t{0});
     for (int32_t strip = part.from; strip < part.to; ++strip) {
       const double middle = (strip + 0.5) * kStripColumns - 0.5 - width_ / 2;
-      const auto shift = static_cast<int32_t>(std::lround(-middle * tangent));
+      const auto shift = static_cast<int32_t>(std::lround(DitherOf(strip) - middle * tangent));
       const uint8_t* counts = counts_.data() + static_cast<size_t>(strip) * RowCount();
       uint16_t* shifted = sums + slack_ + std::clamp(shift, -slack_, slack_);
       for (size_t y = top; y < bottom; ++y) {

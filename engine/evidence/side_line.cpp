@@ -33,6 +33,10 @@ constexpr double kShortest = 0.20;        // of the picture along the side
 constexpr double kLeastFilled = 0.70;     // of the bins
 constexpr double kLeastExplained = 0.30;  // length * filled, of the trace's span
 constexpr size_t kBins = 24;
+// Where a side begins, so many points of it follow within so many pixels: every second row or
+// column has one, some are missing.
+constexpr size_t kDensePoints = 6;
+constexpr double kDensePixels = 36.0;
 
 struct TracePoint {
   float along;
@@ -190,34 +194,47 @@ class SideFitter {
     line->offset = best.offset;
     line->slope = best.slope;
     line->degrees = SlopeDegrees(side_, best.slope);
-    line->from = INFINITY;
-    line->to = -INFINITY;
-    size_t on = 0;
-    for (const TracePoint& point : points_) {
-      if (!IsOn(best, point)) continue;
-      ++on;
-      line->from = std::min<double>(line->from, point.along);
-      line->to = std::max<double>(line->to, point.along);
-    }
+    const size_t on = FindEnds(best, line);
     if (on < kFewestPoints || line->length() <= 0.0) return;
-    MeasureBins(best, on, line);
+    MeasureBins(best, line);
     line->isSeen = std::abs(best.slope) <= kSteepest &&
                    line->length() >= kShortest * alongExtent_ && line->filled >= kLeastFilled &&
                    line->weight() >= kLeastExplained * span_;
   }
 
-  void MeasureBins(const Candidate& best, size_t on, SideLine* line) const {
+  // Finds where the points on the line begin and end, but for stray ones, and counts those between.
+  size_t FindEnds(const Candidate& best, SideLine* line) const {
+    std::array<float, kDensePoints> recent{};
+    size_t on = 0;
+    line->from = INFINITY;
+    line->to = -INFINITY;
+    for (const TracePoint& point : points_) {
+      if (!IsOn(best, point)) continue;
+      float& oldest = recent[on % kDensePoints];
+      ++on;
+      if (on > kDensePoints && std::abs(point.along - oldest) <= kDensePixels) {
+        line->from = std::min<double>(line->from, std::min(point.along, oldest));
+        line->to = std::max<double>(line->to, std::max(point.along, oldest));
+      }
+      oldest = point.along;
+    }
+    return on;
+  }
+
+  void MeasureBins(const Candidate& best, SideLine* line) const {
     std::bitset<kBins> bins;
     size_t within = 0;
+    size_t onWithin = 0;
     for (const TracePoint& point : points_) {
       if (point.along < line->from || point.along > line->to) continue;
       ++within;
       if (!IsOn(best, point)) continue;
+      ++onWithin;
       const double bin = (point.along - line->from) * kBins / (line->length() + 1.0);
       bins.set(static_cast<size_t>(bin));
     }
     line->filled = static_cast<double>(bins.count()) / kBins;
-    line->straight = static_cast<double>(on) / static_cast<double>(within);
+    line->straight = static_cast<double>(onWithin) / static_cast<double>(within);
   }
 
   Side side_;
@@ -230,6 +247,14 @@ class SideFitter {
 };
 
 }  // namespace
+
+HalfPlane InsideOf(const SideLine& line, Side side, double inset) {
+  const double sign = side == Side::kTop || side == Side::kLeft ? 1.0 : -1.0;
+  const double scale = sign / std::sqrt(1.0 + line.slope * line.slope);
+  const double c = line.offset * scale + inset;
+  return RunsAcross(side) ? HalfPlane{-line.slope * scale, scale, c}
+                          : HalfPlane{scale, -line.slope * scale, c};
+}
 
 int32_t FitSide(const vorlanepic::analysis::SideTrace& trace, Side side, int32_t width,
                 int32_t height, SideLine* line) {

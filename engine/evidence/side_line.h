@@ -7,6 +7,7 @@
 #include <span>
 
 #include "analysis/border_records.h"
+#include "engine/evidence/half_plane.h"
 
 namespace vorlane::evidence {
 
@@ -23,6 +24,7 @@ constexpr bool RunsAcross(Side side) { return side == Side::kTop || side == Side
 // half a pixel outside the middle of the outermost page pixels.
 struct SideLine {
   bool isSeen = false;
+  bool isFrameLike = false;  // runs along the frame from end to end: a streak, a halo, the frame
   double offset = 0.0;
   double slope = 0.0;
   double degrees = 0.0;  // by which the side lies turned clockwise
@@ -31,11 +33,15 @@ struct SideLine {
   double filled = 0.0;    // share of from..to that has points on the line, in 24 bins
   double straight = 0.0;  // share of the trace's points in from..to that lie on the line
   double onFrame = 0.0;   // share of the trace that runs at the picture's own edge
+  double contrast = 0.0;  // levels by which the page is lighter than what lies outside the line
 
   double length() const { return to - from; }
   double weight() const { return length() * filled; }
   double At(double along) const { return offset + slope * along; }
 };
+
+// What lies on the page's side of the line, moved inwards by `inset` pixels.
+HalfPlane InsideOf(const SideLine& line, Side side, double inset);
 
 // The best line for `trace`, the trace of `side` in a picture of width x height.
 //

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <numeric>
 
 namespace vorlane::judge {
 namespace {
@@ -22,7 +23,20 @@ constexpr double kStraightSpread = 0.45;
 constexpr double kWeakAgreeing = 0.4;
 constexpr double kWeakSideAgreeing = 0.3;
 
+constexpr double kRivalSpread = 0.15;  // by which a rival's sides may lie further apart
+constexpr double kParallel = 0.15;
+
 constexpr double kStraightShare = 0.4;
+// Sides so straight and so alike tell the angle better than print does, and print of such
+// confidence better than other sides.
+constexpr double kExactDeviation = 0.1;
+constexpr double kExactConfidence = 8.0;
+constexpr double kExactShare = 0.8;
+// A side that is whole, and one that runs on the picture's frame.
+constexpr double kWholeShare = 0.95;
+constexpr double kOnFrame = 0.6;
+constexpr double kWhollyOnFrame = 0.9;
+constexpr double kSharpContrast = 30.0;
 constexpr double kSteepConfidence = 6.0;
 constexpr double kLoneConfidence = 5.0;
 
@@ -31,7 +45,10 @@ class Judge {
   explicit Judge(const Evidence& evidence) : sides_(evidence.sides), print_(evidence.print) {}
 
   Decision Decide() const {
-    return print_.strength >= PrintStrength::kFair ? DecideWithPrint() : DecideWithoutPrint();
+    const bool hasPrint = print_.strength >= PrintStrength::kFair;
+    const Decision decision = hasPrint ? DecideWithPrint() : DecideWithoutPrint();
+    return decision.confidence == Confidence::kDoubtful && sides_.hasQuad ? DecideQuad(decision)
+                                                                          : decision;
   }
 
  private:
@@ -58,7 +75,8 @@ class Judge {
   const SideGroup* RivalOf(const SideGroup& group) const {
     return First([&](const SideGroup& other) {
       return !other.isRim && (other.count >= 3 || other.HasOpposites()) &&
-             std::abs(other.degrees - group.degrees) > kRivalApart;
+             std::abs(other.degrees - group.degrees) > kRivalApart &&
+             other.spread <= group.spread + kRivalSpread;
     });
   }
 
@@ -87,24 +105,51 @@ class Judge {
         First([this](const SideGroup& group) { return group.count >= 2 && Agrees(group); });
     if (agreeing != nullptr) {
       const bool isSure = (agreeing->count >= 3 || IsStrong()) && IsStraight(*agreeing);
-      return ByGroup(*agreeing, isSure ? Confidence::kSure : Confidence::kLikely,
-                     {Reason::kSidesAndPrintAgree, OffPrint(*agreeing)});
+      return ByBoth(*agreeing, isSure ? Confidence::kSure : Confidence::kLikely);
     }
     const SideGroup* single = First([this](const SideGroup& group) { return Agrees(group); });
     if (single != nullptr) {
-      return ByGroup(*single, IsStrong() ? Confidence::kSure : Confidence::kLikely,
-                     {Reason::kSidesAndPrintAgree, OffPrint(*single)});
+      return ByBoth(*single, IsStrong() ? Confidence::kSure : Confidence::kLikely);
     }
     return DecideApart();
+  }
+
+  // Sides and print agree: whichever tells the angle better gives it, or both.
+  Decision ByBoth(const SideGroup& group, Confidence confidence) const {
+    Decision decision = ByGroup(group, confidence, {Reason::kSidesAndPrintAgree, OffPrint(group)});
+    const bool isExact =
+        group.count >= 3 && group.deviation <= kExactDeviation && group.straight >= kExactShare;
+    if (isExact) return decision;
+    const bool isPrintExact = print_.whole.confidence >= kExactConfidence;
+    decision.degrees = isPrintExact ? PrintDegrees() : std::midpoint(group.degrees, PrintDegrees());
+    return decision;
+  }
+
+  // Nothing else is believed, but four sides close around a page: it is seen in perspective.
+  Decision DecideQuad(const Decision& doubtful) const {
+    double low = INFINITY;
+    double high = -INFINITY;
+    for (const evidence::SideLine& line : sides_.SidesOf(sides_.quad)) {
+      low = std::min(low, line.degrees);
+      high = std::max(high, line.degrees);
+    }
+    const ReasonReport reason{Reason::kSidesNotParallel, high - low};
+    if (print_.strength < PrintStrength::kFair) {
+      return ByGroup(sides_.quad, Confidence::kLikely, reason);
+    }
+    if (PrintDegrees() < low - kAgreeing || PrintDegrees() > high + kAgreeing) return doubtful;
+    Decision decision = ByPrint(Confidence::kLikely, reason);
+    decision.group = &sides_.quad;
+    return decision;
   }
 
   // No side agrees with the print.
   Decision DecideApart() const {
     const SideGroup* paper = First([this](const SideGroup& group) {
       return group.count >= 3 && group.HasBothDirections() && !group.isRim &&
-             OffPrint(group) <= kPrintOffPaper && RivalOf(group) == nullptr;
+             OffPrint(group) <= kPrintOffPaper;
     });
-    if (paper != nullptr) {
+    if (paper != nullptr && RivalOf(*paper) == nullptr) {
       return ByGroup(*paper, Confidence::kLikely, {Reason::kPrintOffPaper, OffPrint(*paper)});
     }
     const double confidence = print_.whole.confidence;
@@ -176,11 +221,38 @@ class Judge {
                    {Reason::kSidesAgree, static_cast<double>(best.count)});
   }
 
+  // Whether the page runs off the picture on every side that is not in `group`.
+  bool OthersRunOff(const SideGroup& group, double share) const {
+    const evidence::SideSet& set = sides_.SidesOf(group);
+    return std::ranges::all_of(evidence::kAllSides, [&](Side side) {
+      return group.Has(side) || set[static_cast<size_t>(side)].onFrame >= share;
+    });
+  }
+
   Decision DecideTwoSides(const SideGroup& best) const {
-    const bool isLikely =
+    const bool isCorner =
         best.HasBothDirections() && (WeakPrintAgrees(best, kWeakAgreeing) || SidesSeen(best) == 2);
+    const bool isStrip = best.HasOpposites() && best.spread <= kParallel &&
+                         best.straight >= kExactShare && OthersRunOff(best, kOnFrame);
+    const bool isLikely = isCorner || isStrip;
     return ByGroup(best, isLikely ? Confidence::kLikely : Confidence::kDoubtful,
                    {isLikely ? Reason::kSidesAgree : Reason::kFewSides, 2.0});
+  }
+
+  // A whole, sharp side of a page that runs off the picture everywhere else.
+  bool IsLoneEdge(const SideGroup& best) const {
+    const evidence::SideSet& set = sides_.SidesOf(best);
+    const auto line =
+        std::ranges::find_if(evidence::kAllSides, [&](Side side) { return best.Has(side); });
+    const evidence::SideLine& side = set[static_cast<size_t>(*line)];
+    return !best.isRim && side.straight >= kWholeShare && side.filled >= kWholeShare &&
+           side.contrast >= kSharpContrast && OthersRunOff(best, kWhollyOnFrame);
+  }
+
+  Decision DecideOneSide(const SideGroup& best) const {
+    const bool isLikely = WeakPrintAgrees(best, kWeakSideAgreeing) || IsLoneEdge(best);
+    return ByGroup(best, isLikely ? Confidence::kLikely : Confidence::kDoubtful,
+                   {Reason::kFewSides, 1.0});
   }
 
   Decision DecideNothing() const {

@@ -56,15 +56,6 @@ bool IsTooLarge(const PictureView& picture) {
          int64_t{picture.width} * picture.height > INT32_MAX;
 }
 
-// The inside of a side's line, moved inwards, in the reduced picture.
-HalfPlane InsideOf(const SideLine& line, Side side, double inset, int32_t shift) {
-  const double scale = 1.0 / (1 << shift);
-  const double sign = side == Side::kTop || side == Side::kLeft ? 1.0 : -1.0;
-  const double limit = sign * line.offset * scale + inset * scale;
-  return evidence::RunsAcross(side) ? HalfPlane{-sign * line.slope, sign, limit}
-                                    : HalfPlane{sign, -sign * line.slope, limit};
-}
-
 bool FindPrint(const PageLevels& page, const PaperSides& sides, InkPicture* ink, PrintSkew* print) {
   std::array<HalfPlane, kSides> region{};
   size_t planes = 0;
@@ -72,8 +63,10 @@ bool FindPrint(const PageLevels& page, const PaperSides& sides, InkPicture* ink,
     const SideGroup& group = sides.groups[0];
     for (const Side side : kAllSides) {
       if (!group.Has(side)) continue;
-      region[planes++] = InsideOf(sides.SidesOf(group)[static_cast<size_t>(side)], side,
-                                  kInkInset * page.size(), page.reduced().shift);
+      HalfPlane plane = evidence::InsideOf(sides.SidesOf(group)[static_cast<size_t>(side)], side,
+                                           kInkInset * page.size());
+      plane.c /= 1 << page.reduced().shift;
+      region[planes++] = plane;
     }
   }
   return evidence::FindInk(page.reduced(), std::span(region).first(planes), ink) &&
@@ -87,8 +80,8 @@ void AddReason(ReasonReport reason, Finding* finding) {
 
 void WriteCut(const PictureView& picture, const DetectOptions& options, const Cut& cut,
               Finding* finding) {
-  const bool isCut = cut.isSure && options.crop != Crop::kNone;
-  finding->cutConfidence = cut.isSure ? finding->angleConfidence : Confidence::kDoubtful;
+  const bool isCut = cut.isBelieved && options.crop != Crop::kNone;
+  finding->cutConfidence = cut.isBelieved ? finding->angleConfidence : Confidence::kDoubtful;
   finding->cut =
       isCut ? cut.rect : WholePicture(-finding->turnDegrees, picture.width, picture.height);
   finding->cut.left -= options.marginPixels;
@@ -121,8 +114,11 @@ Status Detect(const PictureView& picture, const DetectOptions& options, Finding*
   AddReason(decision.reason, finding);
   if (decision.confidence == Confidence::kRefused) return Status::kOk;
   finding->turnDegrees = -decision.degrees;
-  const Cut cut =
-      FindCut(page, sides, ink, decision, picture.depth == 1 ? kOutwardsOfBits : kOutwards);
+  Cut cut;
+  if (!FindCut(page, sides, ink, decision, picture.depth == 1 ? kOutwardsOfBits : kOutwards,
+               &cut)) {
+    return Status::kOutOfMemory;
+  }
   if (decision.confidence == Confidence::kSure && cut.inkOutside > kMostInkOutside &&
       (decision.group == nullptr || decision.group->count < 4)) {
     finding->angleConfidence = Confidence::kLikely;
