@@ -1,21 +1,15 @@
 #include "rotate/rotate_image.h"
 
-#include <mutex>
 #include <new>
 #include <system_error>
 #include <thread>
 
-#include "frame/lock.h"
+#include "frame/pixel_format.h"
 #include "frame/scratch.h"
-#include "frame/settings.h"
 #include "rotate/rotation.h"
 
 namespace vorlanepic::rotate {
 namespace {
-
-// Each half of an output is computed under its own lock: calls that overlap take turns.
-frame::Lock FirstHalfLock;
-frame::Lock SecondHalfLock;
 
 // Output pixels below which starting a thread costs more than it saves.
 constexpr int64_t kThreadWorthPixels = 8192;
@@ -29,18 +23,11 @@ bool IsPossibleTurn(const ImageRec& source, const RowSpans& region, const Turn& 
          region.top >= 0 && region.bottom < source.height && region.top < region.bottom;
 }
 
-// Computes the output's upper rows up to the centre row, and the rest, each under its half's lock
-// and, where it pays, each on its own thread.
+// Computes the output's upper rows up to the centre row, and the rest, where it pays each on its
+// own thread.
 void RotateHalves(const Rotation& rotation, const Turn& turn) {
   const int32_t centerRow = (turn.outHeight - 1) >> 1;
-  const auto firstHalf = [&] {
-    const std::lock_guard lock(FirstHalfLock);
-    rotation.RotateRows(0, centerRow);
-  };
-  const auto secondHalf = [&] {
-    const std::lock_guard lock(SecondHalfLock);
-    rotation.RotateRows(centerRow + 1, turn.outHeight - 1);
-  };
+  const auto firstHalf = [&] { rotation.RotateRows(0, centerRow); };
 
   std::thread worker;
   if (int64_t{turn.outWidth} * turn.outHeight >= kThreadWorthPixels) {
@@ -51,7 +38,7 @@ void RotateHalves(const Rotation& rotation, const Turn& turn) {
     }
   }
   if (!worker.joinable()) firstHalf();
-  secondHalf();
+  rotation.RotateRows(centerRow + 1, turn.outHeight - 1);
   if (worker.joinable()) worker.join();
 }
 
@@ -66,9 +53,8 @@ int32_t RotateImage(const ImageRec* source, ImageRec* target, const RowSpans* sp
   if (status != STATUS_OK) return status;
   if (!IsPossibleTurn(*source, *spans, turn)) return BAD_ARGUMENT;
 
-  if (frame::settings.ImageNum == 0) return STATUS_OK;
   const int32_t depth = source->bitsPerPixel;
-  if (depth != 1 && depth != 8 && depth != 24) return STATUS_OK;
+  if (!frame::IsPageDepth(depth)) return STATUS_OK;
 
   frame::ScratchImage output;
   status = Imgbuf_New(output.rec(), turn.outWidth, turn.outHeight, depth, 0);

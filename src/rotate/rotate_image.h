@@ -34,7 +34,7 @@ struct Turn {
 // Returns STATUS_OK; BAD_ARGUMENT for a null pointer, a size below 1, a centre outside `source`,
 // another interpolation, or a region that leaves the rows of `source` or has a single row;
 // OUT_OF_MEMORY for the step tables; or the image library's code. `target` stays empty on failure,
-// and with STATUS_OK when the setting ImageNum is 0 or `source` has another depth.
+// and with STATUS_OK when `source` has another depth.
 int32_t RotateImage(const ImageRec* source, ImageRec* target, const RowSpans* spans,
                     const Turn& turn, const uint8_t* fill);
 

@@ -162,7 +162,7 @@ TEST_F(RotateImageTest, QuarterTurnsOnTopOfAnAngleMoveFinishedPixels) {
     const RowSpans region = RectangleRegion(0, 59, 0, 49);
     for (const int32_t interpolation : {INTERP_BICUBIC, INTERP_BILINEAR, INTERP_NEAREST}) {
       ASSERT_EQ(Rotate(source, region, {-0.07, 29, 24, 41, 41, interpolation}), STATUS_OK);
-      const frame::ScratchImage straight = std::move(target_);
+      const ScratchImage straight = std::move(target_);
       for (int32_t quarters = 1; quarters < 4; ++quarters) {
         const Turn turn{-0.07, 29, 24, 41, 41, interpolation, quarters};
         ASSERT_EQ(Rotate(source, region, turn), STATUS_OK);
