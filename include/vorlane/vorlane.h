@@ -67,7 +67,8 @@ enum {
   VORLANE_BAD_ARGUMENT = 1,     /* a null pointer, or a struct_size that no version had */
   VORLANE_BAD_IMAGE = 2,        /* a size below 1, an unknown format, or a stride below a row */
   VORLANE_BAD_OPTION = 3,       /* an option out of its range */
-  VORLANE_BAD_FINDING = 4,      /* of another page, not a number, or a cut that holds nothing */
+  VORLANE_BAD_FINDING = 4,      /* of another page, not a number, or a cut that holds nothing of it
+                                    or whose middle lies off the picture */
   VORLANE_TOO_LARGE = 5,        /* an edge over VORLANE_MAX_EDGE pixels, or over 2^31 - 1 bytes */
   VORLANE_TURN_TOO_LARGE = 6,   /* the turn goes beyond the option max_turn */
   VORLANE_RESULT_TOO_LARGE = 7, /* the result goes beyond the option max_growth */
@@ -275,9 +276,9 @@ VORLANE_API vorlane_status vorlane_context_new(vorlane_context** context) VORLAN
 VORLANE_API void vorlane_context_free(vorlane_context* context) VORLANE_NOEXCEPT;
 
 /*
- * Gives back the scratch memory that a context keeps: at most three bytes a pixel of the largest
- * page that it has seen, and for pages of 8 and 24 bits some tables. The next call takes what it
- * needs.
+ * Gives back the scratch memory that a context keeps: three bytes a pixel of the largest page of 32
+ * bits that it has seen, one bit a pixel of the largest VORLANE_BIT_DARK page, and for others a few
+ * tables. The next call takes what it needs.
  *
  * Returns VORLANE_OK; VORLANE_BAD_ARGUMENT for a null context; VORLANE_BUSY.
  */
@@ -369,7 +370,11 @@ VORLANE_API vorlane_status vorlane_max_result_size(const vorlane_image* page,
  *   options  null: the defaults
  *   result   the caller's memory, with its size; receives the page and its size
  *
- * Pages of 8 and 24 bits are read and written where they lie; those of 32 bits pass through 24.
+ * The middle pixel of a page that was turned shows exactly that pixel of the picture which lies
+ * nearest to the cut's middle; the page may reach up to two pixels beyond the cut on either side. A
+ * page that is only cut holds every pixel that the cut touches.
+ *
+ * Pages of 1, 8 and 24 bits are read and written where they lie; those of 32 bits pass through 24.
  *
  * Returns VORLANE_OK; VORLANE_BAD_ARGUMENT, VORLANE_BAD_IMAGE (also for a result's stride),
  * VORLANE_BAD_OPTION, VORLANE_BAD_FINDING, VORLANE_TOO_LARGE, VORLANE_TURN_TOO_LARGE,

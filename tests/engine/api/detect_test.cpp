@@ -6,6 +6,7 @@
 
 #include <gtest/gtest.h>
 
+#include "engine/api/context.h"
 #include "engine/api/picture.h"
 #include "support/page_drawing.h"
 
@@ -64,6 +65,23 @@ TEST(Detect, SaysThatNothingIsSeenAndNothingIsMadeOfIt) {
   int32_t height = -1;
   EXPECT_EQ(vorlane_result_size(&image, &finding, nullptr, &width, &height), VORLANE_NOT_CONFIDENT);
   EXPECT_EQ(width, -1);
+}
+
+TEST(Detect, AContextServesOneCallAtATime) {
+  const Picture scan = Scan(1, VORLANE_GREY8, Layout::kTight);
+  const vorlane_image image = scan.image();
+  vorlane_finding finding = Detect(scan);
+  std::vector<uint8_t> memory(600'000);
+  vorlane_result result{memory.data(), 1000, 1000, 600};
+  const Context context;
+  context.get()->isBusy = true;
+  EXPECT_EQ(vorlane_detect(context.get(), &image, nullptr, &finding), VORLANE_BUSY);
+  EXPECT_EQ(vorlane_apply(context.get(), &image, &finding, nullptr, &result), VORLANE_BUSY);
+  EXPECT_EQ(vorlane_context_trim(context.get()), VORLANE_BUSY);
+  context.get()->isBusy = false;
+  EXPECT_EQ(vorlane_apply(context.get(), &image, &finding, nullptr, &result), VORLANE_OK);
+  EXPECT_EQ(vorlane_context_trim(context.get()), VORLANE_OK);
+  EXPECT_EQ(vorlane_apply(context.get(), &image, &finding, nullptr, &result), VORLANE_OK);
 }
 
 // What a thread makes of all the scans: the findings and the bytes of the upright pages.
