@@ -55,16 +55,29 @@ def rotated_box(centre, half_width, half_height, degrees):
     return turned_corners(corners, degrees) + centre
 
 
-def area(polygon):
+def _signed_area(polygon):
     x, y = polygon[:, 0], polygon[:, 1]
-    return abs(float(np.dot(x, np.roll(y, -1)) - np.dot(y, np.roll(x, -1)))) / 2
+    return float(np.dot(x, np.roll(y, -1)) - np.dot(y, np.roll(x, -1))) / 2
+
+
+def area(polygon):
+    return abs(_signed_area(polygon))
+
+
+def clockwise(polygon):
+    """The same polygon, going round clockwise as seen."""
+    return polygon if _signed_area(polygon) >= 0 else polygon[::-1]
+
+
+def frame(width, height):
+    """The outer edge of a picture's pixels."""
+    return np.array([[-0.5, -0.5], [width - 0.5, -0.5], [width - 0.5, height - 0.5], [-0.5, height - 0.5]])
 
 
 def clip(polygon, window):
     """The part of any polygon inside a convex window (Sutherland and Hodgman). Its area is right
     even where the part falls into pieces: these are joined by edges that run there and back."""
-    if np.cross(window[1] - window[0], window[2] - window[1]) < 0:
-        window = window[::-1]
+    window = clockwise(window)
     points = polygon
     for start, end in zip(window, np.roll(window, -1, axis=0)):
         if len(points) == 0:

@@ -12,9 +12,8 @@ def _sheet_at(scene, kind, long_side, centre, degrees, white):
     picture = stock.printed(rng, sheet, white, aged=False)
     half_w, half_h = sheet.width / 2, sheet.height / 2
     corners = geometry.rotated_box(centre, half_w, half_h, degrees)
-    own = np.float32([[-0.5, -0.5], [sheet.width - 0.5, -0.5], [sheet.width - 0.5, sheet.height - 0.5],
-                      [-0.5, sheet.height - 0.5]])
-    matrix = cv2.getPerspectiveTransform(own, corners.astype(np.float32))
+    own = geometry.frame(sheet.width, sheet.height)
+    matrix = cv2.getPerspectiveTransform(own.astype(np.float32), corners.astype(np.float32))
     scene.lay_behind(corners, cv2.warpPerspective(picture, matrix, (scene.width, scene.height),
                                                   borderMode=cv2.BORDER_REPLICATE))
 
@@ -165,7 +164,7 @@ def black_strips(scene):
     rng = scene.rng
     chosen = rng.choice(4, int(rng.integers(1, 3)), replace=False)
     reach = 4.0 * max(scene.width, scene.height)
-    light = geometry.rotated_box(scene.corners.mean(axis=0), reach, reach, 0)
+    light = geometry.frame(scene.width, scene.height)
     for side in chosen:
         start, end = scene.corners[side], scene.corners[(side + 1) % 4]
         along, inward = (end - start), (scene.corners.mean(axis=0) - start)

@@ -5,6 +5,8 @@ from dataclasses import dataclass
 
 import numpy as np
 
+from . import geometry
+
 
 @dataclass
 class Damage:
@@ -14,11 +16,6 @@ class Damage:
     kind: str
     along_previous: float
     along_next: float
-
-
-def rectangle(width, height):
-    right, bottom = width - 0.5, height - 0.5
-    return np.array([[-0.5, -0.5], [right, -0.5], [right, bottom], [-0.5, bottom]])
 
 
 def fold_line(corners, damage):
@@ -58,7 +55,7 @@ def _side(start, end, wave):
 
 def of_sheet(rng, width, height, damages, waves):
     """The whole polygon; `waves` has one wave or None for each side, upper side first."""
-    corners = rectangle(width, height)
+    corners = geometry.frame(width, height)
     by_corner = {damage.corner: damage for damage in damages}
     paths = [_corner_path(rng, corners, by_corner[index]) if index in by_corner else corners[index:index + 1]
              for index in range(4)]

@@ -57,7 +57,7 @@ class Scene:
         if plan.print_off:
             _turn_layers(sheet, plan.print_off)
         self.lined = sheet.lined
-        own_corners = outline.rectangle(sheet.width, sheet.height)
+        own_corners = geometry.frame(sheet.width, sheet.height)
         turned = geometry.turned_corners(own_corners, plan.turned, plan.shear, plan.shifts)
         self.corners, (self.width, self.height) = geometry.framed(turned, plan.margins)
         self.matrix = cv2.getPerspectiveTransform(own_corners.astype(np.float32), self.corners.astype(np.float32))

@@ -25,18 +25,15 @@ def verdict(truth, answer):
 
 
 def _grown(corners, by):
-    """A convex quadrilateral with its sides moved outwards by pixels."""
-    corners = np.asarray(corners, float)
-    if np.cross(corners[1] - corners[0], corners[2] - corners[1]) < 0:
-        corners = corners[::-1]
+    """A convex polygon with its sides moved outwards by pixels, as far as its corners are right ones."""
+    corners = geometry.clockwise(np.asarray(corners, float))
     steps = np.roll(corners, -1, axis=0) - corners
     steps = steps / np.maximum(np.linalg.norm(steps, axis=1, keepdims=True), 1e-9)
     return corners + by * (np.roll(steps, 1, axis=0) - steps)
 
 
 def _frame(truth):
-    right, bottom = truth.width - 0.5, truth.height - 0.5
-    return np.array([[-0.5, -0.5], [right, -0.5], [right, bottom], [-0.5, bottom]])
+    return geometry.frame(truth.width, truth.height)
 
 
 def sheet_lost(truth, corners):
