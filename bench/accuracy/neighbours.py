@@ -155,8 +155,10 @@ def objects(scene):
 
 def paper_everywhere(scene):
     """No edge of the sheet shows: the page's white goes on to the frame."""
-    scene.behind = (scene.plan.white + fields.cloud(scene.rng, scene.width, scene.height, 7) +
-                    fields.white_noise(scene.rng, scene.width, scene.height)).astype(np.float32)
+    white = (scene.plan.white + fields.cloud(scene.rng, scene.width, scene.height, 7) +
+             fields.white_noise(scene.rng, scene.width, scene.height))
+    scene.page = white * (1 - scene.cover) + scene.page * scene.cover
+    scene.cover = np.ones_like(scene.cover)
 
 
 def black_strips(scene):
@@ -172,8 +174,6 @@ def black_strips(scene):
         inward = inward / np.linalg.norm(inward) * reach
         light = geometry.clip(light, np.array([start - along, start + along, start + along + 2 * inward,
                                                start - along + 2 * inward]))
-    dark = scene.behind
     paper_everywhere(scene)
-    share = geometry.cover([light], scene.width, scene.height)
-    scene.behind = scene.behind * share + dark * (1 - share)
+    scene.cover = geometry.cover([light], scene.width, scene.height)
     scene.edge = scene.light = light

@@ -142,5 +142,9 @@ def dusty(plan, rng):
     plan.specks = int(rng.integers(40, 400))
 
 
+def clean_paper(plan, rng):
+    plan.aged = False
+
+
 def clean_glass(plan, rng):
     plan.specks = 0
