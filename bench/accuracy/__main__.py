@@ -11,7 +11,7 @@ from concurrent.futures import ProcessPoolExecutor
 
 import cv2
 
-from . import compose, conditions, evidence, machine, ours, peers, report
+from . import compose, conditions, evidence, expected_rows, machine, ours, peers, report
 
 DEFAULT_SEED = 20
 
@@ -24,10 +24,11 @@ def parse_arguments(arguments):
     parser.add_argument("--scale", type=float, default=1.0, help="of the number of pages (default 1: some 540)")
     parser.add_argument("--only", metavar="CONDITION,...", help="of: " + " ".join(conditions.BY_NAME))
     parser.add_argument("--keep", metavar="FOLDER", help="keep pages, truth and answers there")
+    parser.add_argument("--without-peers", action="store_true", help="measure the command alone, which is faster")
     parser.add_argument("--jobs", type=int, default=os.cpu_count(), help="processes (default %(default)s)")
     parser.add_argument("--print", action="store_true", help="print the report, write nothing")
     parser.add_argument("--out", metavar="FILE", default=os.path.join(docs, "accuracy.md"),
-                        help="the report; shares by evidence go beside it, as -table.json (default docs/accuracy.md)")
+                        help="the report (default docs/accuracy.md); shares by evidence go beside it: -table.json, -rows.inc")
     options = parser.parse_args(arguments)
     options.only = options.only.split(",") if options.only else None
     if os.sep in options.vorlane:                  # it is run in the pages' folder
@@ -73,10 +74,12 @@ def measure(options, folder):
     pages = compose.page_list(options.scale, options.only)
     _say("composing %d pages, seed %d" % (len(pages), options.seed))
     truths = compose.compose_all(folder, options.seed, pages, options.jobs)
-    results = {ours.NAME: ask_ours(options.vorlane, folder, truths), **ask_peers(folder, truths, options.jobs)}
+    results = {ours.NAME: ask_ours(options.vorlane, folder, truths)}
+    if not options.without_peers:
+        results.update(ask_peers(folder, truths, options.jobs))
     facts = {"machine": machine.processor(), "commit": machine.commit(), "ours": ours.version(options.vorlane),
              "seed": options.seed, "scale": options.scale, "pages": len(truths),
-             "peers": ", ".join(peer.version() for peer in peers.ALL)}
+             "peers": ", ".join(peer.version() for peer in peers.ALL if peer.NAME in results) or "no peers"}
     return report.write(facts, truths, results), evidence.shares(truths, results[ours.NAME])
 
 
@@ -90,11 +93,12 @@ def main(arguments):
     if options.print:
         print(text)
         return
-    with open(options.out, "w") as out:
-        out.write(text)
-    with open(os.path.splitext(options.out)[0] + "-table.json", "w") as out:
-        out.write("[\n" + ",\n".join("  " + json.dumps(row) for row in shares) + "\n]\n")
-    _say("wrote " + options.out)
+    beside = os.path.splitext(options.out)[0]
+    for path, content in ((options.out, text), (beside + "-table.json", json.dumps(shares, indent=1) + "\n"),
+                          (beside + "-rows.inc", expected_rows.rows(shares))):
+        with open(path, "w") as out:
+            out.write(content)
+        _say("wrote " + path)
 
 
 if __name__ == "__main__":

@@ -29,8 +29,8 @@ ones 12 to 40. The pages depend on the seed alone, and were made for measuring o
   between the sides where these differ); **near**: within 0.5; **wrong**: further off, or any answer where there
   is no page; **left alone**: doubtful, or refused.
 - **sheet lost**: over 0.5 % of what the picture shows of the sheet lies outside the cut; **print lost**: over
-  0.5 % of the print does; **surround left**: over 5 % of the cut shows something else than the sheet. Of pages
-  that were answered.
+  0.5 % of the print does; **surround left**: over 5 % of the cut shows something else than the sheet, be it that
+  the page was turned only and **kept whole**. Of pages that were answered.
 - **OpenCV outline**: Otsu's split, the largest outline, the smallest rectangle around it. It never refuses.
 - **Leptonica sweep**: its search for the print's skew over ±45 degrees, on ink by Sauvola's binarisation, the
   best of its own ways on these pages; believed from its confidence of 3 on. It finds no cut.
@@ -72,8 +72,9 @@ def _cuts(truths, results):
         tally = score.total(score.tallies(truths, answers).values())
         if tally.cuts:
             rows.append([name, tally.cuts, share(tally.losing_sheet, tally.cuts), share(tally.losing_print, tally.cuts),
-                         share(tally.leaving_surround, tally.cuts)])
-    return table(["answered, with a cut", "pages", "sheet lost", "print lost", "surround left"], rows)
+                         share(tally.leaving_surround, tally.cuts), tally.kept_whole])
+    return table(["answered, with a cut", "pages", "sheet lost", "print lost", "surround left", "of these kept whole"],
+                 rows)
 
 
 def _by_condition(truths, results):
@@ -99,9 +100,11 @@ def _cuts_by_condition(truths, results):
         row = [_TITLES[condition]]
         for name in cutting:
             tally = tallies[name][condition]
-            row.append("%d: %d / %d / %d" % (tally.cuts, tally.losing_sheet, tally.losing_print, tally.leaving_surround))
+            row += [tally.cuts, tally.losing_sheet, tally.losing_print,
+                    "%d (%d)" % (tally.leaving_surround, tally.kept_whole)]
         rows.append(row)
-    head = ["condition"] + ["%s, cuts: sheet lost / print lost / surround left" % name for name in cutting]
+    head = ["condition"] + [words for name in cutting for words in
+                            (name + ": cuts", "sheet lost", "print lost", "surround left (kept whole)")]
     return table(head, rows)
 
 

@@ -52,6 +52,12 @@ def surround_left(truth, corners):
     return 1 - geometry.area(sheet) / cut_area if cut_area > 0 else 0.0
 
 
+def keeps_whole(truth, corners):
+    """Whether nothing of the picture is cut off: the page is turned only."""
+    frame = _frame(truth)
+    return geometry.area(geometry.clip(frame, _grown(corners, 1.0))) > 0.999 * geometry.area(frame)
+
+
 def print_lost(truth, corners):
     """Share of the print's points outside the cut."""
     if len(truth.ink) < _FEWEST_INK_POINTS:
@@ -74,6 +80,7 @@ class Tally:
     losing_sheet: int = 0
     losing_print: int = 0
     leaving_surround: int = 0
+    kept_whole: int = 0                                      # of those that leave surround
 
     def add(self, truth, answer):
         found = verdict(truth, answer)
@@ -88,7 +95,9 @@ class Tally:
         self.losing_print += print_lost(truth, corners) > LOST_FROM
         if truth.edge:
             self.losing_sheet += sheet_lost(truth, corners) > LOST_FROM
-            self.leaving_surround += surround_left(truth, corners) > SURROUND_FROM
+            left = surround_left(truth, corners) > SURROUND_FROM
+            self.leaving_surround += left
+            self.kept_whole += left and keeps_whole(truth, corners)
 
 
 def tallies(truths, answers):
@@ -105,6 +114,6 @@ def total(some):
         summed.pages += tally.pages
         summed.verdicts.update(tally.verdicts)
         summed.by_confidence.update(tally.by_confidence)
-        for name in ("cuts", "losing_sheet", "losing_print", "leaving_surround"):
+        for name in ("cuts", "losing_sheet", "losing_print", "leaving_surround", "kept_whole"):
             setattr(summed, name, getattr(summed, name) + getattr(tally, name))
     return summed
