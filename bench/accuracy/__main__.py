@@ -1,6 +1,7 @@
 """Composes pages, runs the command and its peers on them, and writes what they found.
 
-    scripts/accuracy [--seed N] [--scale X] [--only CONDITION,...] [--keep FOLDER] [--out FILE | --print]
+    scripts/accuracy [--seed N] [--scale X] [--only CONDITION,...] [--without-peers]
+                     [--keep FOLDER] [--out FILE]
 """
 import argparse
 import json
@@ -17,21 +18,40 @@ DEFAULT_SEED = 20
 
 
 def parse_arguments(arguments):
-    docs = os.path.join(machine.ROOT, "docs")
     parser = argparse.ArgumentParser(prog="scripts/accuracy", description=__doc__.splitlines()[0])
-    parser.add_argument("--vorlane", metavar="PROGRAM", required=True, help="the command to measure (default: built from here)")
-    parser.add_argument("--seed", type=int, default=DEFAULT_SEED, help="of the pages (default %(default)s)")
-    parser.add_argument("--scale", type=float, default=1.0, help="of the number of pages (default 1: some 540)")
-    parser.add_argument("--only", metavar="CONDITION,...", help="of: " + " ".join(conditions.BY_NAME))
+    parser.add_argument(
+        "--vorlane",
+        metavar="PROGRAM",
+        required=True,
+        help="the command to measure (default: built from here)",
+    )
+    parser.add_argument(
+        "--seed", type=int, default=DEFAULT_SEED, help="of the pages (default %(default)s)"
+    )
+    parser.add_argument(
+        "--scale", type=float, default=1.0, help="of the number of pages (default 1: some 530)"
+    )
+    parser.add_argument(
+        "--only", metavar="CONDITION,...", help="of: " + " ".join(conditions.BY_NAME)
+    )
     parser.add_argument("--keep", metavar="FOLDER", help="keep pages, truth and answers there")
-    parser.add_argument("--without-peers", action="store_true", help="measure the command alone, which is faster")
-    parser.add_argument("--jobs", type=int, default=os.cpu_count(), help="processes (default %(default)s)")
-    parser.add_argument("--print", action="store_true", help="print the report, write nothing")
-    parser.add_argument("--out", metavar="FILE", default=os.path.join(docs, "accuracy.md"),
-                        help="the report (default docs/accuracy.md); shares by evidence go beside it: -table.json, -rows.inc")
+    parser.add_argument(
+        "--without-peers", action="store_true", help="measure the command alone, which is faster"
+    )
+    parser.add_argument(
+        "--jobs", type=int, default=os.cpu_count(), help="processes (default %(default)s)"
+    )
+    parser.add_argument(
+        "--out",
+        metavar="FILE",
+        help="write the report there, shares by evidence beside it as -table.json and -rows.inc"
+        " (default: docs/accuracy.md; with --only or --without-peers it is printed instead)",
+    )
     options = parser.parse_args(arguments)
     options.only = options.only.split(",") if options.only else None
-    if os.sep in options.vorlane:                  # it is run in the pages' folder
+    if options.out is None and not options.only and not options.without_peers:
+        options.out = os.path.join(machine.ROOT, "docs", "accuracy.md")
+    if os.sep in options.vorlane:  # it is run in the pages' folder
         options.vorlane = os.path.abspath(options.vorlane)
     for name in options.only or ():
         if name not in conditions.BY_NAME:
@@ -54,8 +74,12 @@ def ask_peers(folder, truths, jobs):
     with ProcessPoolExecutor(jobs) as pool:
         for index, peer in enumerate(peers.ALL):
             _say("%s on %d pages" % (peer.NAME, len(truths)))
-            answers = pool.map(_ask_peer, [index] * len(truths), [os.path.join(folder, truth.file) for truth in truths],
-                               chunksize=4)
+            answers = pool.map(
+                _ask_peer,
+                [index] * len(truths),
+                [os.path.join(folder, truth.file) for truth in truths],
+                chunksize=4,
+            )
             found[peer.NAME] = dict(zip((truth.file for truth in truths), answers))
     return found
 
@@ -66,7 +90,10 @@ def ask_ours(program, folder, truths):
     answers = ours.detect_all(program, folder, names)
     silent = [name for name in names if name not in answers]
     if silent:
-        sys.exit("accuracy: %s said nothing of %d pages, the first is %s" % (program, len(silent), silent[0]))
+        sys.exit(
+            "accuracy: %s said nothing of %d pages, the first is %s"
+            % (program, len(silent), silent[0])
+        )
     return answers
 
 
@@ -77,9 +104,16 @@ def measure(options, folder):
     results = {ours.NAME: ask_ours(options.vorlane, folder, truths)}
     if not options.without_peers:
         results.update(ask_peers(folder, truths, options.jobs))
-    facts = {"machine": machine.processor(), "commit": machine.commit(), "ours": ours.version(options.vorlane),
-             "seed": options.seed, "scale": options.scale, "pages": len(truths),
-             "peers": ", ".join(peer.version() for peer in peers.ALL if peer.NAME in results) or "no peers"}
+    facts = {
+        "machine": machine.processor(),
+        "commit": machine.commit(),
+        "ours": ours.version(options.vorlane),
+        "seed": options.seed,
+        "scale": options.scale,
+        "pages": len(truths),
+        "peers": ", ".join(peer.version() for peer in peers.ALL if peer.NAME in results)
+        or "no peers",
+    }
     return report.write(facts, truths, results), evidence.shares(truths, results[ours.NAME])
 
 
@@ -90,12 +124,15 @@ def main(arguments):
     else:
         with tempfile.TemporaryDirectory(prefix="accuracy-") as folder:
             text, shares = measure(options, folder)
-    if options.print:
+    if options.out is None:
         print(text)
         return
     beside = os.path.splitext(options.out)[0]
-    for path, content in ((options.out, text), (beside + "-table.json", json.dumps(shares, indent=1) + "\n"),
-                          (beside + "-rows.inc", expected_rows.rows(shares))):
+    for path, content in (
+        (options.out, text),
+        (beside + "-table.json", json.dumps(shares, indent=1) + "\n"),
+        (beside + "-rows.inc", expected_rows.rows(shares)),
+    ):
         with open(path, "w") as out:
             out.write(content)
         _say("wrote " + path)

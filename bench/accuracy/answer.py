@@ -6,8 +6,9 @@ BELIEVED = ("sure", "likely")
 
 @dataclass
 class Answer:
-    """`turned`: degrees clockwise as seen that it takes the page to lie turned by, None where it gives
-    no answer. `corners`: of its cut, in the picture. `by`: the evidence it names."""
+    """`turned`: degrees clockwise as seen that it takes the page to lie turned by, None where it
+    gives no answer. `corners`: of its cut, in the picture. `by`: the evidence it names."""
+
     turned: float = None
     confidence: str = "refused"
     corners: list = None

@@ -52,14 +52,19 @@ def _truth_of(scene, condition, name):
     sides_seen, print_seen = "sides" in condition.seen, "print" in condition.seen
     ink = scene.ink if print_seen else np.zeros((0, 2))
     return truth.Truth(
-        file=name, condition=condition.name, sheet=plan.sheet if condition.seen else "none", width=scene.width, height=scene.height,
+        file=name,
+        condition=condition.name,
+        sheet=plan.sheet if condition.seen else "none",
+        width=scene.width,
+        height=scene.height,
         onebit=plan.bit_threshold is not None,
         paper=[round(float(sides.min()), 4), round(float(sides.max()), 4)] if sides_seen else None,
         print=round(plan.turned + plan.print_off, 4) if print_seen and scene.lined else None,
         corners=np.round(scene.corners, 2).tolist(),
         edge=np.round(scene.edge, 2).tolist() if sides_seen else [],
         light=np.round(scene.light, 2).tolist() if sides_seen else [],
-        ink=np.round(ink, 1).tolist())
+        ink=np.round(ink, 1).tolist(),
+    )
 
 
 def compose(folder, seed, number, condition_name):
@@ -71,7 +76,9 @@ def compose(folder, seed, number, condition_name):
     for change in condition.plan:
         change(plan, rng)
     scene = Scene(plan, rng, condition.on_sheet)
-    path = os.path.join(folder, "%03d-%s-%s" % (number, condition.name, plan.sheet.replace(" ", "-")))
+    path = os.path.join(
+        folder, "%03d-%s-%s" % (number, condition.name, plan.sheet.replace(" ", "-"))
+    )
     name = os.path.basename(scanner.scan(_picture(scene, condition), scene, path))
     return _truth_of(scene, condition, name)
 

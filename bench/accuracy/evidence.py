@@ -26,8 +26,18 @@ def shares(truths, answers):
         key = (answer.confidence, kind(answer.by))
         given[key] += 1
         right[key] += verdict(truth, answer) == "right"
-        parts[key] = {"sides": len(_SIDES & set(answer.by)),
-                      **{name: name in answer.by for name in ("print", "bar", "vote")}}
+        parts[key] = {
+            "sides": len(_SIDES & set(answer.by)),
+            **{name: name in answer.by for name in ("print", "bar", "vote")},
+        }
     order = sorted(given, key=lambda key: (key[0] != "sure", -given[key], key[1]))
-    return [{"confidence": key[0], "by": key[1], **parts[key], "answers": given[key], "right": right[key]}
-            for key in order]
+    return [
+        {
+            "confidence": key[0],
+            "by": key[1],
+            **parts[key],
+            "answers": given[key],
+            "right": right[key],
+        }
+        for key in order
+    ]

@@ -23,8 +23,10 @@ def grain(rng, width, height, size_x, size_y=None):
 def slope(width, height, degrees):
     """0 at one end of the picture and 1 at the other, along a direction."""
     direction = np.radians(degrees)
-    along = (np.cos(direction) * np.linspace(0, 1, width, dtype=np.float32)[None, :] +
-             np.sin(direction) * np.linspace(0, 1, height, dtype=np.float32)[:, None])
+    along = (
+        np.cos(direction) * np.linspace(0, 1, width, dtype=np.float32)[None, :]
+        + np.sin(direction) * np.linspace(0, 1, height, dtype=np.float32)[:, None]
+    )
     along -= along.min()
     return along / along.max()
 

@@ -4,13 +4,15 @@ Degrees are those by which a sheet lies turned clockwise as seen; y grows downwa
 import cv2
 import numpy as np
 
-_FINER = 4    # sub-pixels along each side of a pixel that a polygon's cover is counted in
+_FINER = 4  # sub-pixels along each side of a pixel that a polygon's cover is counted in
 
 
 def turned_corners(corners, degrees, shear_degrees=0.0, shifts=None):
     """Corners about their centre, sheared, shifted by shares of their distance, then turned."""
     points = corners - corners.mean(axis=0)
-    points = points + np.stack([np.tan(np.radians(shear_degrees)) * points[:, 1], np.zeros(4)], axis=1)
+    points = points + np.stack(
+        [np.tan(np.radians(shear_degrees)) * points[:, 1], np.zeros(4)], axis=1
+    )
     if shifts is not None:
         points = points * (1 + shifts)
     angle = np.radians(degrees)
@@ -20,7 +22,8 @@ def turned_corners(corners, degrees, shear_degrees=0.0, shifts=None):
 
 def framed(points, margins):
     """Moves points into a frame that leaves `margins` (left, top, right, bottom; shares of the
-    points' extent, below 0 where they run off). Returns the points and the frame's (width, height)."""
+    points' extent, below 0 where they run off). Returns the points and the frame's (width, height).
+    """
     low, extent = points.min(axis=0), np.ptp(points, axis=0)
     left, top, right, bottom = margins
     width = int(round(extent[0] * (1 + left + right)))
@@ -50,8 +53,14 @@ def cover(polygons, width, height):
 
 
 def rotated_box(centre, half_width, half_height, degrees):
-    corners = np.array([[-half_width, -half_height], [half_width, -half_height], [half_width, half_height],
-                        [-half_width, half_height]])
+    corners = np.array(
+        [
+            [-half_width, -half_height],
+            [half_width, -half_height],
+            [half_width, half_height],
+            [-half_width, half_height],
+        ]
+    )
     return turned_corners(corners, degrees) + centre
 
 
@@ -71,7 +80,9 @@ def clockwise(polygon):
 
 def frame(width, height):
     """The outer edge of a picture's pixels."""
-    return np.array([[-0.5, -0.5], [width - 0.5, -0.5], [width - 0.5, height - 0.5], [-0.5, height - 0.5]])
+    return np.array(
+        [[-0.5, -0.5], [width - 0.5, -0.5], [width - 0.5, height - 0.5], [-0.5, height - 0.5]]
+    )
 
 
 def clip(polygon, window):

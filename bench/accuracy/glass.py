@@ -13,7 +13,17 @@ def _speck(picture, scene, largest):
         return
     radius = float(rng.uniform(0.6, largest))
     axes = (max(1, int(radius)), max(1, int(radius * rng.uniform(0.4, 1))))
-    cv2.ellipse(picture, (x, y), axes, float(rng.uniform(0, 180)), 0, 360, float(rng.uniform(80, 235)), -1, cv2.LINE_AA)
+    cv2.ellipse(
+        picture,
+        (x, y),
+        axes,
+        float(rng.uniform(0, 180)),
+        0,
+        360,
+        float(rng.uniform(80, 235)),
+        -1,
+        cv2.LINE_AA,
+    )
 
 
 def specks(picture, scene):
@@ -34,8 +44,8 @@ def hairs(picture, scene):
 
 
 def _streak(picture, x, width, level, strength):
-    band = picture[:, x:x + width]
-    picture[:, x:x + width] = band * (1 - strength) + level * strength
+    band = picture[:, x : x + width]
+    picture[:, x : x + width] = band * (1 - strength) + level * strength
 
 
 def streaks(picture, scene):
@@ -43,7 +53,13 @@ def streaks(picture, scene):
     rng = scene.rng
     for _ in range(int(rng.integers(1, 5))):
         level = float(rng.uniform(150, 255) if rng.random() < 0.6 else rng.uniform(0, 140))
-        _streak(picture, int(rng.uniform(0, scene.width - 4)), int(rng.integers(1, 4)), level, float(rng.uniform(0.4, 1)))
+        _streak(
+            picture,
+            int(rng.uniform(0, scene.width - 4)),
+            int(rng.integers(1, 4)),
+            level,
+            float(rng.uniform(0.4, 1)),
+        )
     return picture
 
 
@@ -61,7 +77,8 @@ def glow(picture, scene):
     rng = scene.rng
     reach = float(rng.uniform(0.02, 0.12)) * max(scene.width, scene.height)
     light = float(rng.uniform(50, 150)) * np.exp(
-        -fields.side_distance(scene.width, scene.height, int(rng.integers(0, 4))) / reach)
+        -fields.side_distance(scene.width, scene.height, int(rng.integers(0, 4))) / reach
+    )
     light *= 1 + 0.2 * fields.cloud(rng, scene.width, scene.height, 5)
     return picture + light * (1 - scene.cover)
 
@@ -81,9 +98,13 @@ def shadow_across(picture, scene):
     """The light falls off over the page, and something throws a soft shadow on it."""
     rng = scene.rng
     least = float(rng.uniform(0.35, 0.65))
-    picture = picture * (least + (1 - least) * fields.slope(scene.width, scene.height, float(rng.uniform(0, 360))))
+    picture = picture * (
+        least + (1 - least) * fields.slope(scene.width, scene.height, float(rng.uniform(0, 360)))
+    )
     if rng.random() < 0.6:
         along = fields.slope(scene.width, scene.height, float(rng.uniform(0, 180)))
         centre, half_width = float(rng.uniform(0.15, 0.85)), float(rng.uniform(0.04, 0.15))
-        picture = picture * (1 - float(rng.uniform(0.25, 0.5)) * np.exp(-((along - centre) / half_width) ** 2))
+        picture = picture * (
+            1 - float(rng.uniform(0.25, 0.5)) * np.exp(-(((along - centre) / half_width) ** 2))
+        )
     return picture

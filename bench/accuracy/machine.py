@@ -16,5 +16,10 @@ def processor():
 
 def commit():
     """Short name of the commit that was measured; marked where the sources were changed since."""
-    done = subprocess.run(["git", "describe", "--always", "--dirty", "--exclude=*"], cwd=ROOT, capture_output=True, text=True)
+    done = subprocess.run(
+        ["git", "describe", "--always", "--dirty", "--exclude=*"],
+        cwd=ROOT,
+        capture_output=True,
+        text=True,
+    )
     return done.stdout.strip() or "unknown"

@@ -14,23 +14,34 @@ def _sheet_at(scene, kind, long_side, centre, degrees, white):
     corners = geometry.rotated_box(centre, half_w, half_h, degrees)
     own = geometry.frame(sheet.width, sheet.height)
     matrix = cv2.getPerspectiveTransform(own.astype(np.float32), corners.astype(np.float32))
-    scene.lay_behind(corners, cv2.warpPerspective(picture, matrix, (scene.width, scene.height),
-                                                  borderMode=cv2.BORDER_REPLICATE))
+    scene.lay_behind(
+        corners,
+        cv2.warpPerspective(
+            picture, matrix, (scene.width, scene.height), borderMode=cv2.BORDER_REPLICATE
+        ),
+    )
 
 
 def shade_edge(scene, strength=0.35, spread=6.0):
     """The page's own shadow on what lies below it, down and to the right."""
     soft = cv2.GaussianBlur(scene.cover, (0, 0), spread)
-    soft = cv2.warpAffine(soft, np.float32([[1, 0, spread / 2], [0, 1, spread / 2]]), (scene.width, scene.height))
+    soft = cv2.warpAffine(
+        soft, np.float32([[1, 0, spread / 2], [0, 1, spread / 2]]), (scene.width, scene.height)
+    )
     scene.behind *= 1 - strength * soft
 
 
 def light_lid(scene):
     """A white or grey lid, the page's shadow on it."""
-    level = float(scene.rng.uniform(110, 160) if scene.rng.random() < 0.3 else scene.rng.uniform(175, 218))
+    level = float(
+        scene.rng.uniform(110, 160) if scene.rng.random() < 0.3 else scene.rng.uniform(175, 218)
+    )
     level = min(level, scene.plan.white - 22)
-    scene.behind = (level + 4 * fields.cloud(scene.rng, scene.width, scene.height, 4) +
-                    fields.white_noise(scene.rng, scene.width, scene.height))
+    scene.behind = (
+        level
+        + 4 * fields.cloud(scene.rng, scene.width, scene.height, 4)
+        + fields.white_noise(scene.rng, scene.width, scene.height)
+    )
     shade_edge(scene)
 
 
@@ -49,7 +60,11 @@ def mount(scene):
     low, high = scene.corners.min(axis=0), scene.corners.max(axis=0)
     half = (high - low) / 2 * float(rng.uniform(1.02, 1.12))
     level = float(rng.uniform(90, min(185, scene.plan.white - 20)))
-    board = level + 3 * fields.cloud(rng, scene.width, scene.height, 6) + 2 * fields.grain(rng, scene.width, scene.height, 3)
+    board = (
+        level
+        + 3 * fields.cloud(rng, scene.width, scene.height, 6)
+        + 2 * fields.grain(rng, scene.width, scene.height, 3)
+    )
     scene.lay_behind(geometry.rotated_box((low + high) / 2, half[0], half[1], degrees), board)
     shade_edge(scene, 0.25, 4.0)
 
@@ -59,9 +74,11 @@ def rim_of_the_glass(scene):
     rng = scene.rng
     dark = scene.behind
     light_lid(scene)
-    left, top, right, bottom = (int(v) for v in rng.uniform(0.004, 0.02, 4) * max(scene.width, scene.height))
+    left, top, right, bottom = (
+        int(v) for v in rng.uniform(0.004, 0.02, 4) * max(scene.width, scene.height)
+    )
     inside = np.zeros((scene.height, scene.width), bool)
-    inside[top:scene.height - bottom, left:scene.width - right] = True
+    inside[top : scene.height - bottom, left : scene.width - right] = True
     scene.behind = np.where(inside, scene.behind, dark)
 
 
@@ -70,14 +87,18 @@ def second_page(scene):
     rng, plan = scene.rng, scene.plan
     to_left = plan.margins[0] > plan.margins[2]
     facing = rng.random() < 0.5
-    degrees = plan.turned if facing else plan.turned + float(rng.choice([-1, 1]) * rng.uniform(0.8, 5))
+    degrees = (
+        plan.turned if facing else plan.turned + float(rng.choice([-1, 1]) * rng.uniform(0.8, 5))
+    )
     height = float(np.linalg.norm(scene.corners[3] - scene.corners[0]))
     inner = scene.corners[[0, 3] if to_left else [1, 2]].mean(axis=0)
     gap = float(rng.uniform(4, 14) if facing else rng.uniform(8, 60))
     kind = str(rng.choice(["one column", "two columns", "letter", "table"]))
     long_side = int(height * (1 if facing else rng.uniform(0.8, 1.2)))
     half_width = long_side / 2.8
-    direction = np.array([np.cos(np.radians(degrees)), np.sin(np.radians(degrees))]) * (-1 if to_left else 1)
+    direction = np.array([np.cos(np.radians(degrees)), np.sin(np.radians(degrees))]) * (
+        -1 if to_left else 1
+    )
     _sheet_at(scene, kind, long_side, inner + direction * (gap + half_width), degrees, plan.white)
 
 
@@ -113,7 +134,14 @@ def _ruler(scene, centre, degrees, reach):
     for tick in range(61):
         start = box[0] + direction * tick
         end = start + inward * (1.6 if tick % 10 == 0 else 1)
-        cv2.line(scene.behind, tuple(int(v) for v in start), tuple(int(v) for v in end), 40.0, 1, cv2.LINE_AA)
+        cv2.line(
+            scene.behind,
+            tuple(int(v) for v in start),
+            tuple(int(v) for v in end),
+            40.0,
+            1,
+            cv2.LINE_AA,
+        )
 
 
 def _colour_chart(scene, centre, degrees, reach):
@@ -135,8 +163,10 @@ def _coin(scene, centre, degrees, reach):
 
 
 def _slip_of_paper(scene, centre, degrees, reach):
-    scene.lay_behind(geometry.rotated_box(centre, reach * 0.7, reach * 0.3, degrees),
-                     float(scene.rng.uniform(130, 235)))
+    scene.lay_behind(
+        geometry.rotated_box(centre, reach * 0.7, reach * 0.3, degrees),
+        float(scene.rng.uniform(130, 235)),
+    )
 
 
 def objects(scene):
@@ -149,14 +179,21 @@ def objects(scene):
         share = [(near, along), (along, near), (far, along), (along, far)][side]
         lies_along = 90 if side in (0, 2) else 0
         draw = (_ruler, _colour_chart, _coin, _slip_of_paper)[int(rng.integers(0, 4))]
-        draw(scene, np.array(share) * [scene.width, scene.height], lies_along + float(rng.uniform(-15, 15)),
-             float(rng.uniform(0.04, 0.16)) * max(scene.width, scene.height))
+        draw(
+            scene,
+            np.array(share) * [scene.width, scene.height],
+            lies_along + float(rng.uniform(-15, 15)),
+            float(rng.uniform(0.04, 0.16)) * max(scene.width, scene.height),
+        )
 
 
 def paper_everywhere(scene):
     """No edge of the sheet shows: the page's white goes on to the frame."""
-    white = (scene.plan.white + fields.cloud(scene.rng, scene.width, scene.height, 7) +
-             fields.white_noise(scene.rng, scene.width, scene.height))
+    white = (
+        scene.plan.white
+        + fields.cloud(scene.rng, scene.width, scene.height, 7)
+        + fields.white_noise(scene.rng, scene.width, scene.height)
+    )
     scene.page = white * (1 - scene.cover) + scene.page * scene.cover
     scene.cover = np.ones_like(scene.cover)
 
@@ -172,8 +209,17 @@ def black_strips(scene):
         along, inward = (end - start), (scene.corners.mean(axis=0) - start)
         along = along / np.linalg.norm(along) * reach
         inward = inward / np.linalg.norm(inward) * reach
-        light = geometry.clip(light, np.array([start - along, start + along, start + along + 2 * inward,
-                                               start - along + 2 * inward]))
+        light = geometry.clip(
+            light,
+            np.array(
+                [
+                    start - along,
+                    start + along,
+                    start + along + 2 * inward,
+                    start - along + 2 * inward,
+                ]
+            ),
+        )
     paper_everywhere(scene)
     scene.cover = geometry.cover([light], scene.width, scene.height)
     scene.edge = scene.light = light

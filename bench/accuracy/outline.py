@@ -10,8 +10,9 @@ from . import geometry
 
 @dataclass
 class Damage:
-    """What happened to a corner (0 upper left, clockwise): `torn`, `folded`, `cut` or `rounded`, and
-    how far it reaches along the two sides, in pixels."""
+    """What happened to a corner (0 upper left, clockwise): `torn`, `folded`, `cut` or `rounded`,
+    and how far it reaches along the two sides, in pixels."""
+
     corner: int
     kind: str
     along_previous: float
@@ -33,16 +34,20 @@ def _corner_path(rng, corners, damage):
         return np.array([start, end])
     corner = corners[damage.corner]
     share = np.linspace(0, np.pi / 2, 15)[:, None]
-    if damage.kind == "rounded":                       # an ellipse's quarter, bulging to the corner
-        return corner + (start - corner) * (1 - np.sin(share)) + (end - corner) * (1 - np.cos(share))
+    if damage.kind == "rounded":  # an ellipse's quarter, bulging to the corner
+        return (
+            corner + (start - corner) * (1 - np.sin(share)) + (end - corner) * (1 - np.cos(share))
+        )
     ragged = 1 + 0.12 * np.cumsum(rng.normal(0, 1, (15, 1)), axis=0)
     ragged = np.clip(ragged, 0.5, 1.3)
     ragged[0] = ragged[-1] = 1
-    return corner + (start - corner) * np.cos(share) * ragged + (end - corner) * np.sin(share) * ragged
+    return (
+        corner + (start - corner) * np.cos(share) * ragged + (end - corner) * np.sin(share) * ragged
+    )
 
 
 def _side(start, end, wave):
-    """Points from start to end, both left out; `wave` (height, periods, phase) bends it sideways."""
+    """Points from start to end, both left out; `wave` (height, periods, phase) bends them."""
     share = np.linspace(0, 1, 82)[1:-1, None]
     points = start + (end - start) * share
     if wave is None:
@@ -57,8 +62,12 @@ def of_sheet(rng, width, height, damages, waves):
     """The whole polygon; `waves` has one wave or None for each side, upper side first."""
     corners = geometry.frame(width, height)
     by_corner = {damage.corner: damage for damage in damages}
-    paths = [_corner_path(rng, corners, by_corner[index]) if index in by_corner else corners[index:index + 1]
-             for index in range(4)]
+    paths = [
+        _corner_path(rng, corners, by_corner[index])
+        if index in by_corner
+        else corners[index : index + 1]
+        for index in range(4)
+    ]
     pieces = []
     for index in range(4):
         pieces.append(paths[index])

@@ -5,16 +5,20 @@ from . import sheets, surrounds
 from .outline import Damage
 from .scene import Plan
 
-LENGTHS = (1000, 1300, 1600, 2000, 2400)      # of the longer side, pixels: A4 at some 85 to 205 dpi
+LENGTHS = (1000, 1300, 1600, 2000, 2400)  # of the longer side, pixels: A4 at some 85 to 205 dpi
 LENGTH_SHARES = (0.24, 0.28, 0.28, 0.13, 0.07)
-NORMAL_TURN = 2.0                             # deviation, degrees
+NORMAL_TURN = 2.0  # deviation, degrees
 LARGEST_TURN = 10.0
 
 _USUAL = {**sheets.TEXT, **sheets.FORMS, **sheets.SMALL, **sheets.PICTURES, **sheets.SPARSE}
 
 
 def usual_plan(rng):
-    turned = rng.uniform(-LARGEST_TURN, LARGEST_TURN) if rng.random() < 0.5 else rng.normal(0, NORMAL_TURN)
+    turned = (
+        rng.uniform(-LARGEST_TURN, LARGEST_TURN)
+        if rng.random() < 0.5
+        else rng.normal(0, NORMAL_TURN)
+    )
     plan = Plan(
         sheet=str(rng.choice(list(_USUAL))),
         long_side=int(rng.choice(LENGTHS, p=LENGTH_SHARES)),
@@ -26,7 +30,8 @@ def usual_plan(rng):
         aged=bool(rng.random() < 0.2),
         colour=bool(rng.random() < 0.35),
         print_off=float(np.clip(rng.normal(0, 0.06), -0.15, 0.15)),
-        specks=int(rng.integers(0, 12)))
+        specks=int(rng.integers(0, 12)),
+    )
     if rng.random() < 0.4:
         plan.waves = slight_waves(rng)
     if rng.random() < 0.5:
@@ -35,18 +40,23 @@ def usual_plan(rng):
 
 
 def slight_waves(rng):
-    return [(float(rng.uniform(0.2, 1.0)), float(rng.uniform(0.5, 3)), float(rng.uniform(0, 6))) for _ in range(4)]
+    return [
+        (float(rng.uniform(0.2, 1.0)), float(rng.uniform(0.5, 3)), float(rng.uniform(0, 6)))
+        for _ in range(4)
+    ]
 
 
 def of_kind(kinds):
     def change(plan, rng):
         plan.sheet = str(rng.choice(list(kinds)))
+
     return change
 
 
 def with_surround(names):
     def change(plan, rng):
         plan.surround = str(rng.choice(list(names)))
+
     return change
 
 
@@ -64,15 +74,18 @@ def normally_turned(plan, rng):
 
 def running_off(least, most):
     """Beyond `least` to `most` sides of the frame, by up to 12 % of the sheet."""
+
     def change(plan, rng):
         for side in rng.choice(4, int(rng.integers(least, most + 1)), replace=False):
             plan.margins[side] = -float(rng.uniform(0.01, 0.12))
+
     return change
 
 
 def wide_margins(low, high):
     def change(plan, rng):
         plan.margins = rng.uniform(low, high, 4).tolist()
+
     return change
 
 
@@ -84,8 +97,15 @@ def _damaged(kinds, least, most, low, high):
     def change(plan, rng):
         for corner in rng.choice(4, int(rng.integers(least, most + 1)), replace=False):
             reach = rng.uniform(low, high) * plan.long_side
-            plan.damages.append(Damage(int(corner), str(rng.choice(kinds)), reach * rng.uniform(0.7, 1.3),
-                                       reach * rng.uniform(0.7, 1.3)))
+            plan.damages.append(
+                Damage(
+                    int(corner),
+                    str(rng.choice(kinds)),
+                    reach * rng.uniform(0.7, 1.3),
+                    reach * rng.uniform(0.7, 1.3),
+                )
+            )
+
     return change
 
 
@@ -119,8 +139,10 @@ def print_off_paper(plan, rng):
 
 
 def curved(plan, rng):
-    plan.waves = [(float(rng.uniform(2, 12)), float(rng.uniform(0.4, 1.2)), float(rng.uniform(0, 6)))
-                  for _ in range(4)]
+    plan.waves = [
+        (float(rng.uniform(2, 12)), float(rng.uniform(0.4, 1.2)), float(rng.uniform(0, 6)))
+        for _ in range(4)
+    ]
 
 
 def coarse(plan, rng):
@@ -131,6 +153,7 @@ def one_bit(share=1.0):
     def change(plan, rng):
         if rng.random() < share:
             plan.bit_threshold = float(rng.uniform(0.6, 1.35))
+
     return change
 
 

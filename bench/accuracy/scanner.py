@@ -7,7 +7,7 @@ from . import fields
 
 
 def _tinted(picture, scene):
-    """Three planes: the paper a little yellow, more so when old; the surround of a tint of its own."""
+    """Three planes: paper a little yellow, more so when old; the surround of a tint of its own."""
     rng = scene.rng
     yellow = rng.uniform(0.68, 0.88) if scene.plan.aged else rng.uniform(0.88, 1)
     paper = np.float32([yellow, rng.uniform(0.94, 1), 1])
@@ -38,7 +38,9 @@ def scan(picture, scene, path):
     plan = scene.plan
     if plan.bit_threshold is not None:
         name = path + ".tif"
-        image = Image.fromarray((_bits(levels, plan.bit_threshold) * 255).astype(np.uint8)).convert("1", dither=0)
+        image = Image.fromarray((_bits(levels, plan.bit_threshold) * 255).astype(np.uint8)).convert(
+            "1", dither=0
+        )
         image.save(name, compression="group4")
     elif plan.quality is not None:
         name = path + ".jpg"

@@ -1,4 +1,4 @@
-"""One page in the making: what was planned for it, the sheet where it lies, and what lies round it."""
+"""One page in the making: what was planned, the sheet where it lies, and what lies round it."""
 from dataclasses import dataclass, field
 
 import cv2
@@ -12,23 +12,26 @@ INK_POINTS = 400
 @dataclass
 class Plan:
     """What is chosen before anything is drawn; conditions change it."""
+
     sheet: str
-    long_side: int                 # of the sheet, pixels
-    turned: float                  # degrees clockwise as seen
-    margins: list                  # round the turned sheet: left, top, right, bottom, shares of its extent
+    long_side: int  # of the sheet, pixels
+    turned: float  # degrees clockwise as seen
+    margins: list  # round the turned sheet: left, top, right, bottom, shares of its extent
     surround: str
-    white: float                   # level of the paper
-    noise: float                   # deviation of the sensor's noise, levels
+    white: float  # level of the paper
+    noise: float  # deviation of the sensor's noise, levels
     aged: bool = False
     colour: bool = False
-    print_off: float = 0.0         # degrees that the print lies turned on the paper
+    print_off: float = 0.0  # degrees that the print lies turned on the paper
     shear: float = 0.0
-    shifts: np.ndarray = None      # of the corners by perspective, shares
+    shifts: np.ndarray = None  # of the corners by perspective, shares
     waves: list = field(default_factory=lambda: [None] * 4)
     damages: list = field(default_factory=list)
-    specks: int = 0                # of dust on the surround
-    bit_threshold: float = None    # share of Otsu's threshold at which a 1-bit page is cut; None: grey
-    quality: int = None            # of JPEG; None: losslessly packed
+    specks: int = 0  # of dust on the surround
+    bit_threshold: float = (
+        None  # share of Otsu's threshold at which a 1-bit page is cut; None: grey
+    )
+    quality: int = None  # of JPEG; None: losslessly packed
 
 
 def _turn_layers(sheet, degrees):
@@ -37,7 +40,11 @@ def _turn_layers(sheet, degrees):
     for name in ("ink", "picture", "pictured"):
         layer = getattr(sheet, name)
         if layer is not None:
-            setattr(sheet, name, cv2.warpAffine(layer, matrix, (sheet.width, sheet.height), flags=cv2.INTER_CUBIC))
+            setattr(
+                sheet,
+                name,
+                cv2.warpAffine(layer, matrix, (sheet.width, sheet.height), flags=cv2.INTER_CUBIC),
+            )
 
 
 class Scene:
@@ -46,7 +53,8 @@ class Scene:
     `behind`, `page`  float32 (height, width), levels of the surround and of the sheet's plane
     `cover`           share of each pixel that the sheet covers
     `corners`         the sheet's four, in the picture; `edge` its outline, without what is torn off
-    `light`           what may stay in a cut: the sheet, its missing corners, and what cannot be told from it
+    `light`           what may stay in a cut: the sheet, its missing corners, and what cannot be
+                      told from it
     """
 
     def __init__(self, plan, rng, on_sheet=()):
@@ -60,7 +68,9 @@ class Scene:
         own_corners = geometry.frame(sheet.width, sheet.height)
         turned = geometry.turned_corners(own_corners, plan.turned, plan.shear, plan.shifts)
         self.corners, (self.width, self.height) = geometry.framed(turned, plan.margins)
-        self.matrix = cv2.getPerspectiveTransform(own_corners.astype(np.float32), self.corners.astype(np.float32))
+        self.matrix = cv2.getPerspectiveTransform(
+            own_corners.astype(np.float32), self.corners.astype(np.float32)
+        )
         self.light = self.corners
         damages = plan.damages + sheet.damages
         own_edge = outline.of_sheet(rng, sheet.width, sheet.height, damages, plan.waves)
@@ -69,8 +79,13 @@ class Scene:
         self.cover = geometry.cover([self.edge] + holes, self.width, self.height)
         picture = stock.printed(rng, sheet, plan.white, plan.aged)
         self._fold_flaps(picture, own_corners)
-        self.page = cv2.warpPerspective(picture, self.matrix, (self.width, self.height), flags=cv2.INTER_LINEAR,
-                                        borderMode=cv2.BORDER_REPLICATE)
+        self.page = cv2.warpPerspective(
+            picture,
+            self.matrix,
+            (self.width, self.height),
+            flags=cv2.INTER_LINEAR,
+            borderMode=cv2.BORDER_REPLICATE,
+        )
         self.behind = surrounds.DARK[plan.surround](rng, self.width, self.height)
         self.ink = self._ink_points(sheet)
 
@@ -92,7 +107,9 @@ class Scene:
         if len(rows) == 0:
             return np.zeros((0, 2))
         chosen = self.rng.choice(len(rows), min(INK_POINTS, len(rows)), replace=False)
-        points = geometry.map_points(self.matrix, np.column_stack([columns[chosen], rows[chosen]]).astype(float))
+        points = geometry.map_points(
+            self.matrix, np.column_stack([columns[chosen], rows[chosen]]).astype(float)
+        )
         inside = (points > 0).all(axis=1) & (points < [self.width - 1, self.height - 1]).all(axis=1)
         points = points[inside]
         columns, rows = np.round(points).astype(int).T

@@ -6,11 +6,11 @@ import numpy as np
 
 from . import geometry
 
-RIGHT_WITHIN = 0.2      # degrees of the paper's sides or the print
+RIGHT_WITHIN = 0.2  # degrees of the paper's sides or the print
 NEAR_WITHIN = 0.5
-LOST_FROM = 0.005       # share of the sheet or of the print
-SURROUND_FROM = 0.05    # share of the cut
-_INK_TOLERANCE = 1.5    # pixels: strokes end softly
+LOST_FROM = 0.005  # share of the sheet or of the print
+SURROUND_FROM = 0.05  # share of the cut
+_INK_TOLERANCE = 1.5  # pixels: strokes end softly
 _FEWEST_INK_POINTS = 50
 
 
@@ -25,7 +25,7 @@ def verdict(truth, answer):
 
 
 def _grown(corners, by):
-    """A convex polygon with its sides moved outwards by pixels, as far as its corners are right ones."""
+    """A polygon with its sides moved outwards by pixels; exact where its corners are right ones."""
     corners = geometry.clockwise(np.asarray(corners, float))
     steps = np.roll(corners, -1, axis=0) - corners
     steps = steps / np.maximum(np.linalg.norm(steps, axis=1, keepdims=True), 1e-9)
@@ -37,7 +37,7 @@ def _frame(truth):
 
 
 def sheet_lost(truth, corners):
-    """Share of the sheet, as far as the picture shows it, outside the cut; a pixel is allowed for."""
+    """Share of what the picture shows of the sheet outside the cut; a pixel is allowed for."""
     seen = geometry.clip(np.array(truth.edge), _frame(truth))
     inside = geometry.clip(seen, _grown(corners, 1.0))
     return 1 - geometry.area(inside) / geometry.area(seen)
@@ -47,7 +47,9 @@ def surround_left(truth, corners):
     """Share of the cut's pixels of the picture that show no sheet; the gap of a torn corner is not
     counted, nor what of the cut lies beyond the picture."""
     cut = geometry.clip(_frame(truth), np.asarray(corners, float))
-    sheet = geometry.clip(geometry.clip(np.array(truth.light), _frame(truth)), np.asarray(corners, float))
+    sheet = geometry.clip(
+        geometry.clip(np.array(truth.light), _frame(truth)), np.asarray(corners, float)
+    )
     cut_area = geometry.area(cut)
     return 1 - geometry.area(sheet) / cut_area if cut_area > 0 else 0.0
 
@@ -73,14 +75,15 @@ def print_lost(truth, corners):
 @dataclass
 class Tally:
     """Counts of one detector's answers over some pages."""
+
     pages: int = 0
-    verdicts: Counter = field(default_factory=Counter)       # verdict -> pages
+    verdicts: Counter = field(default_factory=Counter)  # verdict -> pages
     by_confidence: Counter = field(default_factory=Counter)  # (confidence, verdict) -> pages
-    cuts: int = 0                                            # given with corners, on a page
+    cuts: int = 0  # given with corners, on a page
     losing_sheet: int = 0
     losing_print: int = 0
     leaving_surround: int = 0
-    kept_whole: int = 0                                      # of those that leave surround
+    kept_whole: int = 0  # of those that leave surround
 
     def add(self, truth, answer):
         found = verdict(truth, answer)

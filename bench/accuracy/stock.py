@@ -12,7 +12,9 @@ def _stains(rng, tone, width, height, count):
         axes = tuple(int(v) for v in rng.uniform(0.03, 0.18, 2) * max(width, height))
         patch = np.zeros((height, width), np.float32)
         cv2.ellipse(patch, centre, axes, float(rng.uniform(0, 180)), 0, 360, 1.0, -1)
-        soft = cv2.GaussianBlur(cv2.resize(patch, None, fx=0.25, fy=0.25), (0, 0), max(axes) / 40 + 1)
+        soft = cv2.GaussianBlur(
+            cv2.resize(patch, None, fx=0.25, fy=0.25), (0, 0), max(axes) / 40 + 1
+        )
         rim = np.clip(4 * soft * (1 - soft), 0, 1)
         mark = cv2.resize(0.35 * soft + 0.65 * rim, (width, height))
         tone *= 1 - float(rng.uniform(0.05, 0.3)) * mark
@@ -27,19 +29,25 @@ def _foxing(rng, tone, width, height, count):
 
 
 def paper_tone(rng, width, height, aged):
-    """The paper's lightness by pixel, about 1: fibre, slow unevenness; stains and dark edges with age."""
-    tone = 1 + 0.008 * fields.cloud(rng, width, height, 7) + 0.008 * fields.grain(rng, width, height, 2)
+    """The paper's lightness by pixel, about 1: fibre, unevenness; with age stains, dark edges."""
+    tone = (
+        1
+        + 0.008 * fields.cloud(rng, width, height, 7)
+        + 0.008 * fields.grain(rng, width, height, 2)
+    )
     if aged:
         tone += 0.02 * fields.cloud(rng, width, height, 4)
         for side in range(4):
             width_of_browning = float(rng.uniform(0.01, 0.05)) * max(width, height)
             depth = float(rng.uniform(0.02, 0.22))
-            tone *= 1 - depth * np.exp(-fields.side_distance(width, height, side) / width_of_browning)
+            tone *= 1 - depth * np.exp(
+                -fields.side_distance(width, height, side) / width_of_browning
+            )
         _stains(rng, tone, width, height, int(rng.integers(1, 5)))
         _foxing(rng, tone, width, height, int(rng.integers(10, 80)))
-        if rng.random() < 0.5:                      # creases where it was folded
+        if rng.random() < 0.5:  # creases where it was folded
             at = int(rng.uniform(0.4, 0.6) * height)
-            tone[at - 1:at + 2] *= float(rng.uniform(0.75, 0.92))
+            tone[at - 1 : at + 2] *= float(rng.uniform(0.75, 0.92))
     return tone
 
 
@@ -58,7 +66,12 @@ def printed(rng, sheet, white, aged, ink_level=None):
     if sheet.pictured is not None:
         light = light * (1 - sheet.pictured) + sheet.picture * (white / 245) * sheet.pictured
     dark = float(rng.uniform(12, 55)) if ink_level is None else ink_level
-    strength = np.clip(0.94 + 0.06 * fields.cloud(rng, width, height, 9) +
-                       (0.10 if aged else 0.03) * fields.grain(rng, width, height, 2), 0.3, 1)
+    strength = np.clip(
+        0.94
+        + 0.06 * fields.cloud(rng, width, height, 9)
+        + (0.10 if aged else 0.03) * fields.grain(rng, width, height, 2),
+        0.3,
+        1,
+    )
     cover = cv2.GaussianBlur(sheet.ink, (0, 0), 0.5) * strength
     return np.clip(light * (1 - cover) + np.minimum(dark, light) * cover, 0, 255).astype(np.float32)

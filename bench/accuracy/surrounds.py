@@ -6,7 +6,12 @@ from . import fields
 
 def flat(level):
     def make(rng, width, height):
-        return level + 2.0 * fields.cloud(rng, width, height, 5) + fields.white_noise(rng, width, height)
+        return (
+            level
+            + 2.0 * fields.cloud(rng, width, height, 5)
+            + fields.white_noise(rng, width, height)
+        )
+
     return make
 
 
@@ -26,14 +31,22 @@ def felt(rng, width, height):
 
 def wood(rng, width, height):
     """A stained table top, its grain along one direction."""
-    lengthwise = fields.grain(rng, width, height, 160, 4) if rng.random() < 0.5 else fields.grain(rng, width, height, 4, 160)
+    lengthwise = (
+        fields.grain(rng, width, height, 160, 4)
+        if rng.random() < 0.5
+        else fields.grain(rng, width, height, 4, 160)
+    )
     return float(rng.uniform(40, 75)) + 9 * lengthwise + 3 * fields.cloud(rng, width, height, 12)
 
 
 def card(rng, width, height):
     """Dark grey board with fibres."""
-    return (float(rng.uniform(45, 70)) + 3 * fields.grain(rng, width, height, 3) +
-            2 * fields.white_noise(rng, width, height) + 2 * fields.cloud(rng, width, height, 6))
+    return (
+        float(rng.uniform(45, 70))
+        + 3 * fields.grain(rng, width, height, 3)
+        + 2 * fields.white_noise(rng, width, height)
+        + 2 * fields.cloud(rng, width, height, 6)
+    )
 
 
 DARK = {

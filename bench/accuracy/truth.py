@@ -6,19 +6,22 @@ from dataclasses import asdict, dataclass
 @dataclass
 class Truth:
     """Degrees are those by which something lies turned clockwise as seen; points are [x, y] in
-    pixels, a pixel's centre on whole numbers; `edge`, `light` and `ink` are empty where not to be told."""
+    pixels, a pixel's centre on whole numbers; `edge`, `light` and `ink` are empty where not to be
+    told.
+    """
+
     file: str
     condition: str
     sheet: str
     width: int
     height: int
     onebit: bool
-    paper: list           # [least, most] turn of the paper's sides; None where none shows
-    print: float          # turn of the print; None where it has none
+    paper: list  # [least, most] turn of the paper's sides; None where none shows
+    print: float  # turn of the print; None where it has none
     corners: list
-    edge: list            # the sheet's outline, with what is torn off left out
-    light: list           # what may stay in a cut: the outline without gaps
-    ink: list             # some points of the print
+    edge: list  # the sheet's outline, with what is torn off left out
+    light: list  # what may stay in a cut: the outline without gaps
+    ink: list  # some points of the print
 
     def has_answer(self):
         return self.paper is not None or self.print is not None

@@ -13,15 +13,19 @@ sys.path.insert(0, os.path.join(ROOT, "bench"))
 
 from accuracy import compose, conditions, evidence, geometry, planning, report, scanner, score
 from accuracy.answer import Answer
+from accuracy.board import Board
 from accuracy.peers import leptonica_sweep, opencv_outline
 from accuracy.scene import Plan, Scene
 
 SEED = 5
-LONG_SIDE = 640    # small pages, so that every condition is drawn once within seconds
+LONG_SIDE = 640  # small pages, so that every condition is drawn once within seconds
 
 
 def turned_rightly(truth, off=0.0):
-    highest = max(([truth.paper[1]] if truth.paper else []) + ([truth.print] if truth.print is not None else []))
+    highest = max(
+        ([truth.paper[1]] if truth.paper else [])
+        + ([truth.print] if truth.print is not None else [])
+    )
     return Answer(highest + off, "sure", truth.light or None, ["top", "left", "print"])
 
 
@@ -33,12 +37,16 @@ class EveryCondition(unittest.TestCase):
         cls.addClassCleanup(setattr, planning, "LENGTHS", usual)
         cls.folder = tempfile.TemporaryDirectory()
         cls.addClassCleanup(cls.folder.cleanup)
-        cls.truths = [compose.compose(cls.folder.name, SEED, number, condition.name)
-                      for number, condition in enumerate(conditions.TABLE)]
+        cls.truths = [
+            compose.compose(cls.folder.name, SEED, number, condition.name)
+            for number, condition in enumerate(conditions.TABLE)
+        ]
         cls.answerable = [truth for truth in cls.truths if truth.has_answer()]
 
     def test_only_pages_without_a_page_have_no_answer(self):
-        self.assertEqual([truth.condition for truth in self.truths if not truth.has_answer()], ["no-page"])
+        self.assertEqual(
+            [truth.condition for truth in self.truths if not truth.has_answer()], ["no-page"]
+        )
 
     def test_the_truth_is_right_and_cuts_nothing_off(self):
         answers = {truth.file: turned_rightly(truth) for truth in self.answerable}
@@ -59,7 +67,9 @@ class EveryCondition(unittest.TestCase):
             found = score.verdict(truth, Answer(0.0, "likely"))
             miss = truth.miss(0.0)
             self.assertEqual(found == "wrong", miss is None or miss > 0.5, truth.file)
-        self.assertGreater(sum(truth.has_answer() and truth.miss(0.0) > 0.5 for truth in self.truths), 20)
+        self.assertGreater(
+            sum(truth.has_answer() and truth.miss(0.0) > 0.5 for truth in self.truths), 20
+        )
 
     def test_doubtful_answers_are_not_counted_as_given(self):
         self.assertEqual(score.verdict(self.answerable[0], Answer(80.0, "doubtful")), "left")
@@ -69,8 +79,12 @@ class EveryCondition(unittest.TestCase):
             if truth.condition not in ("clean", "textured", "upright"):
                 continue
             corners, centre = np.array(truth.corners), np.mean(truth.corners, axis=0)
-            self.assertGreater(score.sheet_lost(truth, centre + 0.97 * (corners - centre)), score.LOST_FROM)
-            self.assertGreater(score.surround_left(truth, centre + 1.05 * (corners - centre)), score.SURROUND_FROM)
+            self.assertGreater(
+                score.sheet_lost(truth, centre + 0.97 * (corners - centre)), score.LOST_FROM
+            )
+            self.assertGreater(
+                score.surround_left(truth, centre + 1.05 * (corners - centre)), score.SURROUND_FROM
+            )
             self.assertGreater(score.sheet_lost(truth, corners + [truth.width, 0]), 0.5)
 
     def test_a_page_is_the_same_whenever_it_is_composed(self):
@@ -84,15 +98,29 @@ class EveryCondition(unittest.TestCase):
 
     def test_a_peer_with_more_right_answers_is_named(self):
         ours = {truth.file: Answer() for truth in self.truths}
-        peer = {truth.file: turned_rightly(truth) if truth.condition == "mount" else Answer() for truth in self.truths}
-        ahead = report.peers_ahead(self.truths, {"ours": ours, "peer": peer})
-        self.assertEqual(ahead, [("peer", "mount", 1, 0)])
+        peer = {
+            truth.file: turned_rightly(truth) if truth.condition == "mount" else Answer()
+            for truth in self.truths
+        }
+        board = Board(self.truths, {"ours": ours, "peer": peer})
+        self.assertEqual(board.ahead("peer"), [("mount", 1, 0)])
+        names = ("machine", "commit", "ours", "peers", "seed", "scale", "pages")
+        page = report.write(dict.fromkeys(names, 0), self.truths, board.results)
+        self.assertIn("- **peer**: on a mount turned otherwise (1 right, ours 0).", page)
 
 
 class OnePage(unittest.TestCase):
     def scene(self, sheet, long_side, **changes):
-        plan = Plan(sheet=sheet, long_side=long_side, turned=3.0, margins=[0.08] * 4, surround="black", white=230.0,
-                    noise=0.0, **changes)
+        plan = Plan(
+            sheet=sheet,
+            long_side=long_side,
+            turned=3.0,
+            margins=[0.08] * 4,
+            surround="black",
+            white=230.0,
+            noise=0.0,
+            **changes
+        )
         return Scene(plan, np.random.default_rng(SEED))
 
     def test_the_light_begins_at_the_corners_sides(self):
@@ -104,7 +132,9 @@ class OnePage(unittest.TestCase):
             along = start + (end - start) * np.linspace(0.1, 0.9, 200)[:, None]
             distances = np.linspace(-4, 4, 81)
             places = (along[:, None] + outward * distances[:, None]).astype(np.float32)
-            profile = cv2.remap(picture, places[..., 0], places[..., 1], cv2.INTER_LINEAR).mean(axis=0)
+            profile = cv2.remap(picture, places[..., 0], places[..., 1], cv2.INTER_LINEAR).mean(
+                axis=0
+            )
             level = (profile[0] + profile[-1]) / 2
             self.assertLess(abs(distances[np.argmax(profile < level)]), 0.3)
 

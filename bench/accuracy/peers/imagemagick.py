@@ -7,11 +7,17 @@ NAME = "ImageMagick -deskew"
 
 
 def version():
-    first = subprocess.run(["convert", "-version"], capture_output=True, text=True, check=True).stdout.split()
+    first = subprocess.run(
+        ["convert", "-version"], capture_output=True, text=True, check=True
+    ).stdout.split()
     return " ".join(first[1:3])
 
 
 def detect(path):
-    done = subprocess.run(["convert", path, "-deskew", "40%", "-format", "%[deskew:angle]", "info:"],
-                          capture_output=True, text=True, check=True)
+    done = subprocess.run(
+        ["convert", path, "-deskew", "40%", "-format", "%[deskew:angle]", "info:"],
+        capture_output=True,
+        text=True,
+        check=True,
+    )
     return Answer(-float(done.stdout), "likely")

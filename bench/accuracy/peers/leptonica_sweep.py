@@ -10,8 +10,8 @@ _LEAST_CONFIDENCE = 3.0
 # Sauvola's binarisation with 17 x 17 windows: of the library's ways the one that finds most here.
 _HALF_WINDOW, _SAUVOLA_FACTOR = 8, 0.35
 _SWEEP_REDUCTION, _SEARCH_REDUCTION = 4, 2
-_RANGE, _STEP, _PRECISION = 45.0, 1.0, 0.01    # degrees
-_SILENT = 6                                    # a page without print is no news
+_RANGE, _STEP, _PRECISION = 45.0, 1.0, 0.01  # degrees
+_SILENT = 6  # a page without print is no news
 
 
 @functools.lru_cache(maxsize=None)
@@ -21,9 +21,26 @@ def _library():
     library.pixRead.restype, library.pixRead.argtypes = pix, [ctypes.c_char_p]
     library.pixConvertTo8.restype, library.pixConvertTo8.argtypes = pix, [pix, number]
     library.pixDestroy.restype, library.pixDestroy.argtypes = None, [ctypes.POINTER(pix)]
-    library.pixSauvolaBinarize.argtypes = [pix, number, real, number, pix, pix, pix, ctypes.POINTER(pix)]
-    library.pixFindSkewSweepAndSearch.argtypes = [pix, ctypes.POINTER(real), ctypes.POINTER(real), number, number,
-                                                  real, real, real]
+    library.pixSauvolaBinarize.argtypes = [
+        pix,
+        number,
+        real,
+        number,
+        pix,
+        pix,
+        pix,
+        ctypes.POINTER(pix),
+    ]
+    library.pixFindSkewSweepAndSearch.argtypes = [
+        pix,
+        ctypes.POINTER(real),
+        ctypes.POINTER(real),
+        number,
+        number,
+        real,
+        real,
+        real,
+    ]
     library.getLeptonicaVersion.restype = ctypes.c_char_p
     library.setMsgSeverity(_SILENT)
     return library
@@ -39,7 +56,9 @@ def _ink(path):
     page = ctypes.c_void_p(library.pixRead(path.encode()))
     grey = ctypes.c_void_p(library.pixConvertTo8(page, 0))
     ink = ctypes.c_void_p()
-    failed = library.pixSauvolaBinarize(grey, _HALF_WINDOW, _SAUVOLA_FACTOR, 1, None, None, None, ctypes.byref(ink))
+    failed = library.pixSauvolaBinarize(
+        grey, _HALF_WINDOW, _SAUVOLA_FACTOR, 1, None, None, None, ctypes.byref(ink)
+    )
     library.pixDestroy(ctypes.byref(page))
     library.pixDestroy(ctypes.byref(grey))
     return None if failed else ink
@@ -50,9 +69,17 @@ def detect(path):
     if ink is None:
         return Answer()
     angle, confidence = ctypes.c_float(), ctypes.c_float()
-    failed = _library().pixFindSkewSweepAndSearch(ink, ctypes.byref(angle), ctypes.byref(confidence),
-                                                  _SWEEP_REDUCTION, _SEARCH_REDUCTION, _RANGE, _STEP, _PRECISION)
+    failed = _library().pixFindSkewSweepAndSearch(
+        ink,
+        ctypes.byref(angle),
+        ctypes.byref(confidence),
+        _SWEEP_REDUCTION,
+        _SEARCH_REDUCTION,
+        _RANGE,
+        _STEP,
+        _PRECISION,
+    )
     _library().pixDestroy(ctypes.byref(ink))
     if failed or confidence.value < _LEAST_CONFIDENCE:
         return Answer()
-    return Answer(-angle.value, "likely")      # it gives the clockwise turn that sets the print upright
+    return Answer(-angle.value, "likely")  # it gives the clockwise turn that sets the print upright

@@ -22,13 +22,7 @@ SMALL = {
     "punched card": small.punched_card,
     "index card": small.index_card,
 }
-PICTURES = {
-    "album leaf": pictures.album_leaf,
-    "photograph": pictures.bare_photograph,
-}
-SPARSE = {
-    "title page": prose.title_page,
-    "handwriting": prose.handwriting,
-}
+PICTURES = {"album leaf": pictures.album_leaf, "photograph": pictures.bare_photograph}
+SPARSE = {"title page": prose.title_page, "handwriting": prose.handwriting}
 BLANK = {"blank": pictures.blank}
 ALL = {**TEXT, **FORMS, **SMALL, **PICTURES, **SPARSE, **BLANK}

@@ -22,8 +22,12 @@ def boxed_form(rng, long_side):
     em = height / float(rng.uniform(75, 95))
     small = lettering.face(rng, "sans", 0.85 * em)
     left, right = width * 0.07, width * 0.93
-    layer.pen.text((left, height * 0.05), words.few_words(rng, 3),
-                   font=lettering.face(rng, "sans bold", 2 * em), fill=255)
+    layer.pen.text(
+        (left, height * 0.05),
+        words.few_words(rng, 3),
+        font=lettering.face(rng, "sans bold", 2 * em),
+        fill=255,
+    )
     y = height * 0.1
     while y < height * 0.9:
         row = em * float(rng.choice([2.6, 2.6, 3.4, 6]))
@@ -56,10 +60,16 @@ def mark_sheet(rng, long_side):
             x = width * (0.12 + 0.28 * block)
             layer.pen.text((x, y - 0.2 * em), str(row + 1 + 35 * block), font=small, fill=255)
             for choice in range(5):
-                oval = (x + (3 + 2 * choice) * em, y - 0.2 * em,
-                        x + (4.4 + 2 * choice) * em, y + 0.8 * em)
+                oval = (
+                    x + (3 + 2 * choice) * em,
+                    y - 0.2 * em,
+                    x + (4.4 + 2 * choice) * em,
+                    y + 0.8 * em,
+                )
                 chosen = rng.random() < 0.15
-                layer.pen.ellipse(oval, outline=255, width=max(1, int(em / 9)), fill=255 if chosen else None)
+                layer.pen.ellipse(
+                    oval, outline=255, width=max(1, int(em / 9)), fill=255 if chosen else None
+                )
         row += 1
         y += pitch
     return Sheet(layer.coverage(), lined=True)
@@ -71,11 +81,23 @@ def barred_sheet(rng, long_side):
     layer = InkLayer(width, height)
     em = height / 70.0
     font = lettering.face(rng, "sans", em)
-    for share in (0.06, 0.94)[:int(rng.integers(1, 3))]:
-        layer.rule(width * 0.08, height * share, width * 0.92, height * share, em * float(rng.uniform(0.8, 2)))
+    for share in (0.06, 0.94)[: int(rng.integers(1, 3))]:
+        layer.rule(
+            width * 0.08,
+            height * share,
+            width * 0.92,
+            height * share,
+            em * float(rng.uniform(0.8, 2)),
+        )
     if rng.random() < 0.6:
         x = width * float(rng.choice([0.06, 0.94]))
-        layer.rule(x, height * 0.1, x, height * float(rng.uniform(0.5, 0.9)), em * float(rng.uniform(0.8, 2)))
+        layer.rule(
+            x,
+            height * 0.1,
+            x,
+            height * float(rng.uniform(0.5, 0.9)),
+            em * float(rng.uniform(0.8, 2)),
+        )
     for _ in range(int(rng.integers(4, 12))):
         x, y = width * float(rng.uniform(0.12, 0.5)), height * float(rng.uniform(0.12, 0.88))
         layer.pen.text((x, y), words.few_words(rng, int(rng.integers(2, 6))), font=font, fill=255)
@@ -100,5 +122,7 @@ def payment_slip(rng, long_side):
             number = " ".join(str(int(d)) for d in rng.integers(0, 10, 9))
             layer.pen.text((x0 + em, y + 1.5 * em), number, font=digits, fill=255)
             y += float(rng.uniform(4, 5.5)) * em
-    layer.rule(width * 0.03, height * 0.94, width * 0.97, height * 0.94, em * float(rng.uniform(0.4, 1.2)))
+    layer.rule(
+        width * 0.03, height * 0.94, width * 0.97, height * 0.94, em * float(rng.uniform(0.4, 1.2))
+    )
     return Sheet(layer.coverage(), lined=True)

@@ -34,7 +34,12 @@ def _paste(sheet, rng, box, white_border=0):
     if white_border:
         sheet.picture[top:bottom, left:right] = 225
         sheet.pictured[top:bottom, left:right] = 1
-        left, top, right, bottom = left + white_border, top + white_border, right - white_border, bottom - white_border
+        left, top, right, bottom = (
+            left + white_border,
+            top + white_border,
+            right - white_border,
+            bottom - white_border,
+        )
     sheet.picture[top:bottom, left:right] = photograph(rng, right - left, bottom - top)
     sheet.pictured[top:bottom, left:right] = 1
 
@@ -47,15 +52,25 @@ def _with_room_for_pictures(layer, lined, tone=1.0):
 def album_leaf(rng, long_side):
     """A leaf of brown or black card with photographs mounted on it."""
     width, height = int(long_side), int(long_side / float(rng.uniform(1.25, 1.5)))
-    sheet = _with_room_for_pictures(InkLayer(width, height), lined=False,
-                                    tone=float(rng.uniform(0.45, 0.8)))
+    sheet = _with_room_for_pictures(
+        InkLayer(width, height), lined=False, tone=float(rng.uniform(0.45, 0.8))
+    )
     across, down = int(rng.integers(1, 4)), int(rng.integers(1, 3))
     for column in range(across):
         for row in range(down):
             cell_w, cell_h = width / across, height / down
             inset_x, inset_y = rng.uniform(0.08, 0.2, 2) * [cell_w, cell_h]
-            _paste(sheet, rng, (column * cell_w + inset_x, row * cell_h + inset_y, (column + 1) * cell_w - inset_x,
-                                (row + 1) * cell_h - inset_y), white_border=int(long_side / 90))
+            _paste(
+                sheet,
+                rng,
+                (
+                    column * cell_w + inset_x,
+                    row * cell_h + inset_y,
+                    (column + 1) * cell_w - inset_x,
+                    (row + 1) * cell_h - inset_y,
+                ),
+                white_border=int(long_side / 90),
+            )
     return sheet
 
 
@@ -68,7 +83,11 @@ def illustrated_page(rng, long_side):
     left, right = width * 0.09, width * 0.91
     split = height * float(rng.uniform(0.35, 0.6))
     on_top = rng.random() < 0.5
-    picture_box = (left, height * 0.09, right, split) if on_top else (left, split + 2 * em, right, height * 0.91)
+    picture_box = (
+        (left, height * 0.09, right, split)
+        if on_top
+        else (left, split + 2 * em, right, height * 0.91)
+    )
     text_top, text_bottom = (split + 2 * em, height * 0.91) if on_top else (height * 0.09, split)
     text = words.sentences(rng)
     middle = (left + right) / 2
@@ -101,7 +120,7 @@ def bleed(sheet, rng):
     for _ in range(int(rng.integers(1, 3))):
         box = np.array([[0.0, 0.0], rng.uniform(0.25, 0.6, 2)]) + rng.uniform(0.05, 0.4, 2)
         side = int(rng.integers(0, 4))
-        box[side // 2, side % 2] = side // 2       # one of left, top, right, bottom
+        box[side // 2, side % 2] = side // 2  # one of left, top, right, bottom
         (left, top), (right, bottom) = (box * [sheet.width, sheet.height]).astype(int)
         dark = photograph(rng, right - left, bottom - top) * float(rng.uniform(0.1, 0.35))
         sheet.picture[top:bottom, left:right] = dark

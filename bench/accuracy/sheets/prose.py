@@ -25,7 +25,9 @@ def _figure(layer, rng, box):
     """A line drawing: hatched blocks and curves inside a frame."""
     left, top, right, bottom = (int(v) for v in box)
     if rng.random() < 0.6:
-        layer.pen.rectangle((left, top, right, bottom), outline=255, width=max(1, (right - left) // 250))
+        layer.pen.rectangle(
+            (left, top, right, bottom), outline=255, width=max(1, (right - left) // 250)
+        )
     for _ in range(int(rng.integers(2, 6))):
         x0, x1 = np.sort(rng.uniform(left, right, 2))
         y0, y1 = np.sort(rng.uniform(top, bottom, 2))
@@ -61,8 +63,15 @@ def columns(rng, long_side, count):
             bottom -= figure_height + em
         if rng.random() < 0.15:
             bottom = top + (bottom - top) * float(rng.uniform(0.3, 0.9))
-        lettering.set_column(layer.pen, rng, body, (left, top, left + column_width, bottom), leading,
-                             text, justify=rng.random() < 0.8)
+        lettering.set_column(
+            layer.pen,
+            rng,
+            body,
+            (left, top, left + column_width, bottom),
+            leading,
+            text,
+            justify=rng.random() < 0.8,
+        )
         if index and rng.random() < 0.3:
             layer.rule(left - gutter / 2, box[1], left - gutter / 2, box[3], em / 14)
     return Sheet(layer.coverage(), lined=True)
@@ -89,7 +98,9 @@ def typed_letter(rng, long_side):
     left, right = width * 0.13, width * 0.9
     y = height * 0.1
     for _ in range(int(rng.integers(2, 5))):
-        layer.pen.text((left, y), words.few_words(rng, int(rng.integers(2, 5))), font=font, fill=255)
+        layer.pen.text(
+            (left, y), words.few_words(rng, int(rng.integers(2, 5))), font=font, fill=255
+        )
         y += 1.5 * em
     y += 2.5 * em
     end = height * float(rng.uniform(0.45, 0.85))
@@ -133,10 +144,18 @@ def handwriting(rng, long_side):
         while x < end:
             steps = int(rng.integers(8, 26))
             run = np.arange(steps) * em * 0.11
-            loops = np.sin(np.arange(steps) * 2.1 + rng.uniform(0, 6)) * em * rng.uniform(0.12, 0.34, steps)
+            loops = (
+                np.sin(np.arange(steps) * 2.1 + rng.uniform(0, 6))
+                * em
+                * rng.uniform(0.12, 0.34, steps)
+            )
             drift = sag[0] * (x / width) + sag[1] * np.sin(x / width * 3)
-            layer.pen.line([(x + dx, y + drift + dy) for dx, dy in zip(run, loops)], fill=255,
-                           width=max(1, int(em / 12)), joint="curve")
+            layer.pen.line(
+                [(x + dx, y + drift + dy) for dx, dy in zip(run, loops)],
+                fill=255,
+                width=max(1, int(em / 12)),
+                joint="curve",
+            )
             x += run[-1] + em * 0.45
         y += em * 1.5
     return Sheet(layer.coverage(), lined=False)

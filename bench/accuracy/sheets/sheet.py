@@ -9,12 +9,13 @@ from PIL import Image, ImageDraw
 class Sheet:
     """`ink` is 0..1 by pixel. `picture`, where there is one, is grey 0..255 below the ink, and
     `pictured` (0..1) says where. `lined` tells whether the print has a direction of its own."""
+
     ink: np.ndarray
     lined: bool
     picture: np.ndarray = None
     pictured: np.ndarray = None
-    tone: float = 1.0                           # of the paper, as a share of usual white
-    holes: list = field(default_factory=list)    # polygons that show what lies below, in pixels
+    tone: float = 1.0  # of the paper, as a share of usual white
+    holes: list = field(default_factory=list)  # polygons that show what lies below, in pixels
     damages: list = field(default_factory=list)  # corners that this kind never has
 
     @property

@@ -45,13 +45,26 @@ def punched_card(rng, long_side):
         for row in range(12):
             y = pitch_y * (row + 0.7)
             if rng.random() < 0.12:
-                holes.append(np.array([[x, y], [x + 0.55 * pitch_x, y], [x + 0.55 * pitch_x, y + 0.5 * pitch_y],
-                                       [x, y + 0.5 * pitch_y]]))
+                holes.append(
+                    np.array(
+                        [
+                            [x, y],
+                            [x + 0.55 * pitch_x, y],
+                            [x + 0.55 * pitch_x, y + 0.5 * pitch_y],
+                            [x, y + 0.5 * pitch_y],
+                        ]
+                    )
+                )
             elif row > 1:
                 layer.pen.text((x, y), str(row - 2), font=font, fill=150)
     corner = outline.Damage(0, "cut", height * 0.21, height * 0.13)
-    return Sheet(layer.coverage(), lined=False, tone=float(rng.uniform(0.78, 0.97)), holes=holes,
-                 damages=[corner])
+    return Sheet(
+        layer.coverage(),
+        lined=False,
+        tone=float(rng.uniform(0.78, 0.97)),
+        holes=holes,
+        damages=[corner],
+    )
 
 
 def index_card(rng, long_side):
@@ -64,6 +77,13 @@ def index_card(rng, long_side):
         layer.rule(0, height * 0.2, width, height * 0.2, em / 10)
     text = words.sentences(rng)
     end = height * float(rng.uniform(0.5, 0.9))
-    lettering.set_column(layer.pen, rng, font, (width * 0.12, height * 0.1, width * 0.92, end), 1.5 * em, text,
-                         justify=False)
+    lettering.set_column(
+        layer.pen,
+        rng,
+        font,
+        (width * 0.12, height * 0.1, width * 0.92, end),
+        1.5 * em,
+        text,
+        justify=False,
+    )
     return Sheet(layer.coverage(), lined=True, tone=float(rng.uniform(0.85, 1.0)))
