@@ -1,4 +1,5 @@
 """ImageMagick's -deskew at the threshold that its manual recommends."""
+import os
 import subprocess
 
 from ..answer import Answer
@@ -19,5 +20,6 @@ def detect(path):
         capture_output=True,
         text=True,
         check=True,
+        env=dict(os.environ, MAGICK_THREAD_LIMIT="1"),  # pages are looked at side by side already
     )
     return Answer(-float(done.stdout), "likely")
