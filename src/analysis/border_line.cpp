@@ -7,7 +7,7 @@
 #include "frame/trigonometry.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 namespace {
 
 // Chords nearer to an axis than this are taken for horizontal or vertical, in degrees.
@@ -19,42 +19,42 @@ struct PointSum {
   int32_t x = 0;
   int32_t y = 0;
 
-  void Add(EdgePoint point) {
-    x = WrapAdd(x, point.x);
-    y = WrapAdd(y, point.y);
+  void Add(frame::PixelPoint point) {
+    x = frame::WrapAdd(x, point.x);
+    y = frame::WrapAdd(y, point.y);
   }
-  EdgePoint MeanOf(int32_t count) const { return {x / count, y / count}; }
+  frame::PixelPoint MeanOf(int32_t count) const { return {x / count, y / count}; }
 };
 
-EdgePoint MeanOfSegments(std::span<const BorderSegment> segments) {
+frame::PixelPoint MeanOfSegments(std::span<const BorderSegment> segments) {
   PointSum sum;
   for (const BorderSegment& segment : segments) sum.Add({segment.meanX, segment.meanY});
   return sum.MeanOf(static_cast<int32_t>(segments.size()));
 }
 
 void SetVertical(BorderLine* line, double x) {
-  line->kind = kLineVertical;
+  line->kind = LineKind::kVertical;
   line->angle = 90.0;
   line->slope = 0.0;
   line->intercept = x;
 }
 
 void SetHorizontal(BorderLine* line, double y) {
-  line->kind = kLineHorizontal;
+  line->kind = LineKind::kHorizontal;
   line->angle = 0.0;
   line->slope = 0.0;
   line->intercept = y;
 }
 
-double SlopeBetween(EdgePoint a, EdgePoint b) {
-  return static_cast<double>(WrapSub(b.y, a.y)) / WrapSub(b.x, a.x);
+double SlopeBetween(frame::PixelPoint a, frame::PixelPoint b) {
+  return static_cast<double>(frame::WrapSub(b.y, a.y)) / frame::WrapSub(b.x, a.x);
 }
 
 // Puts the line's point midway between the halves' means and settles the lines along an axis.
 // Returns whether that is all there is to do.
-bool SetMidpointAndAxis(BorderLine* line, EdgePoint a, EdgePoint b) {
-  line->midX = WrapAdd(a.x, b.x) >> 1;
-  line->midY = WrapAdd(a.y, b.y) >> 1;
+bool SetMidpointAndAxis(BorderLine* line, frame::PixelPoint a, frame::PixelPoint b) {
+  line->midX = frame::WrapAdd(a.x, b.x) >> 1;
+  line->midY = frame::WrapAdd(a.y, b.y) >> 1;
   if (a.x == b.x) {
     SetVertical(line, a.x);
     return true;
@@ -68,39 +68,40 @@ bool SetMidpointAndAxis(BorderLine* line, EdgePoint a, EdgePoint b) {
 
 }  // namespace
 
-int32_t DistanceToLine(int32_t x, int32_t y, const BorderLine& line, int32_t* distance) {
-  switch (line.kind) {
-    case kLineHorizontal:
-      *distance = TruncToInt32(y - line.intercept);
-      return STATUS_OK;
-    case kLineVertical:
-      *distance = TruncToInt32(line.intercept - x);
-      return STATUS_OK;
-    case kLineGeneral:
-      *distance = TruncToInt32((y - line.intercept - x * line.slope) /
-                               std::sqrt(line.slope * line.slope + 1.0));
-      return STATUS_OK;
-    default:
-      return BAD_ARGUMENT;
+LineDistance::LineDistance(const BorderLine& line)
+    : rowFactor_(1.0), offset_(line.intercept), columnFactor_(0.0), length_(1.0) {
+  if (line.kind == LineKind::kVertical) {
+    rowFactor_ = 0.0;
+    offset_ = -line.intercept;
+    columnFactor_ = 1.0;
+  } else if (line.kind == LineKind::kGeneral) {
+    columnFactor_ = line.slope;
+    length_ = std::sqrt(line.slope * line.slope + 1.0);
   }
+}
+
+int32_t DistanceToLine(int32_t x, int32_t y, const BorderLine& line, int32_t* distance) {
+  if (!IsFitted(line)) return BAD_ARGUMENT;
+  *distance = LineDistance(line).Of({x, y});
+  return STATUS_OK;
 }
 
 int32_t FitChordLine(BorderLine* line, const SegmentList& list) {
   const std::span<const BorderSegment> segments = list.view();
   if (segments.size() < 2) return BAD_ARGUMENT;
-  const EdgePoint a = MeanOfSegments(segments.first(segments.size() / 2));
-  const EdgePoint b = MeanOfSegments(segments.subspan(segments.size() / 2));
+  const frame::PixelPoint a = MeanOfSegments(segments.first(segments.size() / 2));
+  const frame::PixelPoint b = MeanOfSegments(segments.subspan(segments.size() / 2));
   if (a.x == b.x && a.y == b.y) return ANGLE_NOT_FOUND;
   if (SetMidpointAndAxis(line, a, b)) return STATUS_OK;
 
   const double slope = SlopeBetween(a, b);
-  const double angle = ArcTangent(std::abs(slope)) * kDegreesPerRadian;
+  const double angle = frame::ArcTangent(std::abs(slope)) * frame::kDegreesPerRadian;
   if (angle <= kFlatDegrees) {
     SetHorizontal(line, line->midY);
   } else if (angle >= kSteepDegrees) {
     SetVertical(line, line->midX);
   } else {
-    line->kind = kLineGeneral;
+    line->kind = LineKind::kGeneral;
     line->slope = slope;
     line->angle = angle;
     line->intercept = a.y - a.x * slope;
@@ -109,7 +110,7 @@ int32_t FitChordLine(BorderLine* line, const SegmentList& list) {
 }
 
 int32_t FitPointLine(BorderLine* line, const SegmentList& list) {
-  line->kind = kLineNotFitted;
+  line->kind = LineKind::kNotFitted;
   if (list.segmentCount < 1 || list.pointTotal < 2) return BAD_ARGUMENT;
 
   // With an odd total the last point is left over.
@@ -118,22 +119,23 @@ int32_t FitPointLine(BorderLine* line, const SegmentList& list) {
   PointSum second;
   int32_t taken = 0;
   for (const BorderSegment& segment : list.view()) {
-    for (const EdgePoint& point : std::span(segment.first, static_cast<size_t>(segment.count))) {
+    for (const frame::PixelPoint& point :
+         std::span(segment.first, static_cast<size_t>(segment.count))) {
       if (taken == 2 * half) break;
       (taken < half ? first : second).Add(point);
       ++taken;
     }
   }
-  const EdgePoint a = first.MeanOf(half);
-  const EdgePoint b = second.MeanOf(half);
+  const frame::PixelPoint a = first.MeanOf(half);
+  const frame::PixelPoint b = second.MeanOf(half);
   if (a.x == b.x && a.y == b.y) return ANGLE_NOT_FOUND;
   if (SetMidpointAndAxis(line, a, b)) return STATUS_OK;
 
-  line->kind = kLineGeneral;
+  line->kind = LineKind::kGeneral;
   line->slope = SlopeBetween(a, b);
-  line->angle = ArcTangent(line->slope) * kDegreesPerRadian;
+  line->angle = frame::ArcTangent(line->slope) * frame::kDegreesPerRadian;
   line->intercept = line->midY - line->midX * line->slope;
   return STATUS_OK;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

@@ -9,7 +9,7 @@
 #include "analysis/pixel_access.h"
 #include "frame/scratch.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 namespace {
 
 // 64 neighbouring columns. Bits stand for columns as in DocumentMask.
@@ -118,15 +118,15 @@ class ColumnSweep {
   DocumentMask<Pixel> document_;
   int32_t run_;
   ColumnRange columns_;
-  ScratchArray<ColumnGroup> groups_;  // the open ones first
+  frame::ScratchArray<ColumnGroup> groups_;  // the open ones first
   size_t openGroups_ = 0;
 };
 
 }  // namespace
 
 template <typename Pixel>
-int32_t WalkColumns(const ImageRec& image, const ScanBand& band, GreyBand levels, int32_t run,
-                    ColumnRange columns, ColumnBorders borders) {
+int32_t WalkColumns(const ImageRec& image, const frame::PixelRect& band, GreyBand levels,
+                    int32_t run, ColumnRange columns, ColumnBorders borders) {
   ColumnSweep<Pixel> sweep(image, levels, run, columns);
   if (!sweep.Prepare()) return OUT_OF_MEMORY;
   const int32_t steps = band.bottom - band.top;
@@ -135,11 +135,11 @@ int32_t WalkColumns(const ImageRec& image, const ScanBand& band, GreyBand levels
   return STATUS_OK;
 }
 
-template int32_t WalkColumns<Bit1>(const ImageRec&, const ScanBand&, GreyBand, int32_t, ColumnRange,
-                                   ColumnBorders);
-template int32_t WalkColumns<Grey8>(const ImageRec&, const ScanBand&, GreyBand, int32_t,
+template int32_t WalkColumns<Bit1>(const ImageRec&, const frame::PixelRect&, GreyBand, int32_t,
+                                   ColumnRange, ColumnBorders);
+template int32_t WalkColumns<Grey8>(const ImageRec&, const frame::PixelRect&, GreyBand, int32_t,
                                     ColumnRange, ColumnBorders);
-template int32_t WalkColumns<Colour24>(const ImageRec&, const ScanBand&, GreyBand, int32_t,
+template int32_t WalkColumns<Colour24>(const ImageRec&, const frame::PixelRect&, GreyBand, int32_t,
                                        ColumnRange, ColumnBorders);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

@@ -6,9 +6,10 @@
 #include <cstdint>
 
 #include "frame/arithmetic.h"
+#include "frame/pixel_format.h"
 #include "vorlanepic/imgbuf.h"
 
-namespace vorlanepic {
+namespace vorlanepic::deskew {
 
 // 1024ths of a grey level that each value of a colour adds to the luminance.
 using LuminanceTable = std::array<int32_t, 256>;
@@ -16,7 +17,7 @@ using LuminanceTable = std::array<int32_t, 256>;
 constexpr LuminanceTable MakeLuminanceTable(double share) {
   LuminanceTable table{};
   for (int32_t v = 0; v < 256; ++v) {
-    table[static_cast<size_t>(v)] = RoundToInt32(v * share * 1024);
+    table[static_cast<size_t>(v)] = frame::RoundToInt32(v * share * 1024);
   }
   return table;
 }
@@ -29,7 +30,7 @@ inline constexpr LuminanceTable kRedLuminance = MakeLuminanceTable(0.299);
 struct BrightBit {
   static constexpr int32_t kRowsLeftOut = 1;
   static bool IsBright(const uint8_t* row, int32_t x, uint8_t /*threshold*/) {
-    return (row[x >> 3] & (0x80 >> (x & 7))) != 0;
+    return frame::IsBitSet(row, x);
   }
 };
 
@@ -85,4 +86,4 @@ class PlainLines {
   int32_t end_ = 0;
 };
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::deskew

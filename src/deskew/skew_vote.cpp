@@ -7,10 +7,9 @@
 #include "deskew/border_directions.h"
 #include "frame/arithmetic.h"
 #include "frame/scratch.h"
-#include "frame/settings.h"
 #include "frame/trigonometry.h"
 
-namespace vorlanepic {
+namespace vorlanepic::deskew {
 namespace {
 
 constexpr int32_t kMaxSegmentLen = 50;
@@ -24,10 +23,10 @@ constexpr size_t kFewestPoints = 5;
 // Opposite borders whose angles differ by more do not agree.
 constexpr double kAgreeingDegrees = 1.5;
 
-EdgePoint MeanOf(std::span<const EdgePoint> points) {
+frame::PixelPoint MeanOf(std::span<const frame::PixelPoint> points) {
   uint32_t sumX = 0;
   uint32_t sumY = 0;
-  for (const EdgePoint& point : points) {
+  for (const frame::PixelPoint& point : points) {
     sumX += static_cast<uint32_t>(point.x);
     sumY += static_cast<uint32_t>(point.y);
   }
@@ -36,15 +35,12 @@ EdgePoint MeanOf(std::span<const EdgePoint> points) {
 }
 
 // |distance| of every point from `line`.
-int32_t MeasureDistances(const BorderLine& line, std::span<const EdgePoint> points,
-                         std::span<uint32_t> distances) {
+void MeasureDistances(const analysis::BorderLine& line, std::span<const frame::PixelPoint> points,
+                      std::span<uint32_t> distances) {
+  const analysis::LineDistance distance(line);
   for (size_t i = 0; i < points.size(); ++i) {
-    int32_t distance = 0;
-    const int32_t status = DistanceToLine(points[i].x, points[i].y, line, &distance);
-    if (status != STATUS_OK) return status;
-    distances[i] = static_cast<uint32_t>(WrapAbs(distance));
+    distances[i] = static_cast<uint32_t>(frame::WrapAbs(distance.Of(points[i])));
   }
-  return STATUS_OK;
 }
 
 size_t CountBelow(std::span<const uint32_t> distances, uint32_t limit) {
@@ -53,7 +49,8 @@ size_t CountBelow(std::span<const uint32_t> distances, uint32_t limit) {
 }
 
 // Moves the points nearer than `cut` to the front and returns how many they are.
-size_t KeepNear(std::span<const uint32_t> distances, uint32_t cut, std::span<EdgePoint> points) {
+size_t KeepNear(std::span<const uint32_t> distances, uint32_t cut,
+                std::span<frame::PixelPoint> points) {
   size_t kept = 0;
   for (size_t i = 0; i < points.size(); ++i) {
     if (distances[i] < cut) points[kept++] = points[i];
@@ -63,13 +60,12 @@ size_t KeepNear(std::span<const uint32_t> distances, uint32_t cut, std::span<Edg
 
 // Fits `line` to `points`, drops those far from it and fits again, until all are near. `points` is
 // reordered; `distances` has as many entries.
-int32_t RefineLine(std::span<EdgePoint> points, std::span<uint32_t> distances, BorderLine* line) {
-  const auto inlierLimit = static_cast<uint32_t>(settings.ToLineDistance);
+int32_t RefineLine(uint32_t inlierLimit, std::span<frame::PixelPoint> points,
+                   std::span<uint32_t> distances, analysis::BorderLine* line) {
   for (;;) {
     if (FitLineByHalves(line, points) != STATUS_OK) return ANGLE_NOT_FOUND;
     distances = distances.first(points.size());
-    const int32_t status = MeasureDistances(*line, points, distances);
-    if (status != STATUS_OK) return status;
+    MeasureDistances(*line, points, distances);
     if (CountBelow(distances, inlierLimit) == points.size()) return STATUS_OK;
 
     uint32_t sum = 0;
@@ -84,11 +80,12 @@ int32_t RefineLine(std::span<EdgePoint> points, std::span<uint32_t> distances, B
 }
 
 // The means of the segments in `chunks`, chunk after chunk.
-void GatherPoints(std::span<const BorderSegment> segments, std::span<const int32_t> chunks,
-                  size_t chunkLength, std::span<EdgePoint> points) {
+void GatherPoints(std::span<const analysis::BorderSegment> segments,
+                  std::span<const int32_t> chunks, size_t chunkLength,
+                  std::span<frame::PixelPoint> points) {
   size_t filled = 0;
   for (const int32_t chunk : chunks) {
-    for (const BorderSegment& segment :
+    for (const analysis::BorderSegment& segment :
          segments.subspan(static_cast<size_t>(chunk) * chunkLength, chunkLength)) {
       points[filled++] = {segment.meanX, segment.meanY};
     }
@@ -118,72 +115,73 @@ int32_t BestOf(std::span<const BorderVote, 4> votes) {
 
 }  // namespace
 
-int32_t FitLineByHalves(BorderLine* line, std::span<const EdgePoint> points) {
+int32_t FitLineByHalves(analysis::BorderLine* line, std::span<const frame::PixelPoint> points) {
   if (points.size() < 2) return BAD_ARGUMENT;
-  const EdgePoint first = MeanOf(points.first(points.size() / 2));
-  const EdgePoint second = MeanOf(points.subspan(points.size() / 2));
-  const int32_t dx = WrapSub(second.x, first.x);
-  const int32_t dy = WrapSub(second.y, first.y);
+  const frame::PixelPoint first = MeanOf(points.first(points.size() / 2));
+  const frame::PixelPoint second = MeanOf(points.subspan(points.size() / 2));
+  const int32_t dx = frame::WrapSub(second.x, first.x);
+  const int32_t dy = frame::WrapSub(second.y, first.y);
   if (dx == 0 && dy == 0) return ANGLE_NOT_FOUND;
 
   *line = {};
   if (dx == 0) {
-    line->kind = kLineVertical;
+    line->kind = analysis::LineKind::kVertical;
     line->intercept = first.x;
     line->angle = 90.0;
   } else if (dy == 0) {
-    line->kind = kLineHorizontal;
+    line->kind = analysis::LineKind::kHorizontal;
     line->intercept = first.y;
   } else {
-    line->kind = kLineGeneral;
+    line->kind = analysis::LineKind::kGeneral;
     line->slope = static_cast<double>(dy) / dx;
     line->intercept = first.y - first.x * line->slope;
-    line->angle = ArcTangent(line->slope) * kDegreesPerRadian;
+    line->angle = frame::ArcTangent(line->slope) * frame::kDegreesPerRadian;
   }
   return STATUS_OK;
 }
 
-int32_t EstimateBorderAngle(std::span<const BorderSegment> segments, int32_t segmentLen,
-                            double groupAngle, BorderVote* vote) {
-  const int32_t length = segmentLen & 0xFFFF;
-  if (vote == nullptr || length == 0 || length > kMaxSegmentLen) return BAD_ARGUMENT;
+int32_t EstimateBorderAngle(const frame::Settings& settings,
+                            std::span<const analysis::BorderSegment> segments, BorderVote* vote) {
+  const int32_t length = settings.SegmentLen & 0xFFFF;
+  const double groupAngle = settings.GroupAngle;
+  if (length == 0 || length > kMaxSegmentLen) return BAD_ARGUMENT;
   if (!(groupAngle >= 0.0 && groupAngle <= kMaxGroupAngle)) return BAD_ARGUMENT;
   *vote = {};
 
-  ScratchArray<double> degrees;
-  ScratchArray<int32_t> chunks;
+  frame::ScratchArray<double> degrees;
+  frame::ScratchArray<int32_t> chunks;
   if (!MeasureDirections(segments, length, &degrees)) return OUT_OF_MEMORY;
   if (!PickLargestGroup(degrees.span(), groupAngle, &chunks)) return OUT_OF_MEMORY;
   if (chunks.size() == 0) return ANGLE_NOT_FOUND;
 
   const size_t count = chunks.size() * static_cast<size_t>(length);
-  ScratchArray<EdgePoint> points;
-  ScratchArray<EdgePoint> working;
-  ScratchArray<uint32_t> distances;
+  frame::ScratchArray<frame::PixelPoint> points;
+  frame::ScratchArray<frame::PixelPoint> working;
+  frame::ScratchArray<uint32_t> distances;
   if (!points.Allocate(count) || !working.Allocate(count) || !distances.Allocate(count)) {
     return OUT_OF_MEMORY;
   }
   GatherPoints(segments, chunks.span(), static_cast<size_t>(length), points.span());
   std::copy(points.span().begin(), points.span().end(), working.span().begin());
 
-  BorderLine line;
-  int32_t status = RefineLine(working.span(), distances.span(), &line);
-  if (status != STATUS_OK) return status;
-  status = MeasureDistances(line, points.span(), distances.span());
-  if (status != STATUS_OK) return status;
+  analysis::BorderLine line;
   const auto inlierLimit = static_cast<uint32_t>(settings.ToLineDistance);
+  const int32_t status = RefineLine(inlierLimit, working.span(), distances.span(), &line);
+  if (status != STATUS_OK) return status;
+  MeasureDistances(line, points.span(), distances.span());
   const auto votes = static_cast<int32_t>(CountBelow(distances.span(), inlierLimit));
   *vote = {line.angle, line, votes, true};
   return STATUS_OK;
 }
 
-int32_t EstimateSkewFromBorders(const BorderTraces& traces, int32_t segmentLen, double groupAngle,
+int32_t EstimateSkewFromBorders(const frame::Settings& settings,
+                                const analysis::BorderTraces& traces,
                                 std::span<BorderVote, 4> votes, int32_t* bestBorder,
                                 double* degrees) {
-  const SideTrace* const sides[] = {&traces.left, &traces.right, &traces.top, &traces.bottom};
+  const analysis::SideTrace* const sides[] = {&traces.left, &traces.right, &traces.top,
+                                              &traces.bottom};
   for (size_t i = 0; i < votes.size(); ++i) {
-    const int32_t status =
-        EstimateBorderAngle(sides[i]->list.view(), segmentLen, groupAngle, &votes[i]);
+    const int32_t status = EstimateBorderAngle(settings, sides[i]->list.view(), &votes[i]);
     if (status != STATUS_OK && status != ANGLE_NOT_FOUND) return status;
   }
   *bestBorder = BestOf(votes);
@@ -197,4 +195,4 @@ int32_t EstimateSkewFromBorders(const BorderTraces& traces, int32_t segmentLen, 
   return STATUS_OK;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::deskew

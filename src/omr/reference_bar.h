@@ -6,15 +6,7 @@
 #include "omr/bar_records.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
-
-// What a reference bar has to measure, in pixels.
-struct BarLimits {
-  int32_t minLength;     // along the diagonal of its bounding box; its thickness is sampled every
-                         // twentieth of that
-  int32_t minThickness;  // of the mean thickness, both inclusive
-  int32_t maxThickness;
-};
+namespace vorlanepic::omr {
 
 // Judges every block of `set` that is long enough into records->bars and returns the one that is
 // the reference bar: the thickest that passes every test. Null when there is none and when there is
@@ -26,4 +18,4 @@ const BlockRec* SelectReferenceBar(const BlockSetRec& set, const BarLimits& limi
 // False when there is no memory.
 bool TraceBarEdges(const BlockRec& bar, BarRecords* records);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

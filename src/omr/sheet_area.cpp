@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 namespace {
 
 // Counts of light pixels in neighbouring columns, taken row by row so that memory is walked in its
@@ -93,7 +93,8 @@ class LightLines {
 
 }  // namespace
 
-bool FindSheetArea(const GreyView& image, int32_t threshold, int32_t count, SheetArea* area) {
+bool FindSheetArea(const GreyView& image, int32_t threshold, int32_t count,
+                   frame::PixelRect* area) {
   const LightLines lines(image, threshold, count);
   area->top = lines.FirstRow(0, 2);
   area->bottom = lines.FirstRow(int64_t{image.height} - 2, -2);
@@ -102,4 +103,4 @@ bool FindSheetArea(const GreyView& image, int32_t threshold, int32_t count, Shee
   return area->top < area->bottom && area->left < area->right;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

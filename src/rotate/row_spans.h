@@ -5,7 +5,7 @@
 
 #include "frame/scratch.h"
 
-namespace vorlanepic {
+namespace vorlanepic::rotate {
 
 // Columns left..right of one source row, in pixels, both inclusive.
 struct RowSpan {
@@ -17,10 +17,9 @@ struct RowSpan {
 // row, so the first entry read is spans[top]. Holds for a region handed to RotateImage: 0 <= left
 // and right < source width in every entry of top..bottom. left > right is an empty row.
 struct RowSpans {
-  int32_t count = 0;  // rows filled in
   int32_t top = 0;
   int32_t bottom = 0;
-  ScratchArray<RowSpan> spans;
+  frame::ScratchArray<RowSpan> spans;
 };
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::rotate

@@ -5,15 +5,15 @@
 
 #include "frame/scratch.h"
 
-namespace vorlanepic {
+namespace vorlanepic::rotate {
 
 // Offsets in hundredths of a source pixel for k steps in the output, in either direction. Steps
 // beyond the int32 range hold INT32_MIN.
 class StepTables {
  public:
-  // Fills tables for |k| < `size`, size >= 1, of a turn by `angle` radians. False when there is no
-  // memory.
-  [[nodiscard]] bool Build(double angle, size_t size);
+  // Fills tables for |k| < `size`, size >= 1, of a turn by `angle` radians and quarter turns on top
+  // of it. False when there is no memory.
+  [[nodiscard]] bool Build(double angle, size_t size, int32_t quarterTurns = 0);
 
   int32_t Cos(int32_t k) const { return cos_[IndexOf(k)]; }
   int32_t Sin(int32_t k) const { return sin_[IndexOf(k)]; }
@@ -25,8 +25,8 @@ class StepTables {
   }
 
   int32_t most_ = 0;  // the largest k
-  ScratchArray<int32_t> cos_;
-  ScratchArray<int32_t> sin_;
+  frame::ScratchArray<int32_t> cos_;
+  frame::ScratchArray<int32_t> sin_;
 };
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::rotate

@@ -10,7 +10,7 @@
 #include "rotate/region_index.h"
 #include "rotate/rotate_job.h"
 
-namespace vorlanepic {
+namespace vorlanepic::rotate {
 
 // One rotation, made ready once and then computed by several threads at a time.
 class TiledRotation {
@@ -48,11 +48,11 @@ class TiledRotation {
   int32_t OffsetX(int32_t x, int32_t y) const;
   int32_t OffsetY(int32_t x, int32_t y) const;
   // The extremes of both offsets in a rectangle of the output.
-  SourceRect OffsetsOf(const OutputRect& rect) const;
-  SourceRect BasePixelsOf(const OutputRect& rect) const;
+  frame::PixelRect OffsetsOf(const OutputRect& rect) const;
+  frame::PixelRect BasePixelsOf(const OutputRect& rect) const;
   // Whether all taps of these base pixels lie in the region, and where a kernel may read them. May
   // be cautious for more than one source row.
-  bool HoldsTapsOf(const SourceRect& basePixels) const;
+  bool HoldsTapsOf(const frame::PixelRect& basePixels) const;
   bool IsInside(int32_t x, int32_t y) const;
   bool IsInner(int32_t x, int32_t y) const;
 
@@ -78,8 +78,8 @@ class TiledRotation {
   uintptr_t ahead_;      // bytes from a source pixel to the one some output rows below it
   int32_t lastSafeRow_;  // of the source, for a tap of a kernel
   RegionIndex index_;
-  ScratchArray<uint16_t> stepX_;  // low 16 bits of each output column's part in the offsets
-  ScratchArray<uint16_t> stepY_;
+  frame::ScratchArray<uint16_t> stepX_;  // low 16 bits of each output column's part in the offsets
+  frame::ScratchArray<uint16_t> stepY_;
 };
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::rotate

@@ -3,6 +3,8 @@
 #include "analysis/border_drawing.h"
 
 namespace vorlanepic::testing {
+
+using namespace analysis;
 namespace {
 
 using FindBandTest = AnalysisTest;
@@ -34,8 +36,8 @@ TEST_F(FindBandTest, ReachesNineRowsBeyondTheSampledRowsOfThePage) {
     SCOPED_TRACE(c.name);
     TestImage image(200, c.height, c.bitsPerPixel);
     FillRectangle(&image, 0, c.first, c.light - 1, c.last, 201);
-    settings.BorderMethod = c.method;
-    ScanBand band{};
+    frame::settings.BorderMethod = c.method;
+    frame::PixelRect band{};
     EXPECT_EQ(FindBand(image.rec(), &band, 200), c.top < 0 ? BORDER_NOT_FOUND : STATUS_OK);
     if (c.top < 0) continue;
     EXPECT_EQ(band.left, 0);
@@ -47,20 +49,20 @@ TEST_F(FindBandTest, ReachesNineRowsBeyondTheSampledRowsOfThePage) {
 
 TEST_F(FindBandTest, CountsOnlyWhatIsLighterThanTheThresholdAndNoPadding) {
   TestImage image(100, 10, 8);
-  ScanBand band{};
+  frame::PixelRect band{};
   image.Fill(200);
   EXPECT_EQ(FindBand(image.rec(), &band, 200), BORDER_NOT_FOUND);
   image.Fill(255);
   EXPECT_EQ(FindBand(image.rec(), &band, 254), STATUS_OK);
   EXPECT_EQ(FindBand(image.rec(), &band, 255), BORDER_NOT_FOUND);
-  settings.BorderMethod = 3;
+  frame::settings.BorderMethod = 3;
   TestImage bits(9, 1, 1);
   bits.row(0)[1] = 0xFF;  // pixel 8 and padding
   EXPECT_EQ(FindBand(bits.rec(), &band, 0), BORDER_NOT_FOUND);
 }
 
 TEST_F(FindBandTest, RefusesWhatItCannotRead) {
-  ScanBand band{};
+  frame::PixelRect band{};
   TestImage image(9, 9, 4);
   EXPECT_EQ(FindBand(nullptr, &band, 0), BAD_ARGUMENT);
   EXPECT_EQ(FindBand(image.rec(), nullptr, 0), BAD_ARGUMENT);
@@ -78,7 +80,7 @@ class BorderScanTest : public AnalysisTest {
     return ScanColumns(image.rec(), &band_, kLevels, &traces_.top, &traces_.bottom, &extremes_);
   }
 
-  ScanBand band_{0, 299, 15, 84};
+  frame::PixelRect band_{0, 299, 15, 84};
   BorderTraces traces_;
   ExtremePoints extremes_{};
 };
@@ -98,16 +100,16 @@ TEST_F(BorderScanTest, TracesTheSidesOfARectangle) {
     EXPECT_EQ(traces_.left.pointCount, 30);
     EXPECT_EQ(traces_.left.list.segmentCount, 5);
     EXPECT_EQ(traces_.left.list.segments[0].meanY, 26);
-    EXPECT_EQ(extremes_.leftmost, (EdgePoint{left, 21}));
-    EXPECT_EQ(extremes_.rightmost, (EdgePoint{right, 79}));
+    EXPECT_EQ(extremes_.leftmost, (frame::PixelPoint{left, 21}));
+    EXPECT_EQ(extremes_.rightmost, (frame::PixelPoint{right, 79}));
     ASSERT_EQ(Columns(image), STATUS_OK);
-    EXPECT_EQ(extremes_.topmost, (EdgePoint{right, 20}));
+    EXPECT_EQ(extremes_.topmost, (frame::PixelPoint{right, 20}));
     // From row 84 in steps of two: the run is rows 78 and 77.
-    EXPECT_EQ(extremes_.bottommost, (EdgePoint{right, 78}));
+    EXPECT_EQ(extremes_.bottommost, (frame::PixelPoint{right, 78}));
   }
   EXPECT_EQ(traces_.top.pointCount, 48);
-  EXPECT_EQ(settings.TopExtremeSegFirst, 0);
-  EXPECT_EQ(settings.TopExtremeSegLast, 7);
+  EXPECT_EQ(frame::settings.TopExtremeSegFirst, 0);
+  EXPECT_EQ(frame::settings.TopExtremeSegLast, 7);
 }
 
 // 60 border rows are 10 segments a side; both sides stand out in rows of segments 3 and 7.
@@ -119,10 +121,10 @@ TEST_F(BorderScanTest, EqualExtremesNameTheirSegments) {
   }
   band_ = {0, 299, 0, 129};
   ASSERT_EQ(Rows(image), STATUS_OK);
-  EXPECT_EQ(extremes_.leftmost, (EdgePoint{98, 40}));
-  EXPECT_EQ(settings.LeftExtremeSegFirst, 3);
-  EXPECT_EQ(settings.LeftExtremeSegLast, 7);
-  EXPECT_EQ(extremes_.rightmost, (EdgePoint{201, 88}));
+  EXPECT_EQ(extremes_.leftmost, (frame::PixelPoint{98, 40}));
+  EXPECT_EQ(frame::settings.LeftExtremeSegFirst, 3);
+  EXPECT_EQ(frame::settings.LeftExtremeSegLast, 7);
+  EXPECT_EQ(extremes_.rightmost, (frame::PixelPoint{201, 88}));
 }
 
 TEST_F(BorderScanTest, FindsNothingOnABlankImageOrInShortSegments) {

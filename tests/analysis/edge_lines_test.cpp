@@ -6,6 +6,8 @@
 #include "analysis/border_drawing.h"
 
 namespace vorlanepic::testing {
+
+using namespace analysis;
 namespace {
 
 class BuildEdgesTest : public AnalysisTest {
@@ -23,10 +25,14 @@ class BuildEdgesTest : public AnalysisTest {
     FillTrace(&traces_.right, Line(30, 300, 100, 6, 12));
     FillTrace(&traces_.top, Line(30, 500, 300, -12, -6));
     FillTrace(&traces_.bottom, Line(30, 500, 600, -12, -6));
-    std::tie(settings.LeftExtremeSegFirst, settings.LeftExtremeSegLast) = std::pair(15, 16);
-    std::tie(settings.RightExtremeSegFirst, settings.RightExtremeSegLast) = std::pair(17, 18);
-    std::tie(settings.TopExtremeSegFirst, settings.TopExtremeSegLast) = std::pair(19, 13);
-    std::tie(settings.BottomExtremeSegFirst, settings.BottomExtremeSegLast) = std::pair(20, 12);
+    std::tie(frame::settings.LeftExtremeSegFirst, frame::settings.LeftExtremeSegLast) =
+        std::pair(15, 16);
+    std::tie(frame::settings.RightExtremeSegFirst, frame::settings.RightExtremeSegLast) =
+        std::pair(17, 18);
+    std::tie(frame::settings.TopExtremeSegFirst, frame::settings.TopExtremeSegLast) =
+        std::pair(19, 13);
+    std::tie(frame::settings.BottomExtremeSegFirst, frame::settings.BottomExtremeSegLast) =
+        std::pair(20, 12);
     extremes_ = {{100, 350}, {500, 300}, {400, 0}, {200, 700}};
   }
 
@@ -68,43 +74,43 @@ TEST_F(BuildEdgesTest, TakesTheSidesBeyondTheExtremesOfATurnedPage) {
   TraceDiamond();
   ASSERT_EQ(Build(), STATUS_OK);
   EXPECT_EQ(straightness_, 1);
-  EXPECT_EQ(settings.EdgeArrangement, 2);  // 700 - 350 is not more than 350 - 0
+  EXPECT_EQ(frame::settings.EdgeArrangement, 2);  // 700 - 350 is not more than 350 - 0
   const auto& [left, right, top, bottom] = Sides();
   ExpectParts({{left, 5, 5}, {bottom, 17, 8}, {right, 23, 2}, {top, 5, 9}});
   extremes_.leftmost.y = 300;
   ASSERT_EQ(Build(), STATUS_OK);
-  EXPECT_EQ(settings.EdgeArrangement, 1);
+  EXPECT_EQ(frame::settings.EdgeArrangement, 1);
   ExpectParts({{top, 18, 7}, {left, 21, 4}, {bottom, 5, 10}, {right, 5, 7}});
 }
 
 TEST_F(BuildEdgesTest, TakesWholeSidesOfAStraightPage) {
   TraceUpright();
-  settings.EdgeArrangement = 9;
+  frame::settings.EdgeArrangement = 9;
   ASSERT_EQ(Build(), STATUS_OK);
   EXPECT_EQ(straightness_, 0);
-  EXPECT_EQ(settings.EdgeArrangement, 9);
+  EXPECT_EQ(frame::settings.EdgeArrangement, 9);
   const auto& [left, right, top, bottom] = Sides();
   ExpectParts({{top, 5, 20}, {left, 5, 20}, {bottom, 5, 20}, {right, 5, 20}});
-  settings.BorderMethod = 3;
+  frame::settings.BorderMethod = 3;
   ASSERT_EQ(Build(), STATUS_OK);
-  EXPECT_EQ(settings.EdgeArrangement, 1);
+  EXPECT_EQ(frame::settings.EdgeArrangement, 1);
   extremes_.leftmost.y = 300;
   ASSERT_EQ(Build(), STATUS_OK);
-  EXPECT_EQ(settings.EdgeArrangement, 2);
+  EXPECT_EQ(frame::settings.EdgeArrangement, 2);
   ExpectParts({{left, 5, 20}, {bottom, 5, 20}, {right, 5, 20}, {top, 5, 20}});
   // The trim goes by the points of a segment: 32 / 10 = 3, then more than there are.
-  settings.SegmentPointNum = 10;
+  frame::settings.SegmentPointNum = 10;
   ASSERT_EQ(Build(), STATUS_OK);
   EXPECT_EQ(edges_.e1.list.segmentCount, 24);
-  settings.SegmentPointNum = 1;
+  frame::settings.SegmentPointNum = 1;
   EXPECT_EQ(Build(), BAD_ARGUMENT);
 }
 
 // 10 segments 12 apart along x = 100; some lie 50 aside, paired so that the halves' means stay at
 // 100. With segments 1, 3, 6, 8 aside 6 of 10 are near, which is not more than 0.6 of them. With 1,
 // 3 and 6 aside the chord runs from (100, 44) to (110, 104), at 80.5 degrees, and 7 are near.
-std::vector<EdgePoint> Crooked(bool fourAside) {
-  std::vector<EdgePoint> side = Line(10, 100, 20, 0, 12);
+std::vector<frame::PixelPoint> Crooked(bool fourAside) {
+  std::vector<frame::PixelPoint> side = Line(10, 100, 20, 0, 12);
   side[1].x += 50;
   side[3].x -= 50;
   side[6].x += 50;
@@ -114,16 +120,16 @@ std::vector<EdgePoint> Crooked(bool fourAside) {
 
 TEST_F(BuildEdgesTest, StraightnessIsJudgedOnTheLongerSidesOrTheUprightOnes) {
   struct Case {
-    std::vector<EdgePoint> left;
-    std::vector<EdgePoint> top;
+    std::vector<frame::PixelPoint> left;
+    std::vector<frame::PixelPoint> top;
     int32_t width;  // of the page; it is 400 high
     int32_t topmost;
     int32_t straightness;
   };
-  const std::vector<EdgePoint> level = Line(10, 20, 100, 12, 0);
-  const std::vector<EdgePoint> upright = Line(10, 100, 20, 0, 12);
-  const std::vector<EdgePoint> slanted = Line(10, 100, 20, 12, 60);  // at 78.7 degrees
-  const std::vector<EdgePoint> crookedTop = Transposed(Crooked(true));
+  const std::vector<frame::PixelPoint> level = Line(10, 20, 100, 12, 0);
+  const std::vector<frame::PixelPoint> upright = Line(10, 100, 20, 0, 12);
+  const std::vector<frame::PixelPoint> slanted = Line(10, 100, 20, 12, 60);  // at 78.7 degrees
+  const std::vector<frame::PixelPoint> crookedTop = Transposed(Crooked(true));
   const Case cases[] = {
       {Crooked(true), level, 300, 9, 1},
       {Crooked(false), level, 300, 9, 0},

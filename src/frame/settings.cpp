@@ -1,7 +1,0 @@
-#include "frame/settings.h"
-
-namespace vorlanepic {
-
-Settings settings{};
-
-}  // namespace vorlanepic
