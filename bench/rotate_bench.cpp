@@ -33,9 +33,9 @@ constexpr const char* kSetNames[] = {"scalar", "sse2", "avx2", "avx512"};
 
 // A page of 9/10 the width and 14/15 the height of its image, turned about the middle.
 struct Scan {
-  ScratchImage image;
-  RowSpans region;
-  Turn turn{};
+  frame::ScratchImage image;
+  rotate::RowSpans region;
+  rotate::Turn turn{};
 };
 
 // The rows and columns of a turned rectangle, as a corner solver would give them.
@@ -92,11 +92,12 @@ void CountPixels(benchmark::State& state, const Scan& scan) {
 }
 
 void RunRotateImage(benchmark::State& state, const Scan& scan) {
-  settings.ImageNum = 1;
+  frame::settings.ImageNum = 1;
   const uint8_t fill[3] = {255, 0, 0};
   for ([[maybe_unused]] auto iteration : state) {
-    ScratchImage target;
-    if (RotateImage(scan.image.rec(), target.rec(), &scan.region, scan.turn, fill) != STATUS_OK) {
+    frame::ScratchImage target;
+    if (rotate::RotateImage(scan.image.rec(), target.rec(), &scan.region, scan.turn, fill) !=
+        STATUS_OK) {
       state.SkipWithError("not rotated");
     }
   }
@@ -106,8 +107,8 @@ void RunRotateImage(benchmark::State& state, const Scan& scan) {
 // One thread, without the threads' and the fresh output's cost.
 void RunPlain(benchmark::State& state, const Scan& scan) {
   const uint8_t fill[3] = {255, 0, 0};
-  ScratchImage target;
-  RotateJob job{*scan.image.rec(), *target.rec(), scan.region, scan.turn, fill, {}};
+  frame::ScratchImage target;
+  rotate::RotateJob job{*scan.image.rec(), *target.rec(), scan.region, scan.turn, fill, {}};
   if (Imgbuf_New(target.rec(), scan.turn.outWidth, scan.turn.outHeight,
                  scan.image.rec()->bitsPerPixel, 0) != 0 ||
       !job.steps.Build(scan.turn.angle, static_cast<size_t>(scan.turn.outWidth) +
@@ -115,7 +116,7 @@ void RunPlain(benchmark::State& state, const Scan& scan) {
     return state.SkipWithError("no memory");
   }
   for ([[maybe_unused]] auto iteration : state) {
-    RotateRowsPlain(job, 0, scan.turn.outHeight - 1);
+    rotate::RotateRowsPlain(job, 0, scan.turn.outHeight - 1);
   }
   CountPixels(state, scan);
 }
@@ -144,13 +145,13 @@ constexpr Size kSizes[] = {
 void RegisterPage(const Kind& kind) {
   const std::string name = std::string("page/") + kind.name + "/";
   Register(name + "plain_one_thread", 2000, 3000, kind, 2.0, RunPlain);
-  for (const InstructionSet set : kInstructionSets) {
-    if (!HasInstructionSet(set)) continue;
+  for (const rotate::InstructionSet set : rotate::kInstructionSets) {
+    if (!rotate::HasInstructionSet(set)) continue;
     Register(name + kSetNames[static_cast<size_t>(set)], 2000, 3000, kind, 2.0,
              [set](benchmark::State& state, const Scan& scan) {
-               SelectRotateKernels(set);
+               rotate::SelectRotateKernels(set);
                RunRotateImage(state, scan);
-               SelectRotateKernels(BestInstructionSet());
+               rotate::SelectRotateKernels(rotate::BestInstructionSet());
              });
   }
 }

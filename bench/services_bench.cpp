@@ -36,7 +36,7 @@ void Vorlane(benchmark::State& state, const Frame& frame, int32_t interpolation)
   const ImageRec* source = ScanOf(frame).rec();
   Measure(state, [&] {
     double angle = 0;
-    ScratchImage upright;
+    frame::ScratchImage upright;
     return ImageVorlaneEx(source, interpolation, 0, 0, &angle, upright.rec());
   });
 }
@@ -81,7 +81,7 @@ void DeskewCrop(benchmark::State& state, const Frame& frame, int32_t interpolati
   const ImageRec* source = ScanOf(frame).rec();
   Measure(state, [&] {
     double angle = 0;
-    ScratchImage cropped;
+    frame::ScratchImage cropped;
     return ImageDeskewCropEx(source, interpolation, kThreshold, 0, 0, kBlack, &angle, cropped.rec(),
                              CropParam(method), 1);
   });

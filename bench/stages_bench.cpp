@@ -20,22 +20,22 @@ namespace vorlanepic::bench {
 namespace {
 
 // What a whole call found on a frame; the settings are left as that call left them.
-PageRecords FindPage(const Frame& frame) {
-  PageRecords records;
+deskew::PageRecords FindPage(const Frame& frame) {
+  deskew::PageRecords records;
   double angle = 0;
-  ScratchImage upright;
-  settings.pageRecords = &records;
+  frame::ScratchImage upright;
+  frame::settings.pageRecords = &records;
   ImageVorlaneEx(ScanOf(frame).rec(), INTERP_NEAREST, 0, 0, &angle, upright.rec());
-  settings.pageRecords = nullptr;
+  frame::settings.pageRecords = nullptr;
   return records;
 }
 
 // A stage: returns its status.
-using Stage = int32_t (*)(const ImageRec* source, PageRecords& found);
+using Stage = int32_t (*)(const ImageRec* source, deskew::PageRecords& found);
 
 void Measure(benchmark::State& state, const Frame& frame, Stage stage) {
   const ImageRec* source = ScanOf(frame).rec();
-  PageRecords found = FindPage(frame);
+  deskew::PageRecords found = FindPage(frame);
   while (state.KeepRunning()) {
     const int32_t status = stage(source, found);
     if (status != STATUS_OK) {
@@ -45,80 +45,82 @@ void Measure(benchmark::State& state, const Frame& frame, Stage stage) {
   }
 }
 
-int32_t Threshold(const ImageRec* source, PageRecords&) {
+int32_t Threshold(const ImageRec* source, deskew::PageRecords&) {
   uint8_t threshold = 0;
-  return EstimateThreshold(source, &threshold);
+  return analysis::EstimateThreshold(source, &threshold);
 }
 
-int32_t Band(const ImageRec* source, PageRecords& found) {
-  ScanBand band{};
-  return FindBand(source, &band, found.levels.low);
+int32_t Band(const ImageRec* source, deskew::PageRecords& found) {
+  analysis::ScanBand band{};
+  return analysis::FindBand(source, &band, found.levels.low);
 }
 
-int32_t RowScan(const ImageRec* source, PageRecords& found) {
-  SideTrace left;
-  SideTrace right;
-  ExtremePoints extremes = found.extremes;
-  return ScanRows(source, &found.band, found.levels, &left, &right, &extremes);
+int32_t RowScan(const ImageRec* source, deskew::PageRecords& found) {
+  analysis::SideTrace left;
+  analysis::SideTrace right;
+  analysis::ExtremePoints extremes = found.extremes;
+  return analysis::ScanRows(source, &found.band, found.levels, &left, &right, &extremes);
 }
 
-int32_t ColumnScan(const ImageRec* source, PageRecords& found) {
-  SideTrace top;
-  SideTrace bottom;
-  ExtremePoints extremes = found.extremes;
-  return ScanColumns(source, &found.band, found.levels, &top, &bottom, &extremes);
+int32_t ColumnScan(const ImageRec* source, deskew::PageRecords& found) {
+  analysis::SideTrace top;
+  analysis::SideTrace bottom;
+  analysis::ExtremePoints extremes = found.extremes;
+  return analysis::ScanColumns(source, &found.band, found.levels, &top, &bottom, &extremes);
 }
 
-int32_t Edges(const ImageRec* source, PageRecords& found) {
-  DocumentEdges edges;
+int32_t Edges(const ImageRec* source, deskew::PageRecords& found) {
+  analysis::DocumentEdges edges;
   int32_t straightness = 1;
-  return BuildEdges(source, &found.extremes, &straightness, &found.traces, &edges);
+  return analysis::BuildEdges(source, &found.extremes, &straightness, &found.traces, &edges);
 }
 
-int32_t Corners(const ImageRec* source, PageRecords& found) {
-  DocumentGeometry geometry;
-  return SolveCorners(source, 0, &found.extremes, found.straightness, &found.edges, &geometry);
+int32_t Corners(const ImageRec* source, deskew::PageRecords& found) {
+  analysis::DocumentGeometry geometry;
+  return analysis::SolveCorners(source, 0, &found.extremes, found.straightness, &found.edges,
+                                &geometry);
 }
 
-int32_t SkewVote(const ImageRec*, PageRecords& found) {
-  BorderVote votes[4];
+int32_t SkewVote(const ImageRec*, deskew::PageRecords& found) {
+  deskew::BorderVote votes[4];
   int32_t bestBorder = -1;
   double degrees = 0;
-  return EstimateSkewFromBorders(found.traces, 10, 2.0, votes, &bestBorder, &degrees);
+  return deskew::EstimateSkewFromBorders(found.traces, 10, 2.0, votes, &bestBorder, &degrees);
 }
 
 // The first search of method 2: columns, in the rows of the band.
-int32_t ContentColumns(const ImageRec* source, PageRecords& found) {
+int32_t ContentColumns(const ImageRec* source, deskew::PageRecords& found) {
   const auto threshold = static_cast<uint8_t>(found.threshold);
-  ContentBounds bounds{0, 0, found.band.top, found.band.bottom};
-  return FindContentBounds(source, {3, 5, threshold, kSearchColumns}, &bounds);
+  deskew::ContentBounds bounds{0, 0, found.band.top, found.band.bottom};
+  return deskew::FindContentBounds(source, {3, 5, threshold, deskew::kSearchColumns}, &bounds);
 }
 
 // The second search of method 2: rows and columns.
-int32_t ContentRowsAndColumns(const ImageRec* source, PageRecords& found) {
+int32_t ContentRowsAndColumns(const ImageRec* source, deskew::PageRecords& found) {
   const auto threshold = static_cast<uint8_t>(found.threshold);
-  ContentBounds bounds{};
-  return FindContentBounds(source, {3, 8, threshold, kSearchRowsAndColumns}, &bounds);
+  deskew::ContentBounds bounds{};
+  return deskew::FindContentBounds(source, {3, 8, threshold, deskew::kSearchRowsAndColumns},
+                                   &bounds);
 }
 
 // The content of method 2, cut out without a turn.
-int32_t Cut(const ImageRec* source, PageRecords& found) {
-  const EdgePoint& center = found.geometry.center;
+int32_t Cut(const ImageRec* source, deskew::PageRecords& found) {
+  const analysis::EdgePoint& center = found.geometry.center;
   const int32_t width = source->width * 4 / 5;
   const int32_t height = source->height * 4 / 5;
-  ScratchImage cut;
-  return CopyImageRegion(source, cut.rec(),
-                         {center.x - width / 2, center.y - height / 2, width, height});
+  frame::ScratchImage cut;
+  return deskew::CopyImageRegion(source, cut.rec(),
+                                 {center.x - width / 2, center.y - height / 2, width, height});
 }
 
 template <int32_t kInterpolation>
-int32_t Rotation(const ImageRec* source, PageRecords& found) {
-  const DocumentGeometry& geometry = found.geometry;
-  const Turn turn{geometry.angle,    geometry.center.x,  geometry.center.y,
-                  geometry.outWidth, geometry.outHeight, kInterpolation};
+int32_t Rotation(const ImageRec* source, deskew::PageRecords& found) {
+  const analysis::DocumentGeometry& geometry = found.geometry;
+  const rotate::Turn turn{geometry.angle,    geometry.center.x,  geometry.center.y,
+                          geometry.outWidth, geometry.outHeight, kInterpolation};
   constexpr uint8_t kBlack[3] = {0, 0, 0};
-  ScratchImage turned;
-  return RotateImage(source, turned.rec(), &geometry.spans, turn, kBlack);
+  frame::ScratchImage turned;
+  return rotate::RotateImage(source, turned.rec(), &geometry.spans, turn, kBlack);
 }
 
 void Register(const std::string& name, const Frame& frame, Stage stage) {

@@ -24,7 +24,7 @@ std::shared_ptr<TestImage> CopyOf(const ImageRec& image) {
 
 // The angle by which we turn is the one by which the page lies turned the other way.
 double ClockwiseDegrees(double turnRadians) {
-  const double turned = turnRadians * kDegreesPerRadian;
+  const double turned = turnRadians * frame::kDegreesPerRadian;
   return turned > 180 ? 360 - turned : -turned;
 }
 
@@ -34,7 +34,7 @@ Straightener Ours(const TestImage& scan, int32_t interpolation) {
   const ImageRec* source = scan.rec();
   return {"VorlanePic", [source, interpolation](StraightPage* check) {
             double angle = 0;
-            ScratchImage upright;
+            frame::ScratchImage upright;
             const int32_t status =
                 ImageVorlaneEx(source, interpolation, 0, 0, &angle, upright.rec());
             if (status != STATUS_OK) return false;
@@ -45,21 +45,22 @@ Straightener Ours(const TestImage& scan, int32_t interpolation) {
 
 Straightener OurRotation(const TestImage& scan, int32_t interpolation) {
   const ImageRec* source = scan.rec();
-  auto records = std::make_shared<PageRecords>();
+  auto records = std::make_shared<deskew::PageRecords>();
   double angle = 0;
-  ScratchImage upright;
-  settings.pageRecords = records.get();
+  frame::ScratchImage upright;
+  frame::settings.pageRecords = records.get();
   const int32_t found = ImageVorlaneEx(source, interpolation, 0, 0, &angle, upright.rec());
-  settings.pageRecords = nullptr;
+  frame::settings.pageRecords = nullptr;
   if (found != STATUS_OK) throw std::runtime_error("no page found on the drawn scan");
 
   return {"VorlanePic", [source, interpolation, records](StraightPage* check) {
-            const DocumentGeometry& geometry = records->geometry;
-            const Turn turn{geometry.angle,    geometry.center.x,  geometry.center.y,
-                            geometry.outWidth, geometry.outHeight, interpolation};
+            const analysis::DocumentGeometry& geometry = records->geometry;
+            const rotate::Turn turn{geometry.angle,    geometry.center.x,  geometry.center.y,
+                                    geometry.outWidth, geometry.outHeight, interpolation};
             constexpr uint8_t kBlack[3] = {0, 0, 0};
-            ScratchImage turned;
-            const int32_t status = RotateImage(source, turned.rec(), &geometry.spans, turn, kBlack);
+            frame::ScratchImage turned;
+            const int32_t status =
+                rotate::RotateImage(source, turned.rec(), &geometry.spans, turn, kBlack);
             if (status != STATUS_OK) return false;
             if (check != nullptr) *check = {ClockwiseDegrees(turn.angle), CopyOf(*turned.rec())};
             return true;

@@ -34,7 +34,7 @@ void RequireSoundAngle(int32_t status, double angle) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  settings = Settings{};
+  frame::settings = frame::Settings{};
   FuzzInput input(data, size);
   const BarLimits limits(input);
   const testing::TestImage form = DrawFuzzForm(input);

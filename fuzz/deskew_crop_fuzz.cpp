@@ -35,7 +35,7 @@ struct CropCall {
 };
 
 void CropImages(const std::vector<ImageRec>& images, const CropCall& call) {
-  ScratchImage results[kMaxImages];
+  frame::ScratchImage results[kMaxImages];
   ImageRec outImages[kMaxImages] = {};
   double angle = 0;
   const int32_t status =
@@ -65,7 +65,7 @@ void CropDibs(const std::vector<DibRec>& images, const CropCall& call) {
   double measured = 0;
   const int32_t angleStatus =
       ImageDeskewAngle(images.data(), call.threshold, &measured, call.param);
-  Require(settings.AngleOnlyFlag == 0, "the angle alone leaves later calls to make images");
+  Require(frame::settings.AngleOnlyFlag == 0, "the angle alone leaves later calls to make images");
   if (status == STATUS_OK && call.background == 0 && call.cornerOption == 0) {
     Require(angleStatus == STATUS_OK && measured == angle, "the angle alone is the same angle");
   }
@@ -74,7 +74,7 @@ void CropDibs(const std::vector<DibRec>& images, const CropCall& call) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  settings = Settings{};
+  frame::settings = frame::Settings{};
   FuzzInput input(data, size);
   std::vector<testing::TestImage> pages;
   pages.reserve(kMaxImages);

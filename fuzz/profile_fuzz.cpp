@@ -18,13 +18,13 @@ const char* const kSections[] = {"S", "[", "]", "ImageDeskew", "a b", "#"};
 const char* const kKeys[] = {"K", "", "a b", "+", "[", "SegmentLen"};
 
 bool IsStatus(int32_t status) {
-  const int32_t known[] = {kProfileFound, kProfileNoSection, kProfileNoKey, kProfileMalformedLine,
-                           kProfileValueTooLong};
+  const int32_t known[] = {frame::kProfileFound, frame::kProfileNoSection, frame::kProfileNoKey,
+                           frame::kProfileMalformedLine, frame::kProfileValueTooLong};
   return std::find(std::begin(known), std::end(known), status) != std::end(known);
 }
 
-void RequireSoundValue(const ProfileText& value) {
-  Require(value.length <= kProfileLineCapacity, "a value fits into a line");
+void RequireSoundValue(const frame::ProfileText& value) {
+  Require(value.length <= frame::kProfileLineCapacity, "a value fits into a line");
   Require(value.text[value.length] == '\0', "a value ends with a zero");
   const std::string_view ends("\n\r\0", 3);
   Require(value.view().find_first_of(ends) == std::string_view::npos, "a value holds no line end");
@@ -33,10 +33,10 @@ void RequireSoundValue(const ProfileText& value) {
 }
 
 // In storage of the exact size, so that a sanitizer sees a byte written too many.
-void RequireSameText(const ProfileText& value, uint32_t size, const char* section, const char* key,
-                     const char* path) {
+void RequireSameText(const frame::ProfileText& value, uint32_t size, const char* section,
+                     const char* key, const char* path) {
   const auto out = std::make_unique<char[]>(size_t{size} + 1);
-  const uint32_t length = ReadProfileText(section, key, "d", out.get(), size, path);
+  const uint32_t length = frame::ReadProfileText(section, key, "d", out.get(), size, path);
   const std::string_view expected =
       value.length > size ? value.view().substr(0, size - 1) : value.view();
   Require(std::string_view(out.get(), length) == expected && out[length] == '\0',
@@ -56,18 +56,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   bytes += input.RestAsText();
   const testing::ProfileOnDisk file(bytes);
 
-  ProfileText value;
-  const int32_t status = FindProfileValue(file.path(), section, key, &value);
+  frame::ProfileText value;
+  const int32_t status = frame::FindProfileValue(file.path(), section, key, &value);
   Require(IsStatus(status), "a search ends with one of its statuses");
-  if (status == kProfileFound) RequireSoundValue(value);
+  if (status == frame::kProfileFound) RequireSoundValue(value);
 
   if (*key == '\0') return 0;  // found where a key is blank, but refused by the readers
-  const int32_t number = ReadProfileInt(section, key, -7, file.path());
-  if (status != kProfileFound || value.length == 0) {
+  const int32_t number = frame::ReadProfileInt(section, key, -7, file.path());
+  if (status != frame::kProfileFound || value.length == 0) {
     Require(number == -7, "a failed or empty read gives the default");
   } else {
     Require(number >= 0, "a number is never negative");
   }
-  if (status == kProfileFound) RequireSameText(value, textSize, section, key, file.path());
+  if (status == frame::kProfileFound) RequireSameText(value, textSize, section, key, file.path());
   return 0;
 }

@@ -18,7 +18,7 @@ void StraightenToNewImage(const ImageRec& page, FuzzInput& input) {
   const int32_t threshold = input.MostlyIn(0, 255);
   const int32_t background = input.Flag() ? 255 : input.MostlyIn(0, 0);
   double angle = -1;
-  ScratchImage result;
+  frame::ScratchImage result;
   const int32_t status = ImageVorlaneEx(&page, mode, threshold, background, &angle, result.rec());
   if (status == STATUS_OK) {
     RequireSoundImage(*result.rec());
@@ -34,7 +34,7 @@ void StraightenInPlace(const ImageRec& page, FuzzInput& input) {
   const int32_t threshold = input.In(0, 255);
   // The result can be the larger image; the caller has room for it.
   double angle = 0;
-  ScratchImage expected;
+  frame::ScratchImage expected;
   const int32_t status = ImageVorlaneEx(&page, mode, threshold, 0, &angle, expected.rec());
   const int32_t bytes = std::max(page.imageBytes, expected.rec()->imageBytes);
 
@@ -56,7 +56,7 @@ void StraightenInPlace(const ImageRec& page, FuzzInput& input) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  settings = Settings{};
+  frame::settings = frame::Settings{};
   FuzzInput input(data, size);
   const testing::TestImage page = DrawFuzzPage(input);
   StraightenToNewImage(*page.rec(), input);

@@ -7,7 +7,7 @@
 #include "frame/trigonometry.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 namespace {
 
 // Chords nearer to an axis than this are taken for horizontal or vertical, in degrees.
@@ -20,8 +20,8 @@ struct PointSum {
   int32_t y = 0;
 
   void Add(EdgePoint point) {
-    x = WrapAdd(x, point.x);
-    y = WrapAdd(y, point.y);
+    x = frame::WrapAdd(x, point.x);
+    y = frame::WrapAdd(y, point.y);
   }
   EdgePoint MeanOf(int32_t count) const { return {x / count, y / count}; }
 };
@@ -47,14 +47,14 @@ void SetHorizontal(BorderLine* line, double y) {
 }
 
 double SlopeBetween(EdgePoint a, EdgePoint b) {
-  return static_cast<double>(WrapSub(b.y, a.y)) / WrapSub(b.x, a.x);
+  return static_cast<double>(frame::WrapSub(b.y, a.y)) / frame::WrapSub(b.x, a.x);
 }
 
 // Puts the line's point midway between the halves' means and settles the lines along an axis.
 // Returns whether that is all there is to do.
 bool SetMidpointAndAxis(BorderLine* line, EdgePoint a, EdgePoint b) {
-  line->midX = WrapAdd(a.x, b.x) >> 1;
-  line->midY = WrapAdd(a.y, b.y) >> 1;
+  line->midX = frame::WrapAdd(a.x, b.x) >> 1;
+  line->midY = frame::WrapAdd(a.y, b.y) >> 1;
   if (a.x == b.x) {
     SetVertical(line, a.x);
     return true;
@@ -71,14 +71,14 @@ bool SetMidpointAndAxis(BorderLine* line, EdgePoint a, EdgePoint b) {
 int32_t DistanceToLine(int32_t x, int32_t y, const BorderLine& line, int32_t* distance) {
   switch (line.kind) {
     case kLineHorizontal:
-      *distance = TruncToInt32(y - line.intercept);
+      *distance = frame::TruncToInt32(y - line.intercept);
       return STATUS_OK;
     case kLineVertical:
-      *distance = TruncToInt32(line.intercept - x);
+      *distance = frame::TruncToInt32(line.intercept - x);
       return STATUS_OK;
     case kLineGeneral:
-      *distance = TruncToInt32((y - line.intercept - x * line.slope) /
-                               std::sqrt(line.slope * line.slope + 1.0));
+      *distance = frame::TruncToInt32((y - line.intercept - x * line.slope) /
+                                      std::sqrt(line.slope * line.slope + 1.0));
       return STATUS_OK;
     default:
       return BAD_ARGUMENT;
@@ -94,7 +94,7 @@ int32_t FitChordLine(BorderLine* line, const SegmentList& list) {
   if (SetMidpointAndAxis(line, a, b)) return STATUS_OK;
 
   const double slope = SlopeBetween(a, b);
-  const double angle = ArcTangent(std::abs(slope)) * kDegreesPerRadian;
+  const double angle = frame::ArcTangent(std::abs(slope)) * frame::kDegreesPerRadian;
   if (angle <= kFlatDegrees) {
     SetHorizontal(line, line->midY);
   } else if (angle >= kSteepDegrees) {
@@ -131,9 +131,9 @@ int32_t FitPointLine(BorderLine* line, const SegmentList& list) {
 
   line->kind = kLineGeneral;
   line->slope = SlopeBetween(a, b);
-  line->angle = ArcTangent(line->slope) * kDegreesPerRadian;
+  line->angle = frame::ArcTangent(line->slope) * frame::kDegreesPerRadian;
   line->intercept = line->midY - line->midX * line->slope;
   return STATUS_OK;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

@@ -5,7 +5,7 @@
 
 #include "analysis/border_records.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 
 // Signed distance in pixels of (x, y) from `line`, truncated toward zero, in *distance. For a
 // general line it is positive below the line (towards larger y), for a vertical one to its left.
@@ -23,4 +23,4 @@ int32_t FitChordLine(BorderLine* line, const SegmentList& list);
 // halves meet.
 int32_t FitPointLine(BorderLine* line, const SegmentList& list);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

@@ -6,7 +6,7 @@
 
 #include "frame/scratch.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 
 // Columns left..right and rows top..bottom that are searched for the border, all inclusive, in
 // pixels.
@@ -36,7 +36,7 @@ struct BorderSegment {
 struct SegmentList {
   int32_t segmentCount = 0;
   int32_t pointTotal = 0;  // points of all segments, kept up by whoever fits a line to points
-  ScratchArray<BorderSegment> segments;  // room for segments.size(), segmentCount in use
+  frame::ScratchArray<BorderSegment> segments;  // room for segments.size(), segmentCount in use
 
   std::span<BorderSegment> view() {
     return segments.span().first(static_cast<size_t>(segmentCount));
@@ -50,7 +50,7 @@ struct SegmentList {
 // segment, in the order found.
 struct SideTrace {
   int32_t pointCount = 0;
-  ScratchArray<EdgePoint> points;  // room for points.size(), pointCount in use
+  frame::ScratchArray<EdgePoint> points;  // room for points.size(), pointCount in use
   SegmentList list;
 };
 
@@ -110,4 +110,4 @@ struct DocumentEdges {
   EdgeLine e4;
 };
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

@@ -6,7 +6,7 @@
 #include "frame/scratch.h"
 #include "frame/settings.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 namespace {
 
 bool IsInside(const ScanBand& band, const ImageRec& image) {
@@ -34,7 +34,7 @@ void ForEachFullPoint(SideTrace& trace, Visit visit) {
   const EdgePoint* point = trace.points.data();
   int32_t index = 0;
   for (const BorderSegment& segment : trace.list.view()) {
-    if (segment.count >= settings.SegmentPointNum) {
+    if (segment.count >= frame::settings.SegmentPointNum) {
       for (int32_t i = 0; i < segment.count; ++i) visit(point[i], index);
     }
     point += segment.count;
@@ -66,37 +66,37 @@ void FindExtreme(SideTrace& side, int32_t EdgePoint::*axis, int32_t direction, E
 void FindLeftmost(SideTrace& left, int32_t width, EdgePoint* leftmost) {
   leftmost->x = width;
   FindExtreme(left, &EdgePoint::x, -1, leftmost,
-              {&settings.LeftExtremeSegFirst, &settings.LeftExtremeSegLast});
+              {&frame::settings.LeftExtremeSegFirst, &frame::settings.LeftExtremeSegLast});
 }
 
 // Unlike on the other sides the last of equal points wins.
 void FindRightmost(SideTrace& right, EdgePoint* rightmost) {
   rightmost->x = 0;
-  settings.RightExtremeSegFirst = 0;
+  frame::settings.RightExtremeSegFirst = 0;
   ForEachFullPoint(right, [&](EdgePoint point, int32_t index) {
     if (point.x < rightmost->x) return;
     *rightmost = point;
-    settings.RightExtremeSegFirst = index;
-    settings.RightExtremeSegLast = index;
+    frame::settings.RightExtremeSegFirst = index;
+    frame::settings.RightExtremeSegLast = index;
   });
 }
 
 void FindTopmost(SideTrace& top, int32_t height, EdgePoint* topmost) {
   topmost->y = height;
   FindExtreme(top, &EdgePoint::y, -1, topmost,
-              {&settings.TopExtremeSegFirst, &settings.TopExtremeSegLast});
+              {&frame::settings.TopExtremeSegFirst, &frame::settings.TopExtremeSegLast});
 }
 
 void FindBottommost(SideTrace& bottom, EdgePoint* bottommost) {
   bottommost->y = 0;
   FindExtreme(bottom, &EdgePoint::y, 1, bottommost,
-              {&settings.BottomExtremeSegFirst, &settings.BottomExtremeSegLast});
+              {&frame::settings.BottomExtremeSegFirst, &frame::settings.BottomExtremeSegLast});
 }
 
 template <typename Pixel>
 int32_t TraceRows(const ImageRec& image, const ScanBand& band, GreyBand levels, TraceBuilder* left,
                   TraceBuilder* right) {
-  const int32_t run = settings.SearchBorderPixelNum;
+  const int32_t run = frame::settings.SearchBorderPixelNum;
   for (int64_t row = band.top; row <= band.bottom; row += 2) {
     const auto y = static_cast<int32_t>(row);
     int32_t status = AddPoint(left, WalkFromLeft<Pixel>(image.rows[y], band, levels, run), y);
@@ -110,13 +110,13 @@ int32_t TraceRows(const ImageRec& image, const ScanBand& band, GreyBand levels, 
 template <typename Pixel>
 int32_t TraceColumns(const ImageRec& image, const ScanBand& band, GreyBand levels,
                      ColumnRange columns, TraceBuilder* top, TraceBuilder* bottom) {
-  ScratchArray<int32_t> topRows;
-  ScratchArray<int32_t> bottomRows;
+  frame::ScratchArray<int32_t> topRows;
+  frame::ScratchArray<int32_t> bottomRows;
   if (!topRows.Allocate(columns.count()) || !bottomRows.Allocate(columns.count())) {
     return OUT_OF_MEMORY;
   }
-  int32_t status = WalkColumns<Pixel>(image, band, levels, settings.SearchBorderPixelNum, columns,
-                                      {topRows.span(), bottomRows.span()});
+  int32_t status = WalkColumns<Pixel>(image, band, levels, frame::settings.SearchBorderPixelNum,
+                                      columns, {topRows.span(), bottomRows.span()});
   if (status != STATUS_OK) return status;
 
   for (size_t i = 0; i < columns.count(); ++i) {
@@ -183,4 +183,4 @@ int32_t ScanColumns(const ImageRec* image, const ScanBand* band, GreyBand levels
   return STATUS_OK;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

@@ -6,7 +6,7 @@
 #include "analysis/border_records.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 
 // Finds the rows of `image` that hold the page. A row belongs to it when more than 85 of its pixels
 // (1 unless BorderMethod is 1) are lighter than `low`; every eighth row is looked at.
@@ -32,4 +32,4 @@ int32_t ScanRows(const ImageRec* image, const ScanBand* band, GreyBand levels, S
 int32_t ScanColumns(const ImageRec* image, const ScanBand* band, GreyBand levels, SideTrace* top,
                     SideTrace* bottom, ExtremePoints* extremes);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

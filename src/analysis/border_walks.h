@@ -8,7 +8,7 @@
 #include "analysis/border_records.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 
 // The longest run that can be asked for.
 inline constexpr int32_t kLongestRun = 10;
@@ -55,4 +55,4 @@ template <typename Pixel>
 int32_t WalkColumns(const ImageRec& image, const ScanBand& band, GreyBand levels, int32_t run,
                     ColumnRange columns, ColumnBorders borders);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

@@ -8,7 +8,7 @@
 #include "analysis/pixel_access.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 
 template <typename Pixel>
 int32_t PlainWalkFromLeft(const uint8_t* row, const ScanBand& band, GreyBand levels, int32_t run) {
@@ -90,4 +90,4 @@ void PlainWalkColumns(const ImageRec& image, const ScanBand& band, GreyBand leve
   }
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

@@ -9,7 +9,7 @@
 #include "analysis/pixel_access.h"
 #include "frame/scratch.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 namespace {
 
 // 64 neighbouring columns. Bits stand for columns as in DocumentMask.
@@ -118,7 +118,7 @@ class ColumnSweep {
   DocumentMask<Pixel> document_;
   int32_t run_;
   ColumnRange columns_;
-  ScratchArray<ColumnGroup> groups_;  // the open ones first
+  frame::ScratchArray<ColumnGroup> groups_;  // the open ones first
   size_t openGroups_ = 0;
 };
 
@@ -142,4 +142,4 @@ template int32_t WalkColumns<Grey8>(const ImageRec&, const ScanBand&, GreyBand, 
 template int32_t WalkColumns<Colour24>(const ImageRec&, const ScanBand&, GreyBand, int32_t,
                                        ColumnRange, ColumnBorders);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

@@ -8,7 +8,7 @@
 #include "frame/arithmetic.h"
 #include "frame/trigonometry.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 namespace {
 
 // Entries of the span table beyond the last row.
@@ -19,7 +19,7 @@ bool CountEdgePoints(DocumentEdges* edges) {
     if (edge->list.segmentCount == 0) return false;
     edge->list.pointTotal = 0;
     for (const BorderSegment& segment : edge->list.view()) {
-      edge->list.pointTotal = WrapAdd(edge->list.pointTotal, segment.count);
+      edge->list.pointTotal = frame::WrapAdd(edge->list.pointTotal, segment.count);
     }
   }
   return true;
@@ -37,7 +37,7 @@ int32_t FindCorners(const DocumentEdges& edges, DocumentCorners* corners) {
 }
 
 // The middle of two coordinates, rounded up.
-int32_t Middle(int32_t a, int32_t b) { return WrapAdd(WrapAdd(a, b), 1) >> 1; }
+int32_t Middle(int32_t a, int32_t b) { return frame::WrapAdd(frame::WrapAdd(a, b), 1) >> 1; }
 
 int32_t FindCenter(const ImageRec& image, const DocumentCorners& corners, EdgePoint* center) {
   center->x = Middle(corners.c43.x, corners.c12.x);
@@ -50,19 +50,19 @@ int32_t FindCenter(const ImageRec& image, const DocumentCorners& corners, EdgePo
 // Distance in pixels, rounded; INT32_MIN for points so far apart that the sum of squares wraps
 // below 0.
 int32_t Length(EdgePoint a, EdgePoint b) {
-  const int32_t dx = WrapSub(a.x, b.x);
-  const int32_t dy = WrapSub(a.y, b.y);
-  const int32_t squares = WrapAdd(WrapMul(dx, dx), WrapMul(dy, dy));
-  return RoundToInt32(std::sqrt(static_cast<double>(squares)));
+  const int32_t dx = frame::WrapSub(a.x, b.x);
+  const int32_t dy = frame::WrapSub(a.y, b.y);
+  const int32_t squares = frame::WrapAdd(frame::WrapMul(dx, dx), frame::WrapMul(dy, dy));
+  return frame::RoundToInt32(std::sqrt(static_cast<double>(squares)));
 }
 
 // The clockwise turn in radians, 0 up to 2 pi, that makes an edge at `degrees` upright or level,
 // whichever is nearer.
 double TurnOf(double degrees) {
-  if (degrees <= -45.0) return (270.0 - degrees) * kRadiansPerDegree;
-  if (degrees <= 0.0) return -degrees * kRadiansPerDegree;
-  if (degrees <= 45.0) return (360.0 - degrees) * kRadiansPerDegree;
-  return (90.0 - degrees) * kRadiansPerDegree;
+  if (degrees <= -45.0) return (270.0 - degrees) * frame::kRadiansPerDegree;
+  if (degrees <= 0.0) return -degrees * frame::kRadiansPerDegree;
+  if (degrees <= 45.0) return (360.0 - degrees) * frame::kRadiansPerDegree;
+  return (90.0 - degrees) * frame::kRadiansPerDegree;
 }
 
 // The steeper of two neighbouring edges gives the angle and is the upright document's height.
@@ -81,7 +81,7 @@ void MeasureDocument(const DocumentEdges& edges, DocumentGeometry* geometry) {
   }
 }
 
-int32_t FindRows(const DocumentCorners& corners, int32_t height, RowSpans* spans) {
+int32_t FindRows(const DocumentCorners& corners, int32_t height, rotate::RowSpans* spans) {
   const int32_t top = std::min({corners.c14.y, corners.c12.y, corners.c43.y});
   const int32_t bottom = std::max({corners.c12.y, corners.c43.y, corners.c23.y});
   spans->top = std::clamp(top, 0, height - 1);
@@ -92,13 +92,13 @@ int32_t FindRows(const DocumentCorners& corners, int32_t height, RowSpans* spans
 // Column of `line` in row y, 0..width - 1; a level line gives the corner's column.
 int32_t ColumnAt(const BorderLine& line, int32_t y, int32_t cornerX, int32_t width) {
   int32_t x = cornerX;
-  if (line.kind == kLineGeneral) x = RoundToInt32((y - line.intercept) / line.slope);
-  if (line.kind == kLineVertical) x = RoundToInt32(line.intercept);
+  if (line.kind == kLineGeneral) x = frame::RoundToInt32((y - line.intercept) / line.slope);
+  if (line.kind == kLineVertical) x = frame::RoundToInt32(line.intercept);
   return std::clamp(x, 0, width - 1);
 }
 
 int32_t FillSpans(const DocumentEdges& edges, const DocumentCorners& corners, int32_t width,
-                  RowSpans* spans) {
+                  rotate::RowSpans* spans) {
   if (!spans->spans.Allocate(static_cast<size_t>(spans->bottom) + kSpareSpans)) {
     return OUT_OF_MEMORY;
   }
@@ -139,4 +139,4 @@ int32_t SolveCorners(const ImageRec* image, int32_t cornerOption, const ExtremeP
   return FillSpans(*edges, geometry->corners, image->width, &geometry->spans);
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

@@ -7,7 +7,7 @@
 #include "rotate/row_spans.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 
 // Corners of the document: cAB is where the edges with codes A and B cross.
 struct DocumentCorners {
@@ -24,7 +24,7 @@ struct DocumentGeometry {
   double angle = 0.0;    // radians, 0 up to 2 pi: the turn that makes the document upright
   int32_t outWidth = 0;  // size of the upright document in pixels
   int32_t outHeight = 0;
-  RowSpans spans;  // the document's columns in every row of the image
+  rotate::RowSpans spans;  // the document's columns in every row of the image
 };
 
 // Solves the geometry from the four edges.
@@ -39,4 +39,4 @@ struct DocumentGeometry {
 int32_t SolveCorners(const ImageRec* image, int32_t cornerOption, const ExtremePoints* extremes,
                      int32_t straightness, DocumentEdges* edges, DocumentGeometry* geometry);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

@@ -6,7 +6,7 @@
 #include "analysis/pixel_access.h"
 #include "frame/settings.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 namespace {
 
 // Every eighth row is looked at; the band reaches one row further than the rows skipped.
@@ -37,7 +37,7 @@ bool IsPageRow(const uint8_t* row, int32_t width, uint8_t low, int32_t limit) {
 
 template <typename Pixel>
 int32_t FindBandRows(const ImageRec& image, ScanBand* band, uint8_t low) {
-  const int32_t limit = settings.BorderMethod == 1 ? kMethod1RowLimit : kRowLimit;
+  const int32_t limit = frame::settings.BorderMethod == 1 ? kMethod1RowLimit : kRowLimit;
   const auto isPageRow = [&](int64_t y) {
     return IsPageRow<Pixel>(image.rows[y], image.width, low, limit);
   };
@@ -71,4 +71,4 @@ int32_t FindBand(const ImageRec* image, ScanBand* band, uint8_t low) {
                    [&](auto pixel) { return FindBandRows<decltype(pixel)>(*image, band, low); });
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

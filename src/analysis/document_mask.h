@@ -13,7 +13,7 @@
 #include "analysis/border_records.h"
 #include "analysis/pixel_access.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 
 static_assert(std::endian::native == std::endian::little);
 
@@ -176,4 +176,4 @@ class DocumentMask {
 
 #endif
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

@@ -6,7 +6,7 @@
 #include "frame/settings.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 namespace {
 
 // Degrees from a right angle within which parallel pairs of edges make a document.
@@ -23,7 +23,7 @@ int32_t PlaceOnSide(BorderLine* line, const BorderLine& side, int32_t y) {
       line->midX = side.midX;
       return STATUS_OK;
     case kLineGeneral:
-      line->midX = TruncToInt32((y - side.intercept) / side.slope);
+      line->midX = frame::TruncToInt32((y - side.intercept) / side.slope);
       return STATUS_OK;
     default:
       return BORDER_NOT_FOUND;
@@ -53,13 +53,13 @@ int32_t RepairEdge(SolverPath path, const ExtremePoints& extremes, int32_t strai
 }
 
 void MoveMidpoint(BorderLine* line, int32_t dx, int32_t dy) {
-  line->midX = WrapAdd(line->midX, dx);
-  line->midY = WrapAdd(line->midY, dy);
+  line->midX = frame::WrapAdd(line->midX, dx);
+  line->midY = frame::WrapAdd(line->midY, dy);
 }
 
 void MoveOutwards(int32_t cornerOption, DocumentEdges* edges) {
-  const int32_t out = WrapMul(2, cornerOption);
-  const int32_t back = WrapSub(0, out);
+  const int32_t out = frame::WrapMul(2, cornerOption);
+  const int32_t back = frame::WrapSub(0, out);
   MoveMidpoint(&edges->e1.line, back, back);
   MoveMidpoint(&edges->e2.line, back, out);
   MoveMidpoint(&edges->e4.line, out, back);
@@ -71,9 +71,9 @@ void MoveOutwards(int32_t cornerOption, DocumentEdges* edges) {
 void RepairPair(BorderLine* a, BorderLine* b, const BorderLine& third, const BorderLine& fourth) {
   const double offA = OffPerpendicular(a->angle, third.angle);
   const double offB = OffPerpendicular(b->angle, fourth.angle);
-  if (offA < offB && offA < settings.perpendicular) {
+  if (offA < offB && offA < frame::settings.perpendicular) {
     TakeDirection(b, *a);
-  } else if (offB < offA && offB < settings.perpendicular) {
+  } else if (offB < offA && offB < frame::settings.perpendicular) {
     TakeDirection(a, *b);
   } else {
     MakePerpendicular(a, third);
@@ -86,8 +86,8 @@ int32_t RepairParallels(DocumentEdges* edges) {
   BorderLine& e2 = edges->e2.line;
   BorderLine& e3 = edges->e3.line;
   BorderLine& e4 = edges->e4.line;
-  const bool pair13 = AngleDifference(e1.angle, e3.angle) <= settings.parallel;
-  const bool pair24 = AngleDifference(e2.angle, e4.angle) <= settings.parallel;
+  const bool pair13 = AngleDifference(e1.angle, e3.angle) <= frame::settings.parallel;
+  const bool pair24 = AngleDifference(e2.angle, e4.angle) <= frame::settings.parallel;
   if (pair13 && pair24) {
     const bool isRectangle = OffPerpendicular(e1.angle, e2.angle) < kRectangleDegrees;
     return isRectangle ? STATUS_OK : BORDER_NOT_FOUND;
@@ -157,8 +157,9 @@ void AlignThroughExtremes(SolverPath path, const ExtremePoints& extremes, Docume
 }  // namespace
 
 SolverPath ChoosePath(const ExtremePoints& extremes) {
-  const bool isX = (settings.BorderMethod == 1 && extremes.leftmost.y < extremes.rightmost.y) ||
-                   (settings.BorderMethod == 3 && settings.EdgeArrangement == 1);
+  const bool isX =
+      (frame::settings.BorderMethod == 1 && extremes.leftmost.y < extremes.rightmost.y) ||
+      (frame::settings.BorderMethod == 3 && frame::settings.EdgeArrangement == 1);
   return isX ? SolverPath::kX : SolverPath::kY;
 }
 
@@ -180,10 +181,10 @@ int32_t AlignEdges(SolverPath path, const ExtremePoints& extremes, int32_t corne
   const bool isX = path == SolverPath::kX;
   const bool firstFailed = IsUnfitted(isX ? edges->e1 : edges->e2);
   const bool secondFailed = IsUnfitted(isX ? edges->e3 : edges->e4);
-  if (firstFailed && secondFailed) settings.ExtremeAnchorFlag = 1.0;
+  if (firstFailed && secondFailed) frame::settings.ExtremeAnchorFlag = 1.0;
 
-  if (settings.ExtremeAnchorFlag != 0.0) {
-    if (settings.ExtremeAnchorFlag == 1.0) AlignThroughExtremes(path, extremes, edges);
+  if (frame::settings.ExtremeAnchorFlag != 0.0) {
+    if (frame::settings.ExtremeAnchorFlag == 1.0) AlignThroughExtremes(path, extremes, edges);
     return STATUS_OK;
   }
   if (firstFailed || secondFailed) {
@@ -193,4 +194,4 @@ int32_t AlignEdges(SolverPath path, const ExtremePoints& extremes, int32_t corne
   return AlignThroughMidpoints(cornerOption, edges);
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

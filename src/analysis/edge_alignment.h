@@ -6,7 +6,7 @@
 
 #include "analysis/border_records.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 
 // Which pair of opposite edges runs along x and may fail to be fitted.
 enum class SolverPath : int32_t {
@@ -32,4 +32,4 @@ int32_t FitEdges(SolverPath path, DocumentEdges* edges);
 int32_t AlignEdges(SolverPath path, const ExtremePoints& extremes, int32_t cornerOption,
                    int32_t straightness, int32_t height, DocumentEdges* edges);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

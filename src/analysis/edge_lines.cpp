@@ -8,7 +8,7 @@
 #include "frame/arithmetic.h"
 #include "frame/settings.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 namespace {
 
 // Segments left out at both ends of an edge, near the corners, are worth this many points.
@@ -47,7 +47,7 @@ int32_t TestSide(const SideTrace& side, double leastDegrees, bool* isStraight) {
   for (const BorderSegment& segment : side.list.view()) {
     int32_t distance = 0;
     DistanceToLine(segment.meanX, segment.meanY, chord, &distance);
-    if (WrapAbs(distance) < kStraightDistance) ++near;
+    if (frame::WrapAbs(distance) < kStraightDistance) ++near;
   }
   *isStraight = near > kStraightShare * side.list.segmentCount && chord.angle > leastDegrees;
   return STATUS_OK;
@@ -58,8 +58,8 @@ int32_t TestSide(const SideTrace& side, double leastDegrees, bool* isStraight) {
 int32_t TestStraightness(const ExtremePoints& extremes, int32_t height, const BorderTraces& traces,
                          bool* areStraight) {
   const bool isFree = extremes.topmost.y > 0 && extremes.bottommost.y < height - 1;
-  const bool isTall = WrapSub(extremes.rightmost.x, extremes.leftmost.x) <=
-                      WrapSub(extremes.bottommost.y, extremes.topmost.y);
+  const bool isTall = frame::WrapSub(extremes.rightmost.x, extremes.leftmost.x) <=
+                      frame::WrapSub(extremes.bottommost.y, extremes.topmost.y);
   const bool takesSides = !isFree || isTall;
   const double leastDegrees = isFree ? kAnyDegrees : kSteepDegrees;
 
@@ -69,9 +69,9 @@ int32_t TestStraightness(const ExtremePoints& extremes, int32_t height, const Bo
 }
 
 void DecideArrangement(const ExtremePoints& extremes) {
-  const int32_t below = WrapSub(extremes.bottommost.y, extremes.leftmost.y);
-  const int32_t above = WrapSub(extremes.leftmost.y, extremes.topmost.y);
-  settings.EdgeArrangement = below > above ? 1 : 2;
+  const int32_t below = frame::WrapSub(extremes.bottommost.y, extremes.leftmost.y);
+  const int32_t above = frame::WrapSub(extremes.leftmost.y, extremes.topmost.y);
+  frame::settings.EdgeArrangement = below > above ? 1 : 2;
 }
 
 SegmentRange WholeSide(const SideTrace& side, int32_t trim) {
@@ -99,27 +99,27 @@ EdgeSources WholeSides(const BorderTraces& traces, int32_t arrangement, int32_t 
 
 EdgeSources SidesBeyondExtremes(const BorderTraces& traces, int32_t arrangement, int32_t trim) {
   if (arrangement == 1) {
-    return {SideBehind(traces.top, settings.TopExtremeSegLast, trim),
-            SideBehind(traces.left, settings.LeftExtremeSegLast, trim),
-            SideAhead(traces.bottom, settings.BottomExtremeSegFirst, trim),
-            SideAhead(traces.right, settings.RightExtremeSegFirst, trim)};
+    return {SideBehind(traces.top, frame::settings.TopExtremeSegLast, trim),
+            SideBehind(traces.left, frame::settings.LeftExtremeSegLast, trim),
+            SideAhead(traces.bottom, frame::settings.BottomExtremeSegFirst, trim),
+            SideAhead(traces.right, frame::settings.RightExtremeSegFirst, trim)};
   }
-  return {SideAhead(traces.left, settings.LeftExtremeSegFirst, trim),
-          SideBehind(traces.bottom, settings.BottomExtremeSegLast, trim),
-          SideBehind(traces.right, settings.RightExtremeSegLast, trim),
-          SideAhead(traces.top, settings.TopExtremeSegFirst, trim)};
+  return {SideAhead(traces.left, frame::settings.LeftExtremeSegFirst, trim),
+          SideBehind(traces.bottom, frame::settings.BottomExtremeSegLast, trim),
+          SideBehind(traces.right, frame::settings.RightExtremeSegLast, trim),
+          SideAhead(traces.top, frame::settings.TopExtremeSegFirst, trim)};
 }
 
 // Picks the sources and sets EdgeArrangement where they depend on it.
 EdgeSources PickSources(const ExtremePoints& extremes, int32_t straightness,
                         const BorderTraces& traces) {
-  const int32_t trim = kTrimPoints / settings.SegmentPointNum;
-  if (straightness == 0 && settings.BorderMethod == 1) return WholeSides(traces, 1, trim);
+  const int32_t trim = kTrimPoints / frame::settings.SegmentPointNum;
+  if (straightness == 0 && frame::settings.BorderMethod == 1) return WholeSides(traces, 1, trim);
   DecideArrangement(extremes);
-  if (straightness == 0 && settings.BorderMethod == 3) {
-    return WholeSides(traces, settings.EdgeArrangement, trim);
+  if (straightness == 0 && frame::settings.BorderMethod == 3) {
+    return WholeSides(traces, frame::settings.EdgeArrangement, trim);
   }
-  return SidesBeyondExtremes(traces, settings.EdgeArrangement, trim);
+  return SidesBeyondExtremes(traces, frame::settings.EdgeArrangement, trim);
 }
 
 int32_t TakeSegments(const SegmentRange& source, EdgeLine* edge) {
@@ -168,4 +168,4 @@ int32_t BuildEdges(const ImageRec* image, const ExtremePoints* extremes, int32_t
   return STATUS_OK;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

@@ -6,7 +6,7 @@
 #include "analysis/border_records.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 
 // Fills the four edges from the four traces.
 //
@@ -20,4 +20,4 @@ namespace vorlanepic {
 int32_t BuildEdges(const ImageRec* image, const ExtremePoints* extremes, int32_t* straightness,
                    const BorderTraces* traces, DocumentEdges* edges);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

@@ -6,7 +6,7 @@
 #include "frame/trigonometry.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 namespace {
 
 constexpr double kRightAngle = 90.0;
@@ -62,7 +62,7 @@ void MakePerpendicular(BorderLine* line, const BorderLine& to) {
     case kLineGeneral:
       line->kind = kLineGeneral;
       line->slope = -1.0 / to.slope;
-      line->angle = ArcTangent(line->slope) * kDegreesPerRadian;
+      line->angle = frame::ArcTangent(line->slope) * frame::kDegreesPerRadian;
       break;
     default:
       break;
@@ -77,7 +77,7 @@ void SetAngle(BorderLine* line, double angle) {
     line->kind = kLineVertical;
   } else {
     line->kind = kLineGeneral;
-    line->slope = Tangent(angle * kRadiansPerDegree);
+    line->slope = frame::Tangent(angle * frame::kRadiansPerDegree);
   }
 }
 
@@ -111,8 +111,8 @@ int32_t Intersect(const BorderLine& a, const BorderLine& b, EdgePoint* point) {
     x = (b.intercept - a.intercept) / (a.slope - b.slope);
     y = YAt(a, x);
   }
-  *point = {RoundToInt32(x), RoundToInt32(y)};
+  *point = {frame::RoundToInt32(x), frame::RoundToInt32(y)};
   return STATUS_OK;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

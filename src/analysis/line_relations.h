@@ -5,7 +5,7 @@
 
 #include "analysis/border_records.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 
 // Angles in degrees, above -90 up to 90. Steep angles of different sign stand close to each other:
 // -88 and 89 are 3 degrees apart and have the mean -88.5.
@@ -31,4 +31,4 @@ void Anchor(BorderLine* line, int32_t x, int32_t y);
 // BAD_ARGUMENT for a line that was not fitted and for lines of one direction.
 int32_t Intersect(const BorderLine& a, const BorderLine& b, EdgePoint* point);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

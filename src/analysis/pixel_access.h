@@ -8,7 +8,7 @@
 #include "analysis/border_records.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 
 // Whether a grey level lies in a band.
 constexpr bool IsInBand(uint8_t level, GreyBand band) {
@@ -57,4 +57,4 @@ int32_t WithDepth(int32_t bitsPerPixel, Operation operation) {
   }
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

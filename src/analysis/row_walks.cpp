@@ -8,7 +8,7 @@
 #include "analysis/document_mask.h"
 #include "analysis/pixel_access.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 namespace {
 
 constexpr uint64_t kTopBit = 1ULL << 63;
@@ -191,4 +191,4 @@ template int32_t WalkFromRight<Grey8>(const uint8_t*, const ScanBand&, GreyBand,
 template int32_t WalkFromLeft<Colour24>(const uint8_t*, const ScanBand&, GreyBand, int32_t);
 template int32_t WalkFromRight<Colour24>(const uint8_t*, const ScanBand&, GreyBand, int32_t);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

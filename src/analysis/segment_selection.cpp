@@ -9,7 +9,7 @@
 #include "frame/settings.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 namespace {
 
 // Edges of fewer segments are taken as they are.
@@ -24,7 +24,9 @@ constexpr int32_t kPointLineLimit = 8;
 
 bool IsEdgeCode(int32_t code) { return code >= 1 && code <= 4; }
 
-bool IsWithinGap(int32_t a, int32_t b) { return WrapAbs(WrapSub(a, b)) <= settings.SegmentMaxGap; }
+bool IsWithinGap(int32_t a, int32_t b) {
+  return frame::WrapAbs(frame::WrapSub(a, b)) <= frame::settings.SegmentMaxGap;
+}
 
 EdgePoint MeanOf(const BorderSegment& segment) { return {segment.meanX, segment.meanY}; }
 
@@ -37,7 +39,7 @@ int32_t DistanceOf(const BorderSegment& segment, const BorderLine& line) {
 
 int32_t CountPoints(std::span<const BorderSegment> segments) {
   int32_t points = 0;
-  for (const BorderSegment& segment : segments) points = WrapAdd(points, segment.count);
+  for (const BorderSegment& segment : segments) points = frame::WrapAdd(points, segment.count);
   return points;
 }
 
@@ -171,7 +173,7 @@ int32_t Selection::KeepNearChord(bool* fellOut) {
   int32_t sum = 0;
   *fellOut = KeepSegments(&work_, [&](const BorderSegment& segment) {
     const int32_t distance = DistanceOf(segment, line_);
-    sum = WrapAdd(sum, WrapAbs(distance));
+    sum = frame::WrapAdd(sum, frame::WrapAbs(distance));
     return innerIsPositive ? distance < kChordLimit : distance > -kChordLimit;
   });
   return !*fellOut && sum / count > kScatterLimit ? EDGE_NOT_FOUND : STATUS_OK;
@@ -181,7 +183,7 @@ int32_t Selection::KeepNearPointLine(bool* fellOut) {
   const int32_t status = FitPointLine(&line_, work_);
   if (status != STATUS_OK) return status;
   *fellOut = KeepSegments(&work_, [&](const BorderSegment& segment) {
-    return WrapAbs(DistanceOf(segment, line_)) < kPointLineLimit;
+    return frame::WrapAbs(DistanceOf(segment, line_)) < kPointLineLimit;
   });
   return STATUS_OK;
 }
@@ -200,8 +202,8 @@ int32_t JudgeSegment(EdgePoint previous, EdgePoint next, EdgePoint tested, int32
   if (verdict == nullptr || (straightness != 0 && straightness != 1) || !IsEdgeCode(code)) {
     return BAD_ARGUMENT;
   }
-  const int32_t dx = WrapSub(previous.x, next.x);
-  const int32_t dy = WrapSub(previous.y, next.y);
+  const int32_t dx = frame::WrapSub(previous.x, next.x);
+  const int32_t dy = frame::WrapSub(previous.y, next.y);
   if (dx == 0 && dy == 0) return BAD_ARGUMENT;
 
   if (straightness == 0) {
@@ -214,8 +216,8 @@ int32_t JudgeSegment(EdgePoint previous, EdgePoint next, EdgePoint tested, int32
   }
   if (dx == 0 || dy == 0) return STATUS_OK;
 
-  const int32_t product = WrapMul(WrapSub(tested.x, previous.x), dy);
-  const int32_t chordY = TruncToInt32(static_cast<double>(product) / dx + previous.y);
+  const int32_t product = frame::WrapMul(frame::WrapSub(tested.x, previous.x), dy);
+  const int32_t chordY = frame::TruncToInt32(static_cast<double>(product) / dx + previous.y);
   const bool sameSign = (dx > 0) == (dy > 0);
   const bool keepsBelow = sameSign == (code <= 2);
   *verdict = (keepsBelow ? chordY <= tested.y : chordY >= tested.y) ? 1 : 0;
@@ -234,10 +236,10 @@ int32_t SelectSegments(SegmentList* list, int32_t straightness, int32_t code) {
   const int32_t status = selection.Run(*list);
   if (status != STATUS_OK) return status;
   KeepSegments(list, [&](const BorderSegment& segment) {
-    return WrapAbs(DistanceOf(segment, selection.line())) < kPointLineLimit;
+    return frame::WrapAbs(DistanceOf(segment, selection.line())) < kPointLineLimit;
   });
   for (BorderSegment& segment : list->view()) segment.used = 1;
   return list->segmentCount == 0 ? EDGE_NOT_FOUND : STATUS_OK;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

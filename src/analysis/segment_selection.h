@@ -5,7 +5,7 @@
 
 #include "analysis/border_records.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 
 // Judges whether a segment's mean is in line with its neighbours' means: 1 (keep) or 0 in *verdict,
 // which is left alone where the neighbours lie level or upright to each other.
@@ -25,4 +25,4 @@ int32_t JudgeSegment(EdgePoint previous, EdgePoint next, EdgePoint tested, int32
 // cannot be fitted; OUT_OF_MEMORY; BAD_ARGUMENT for an empty list or a value out of range.
 int32_t SelectSegments(SegmentList* list, int32_t straightness, int32_t code);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

@@ -6,15 +6,15 @@
 #include "frame/settings.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 namespace {
 
 // Elements by which a full array grows: most sides need one step or two.
 constexpr size_t kGrowth = 1000;
 
 bool IsFarStep(EdgePoint from, EdgePoint to) {
-  return WrapAbs(WrapSub(to.y, from.y)) > settings.SegmentMaxGap ||
-         WrapAbs(WrapSub(to.x, from.x)) > settings.SegmentMaxGap;
+  return frame::WrapAbs(frame::WrapSub(to.y, from.y)) > frame::settings.SegmentMaxGap ||
+         frame::WrapAbs(frame::WrapSub(to.x, from.x)) > frame::settings.SegmentMaxGap;
 }
 
 }  // namespace
@@ -26,8 +26,8 @@ int32_t AppendPoint(SideTrace* trace, BorderSegment* building, EdgePoint point) 
   trace->points[count] = point;
   ++trace->pointCount;
   ++building->count;
-  building->meanX = WrapAdd(building->meanX, point.x);
-  building->meanY = WrapAdd(building->meanY, point.y);
+  building->meanX = frame::WrapAdd(building->meanX, point.x);
+  building->meanY = frame::WrapAdd(building->meanY, point.y);
   return STATUS_OK;
 }
 
@@ -43,7 +43,7 @@ int32_t AppendSegment(SegmentList* list, const BorderSegment& segment) {
 int32_t TraceBuilder::Add(EdgePoint point) {
   if (building_.count > 0) {
     const EdgePoint last = trace_.points[static_cast<size_t>(trace_.pointCount) - 1];
-    if (building_.count == settings.SegmentPointNum || IsFarStep(last, point)) {
+    if (building_.count == frame::settings.SegmentPointNum || IsFarStep(last, point)) {
       const int32_t status = CloseSegment();
       if (status != STATUS_OK) return status;
     }
@@ -56,7 +56,7 @@ int32_t TraceBuilder::Finish() { return CloseSegment(); }
 int32_t TraceBuilder::CloseSegment() {
   BorderSegment closed = std::exchange(building_, BorderSegment{});
   if (closed.count == 0) return STATUS_OK;
-  if (closed.count < settings.SegmentMinPointNum) {
+  if (closed.count < frame::settings.SegmentMinPointNum) {
     trace_.pointCount -= closed.count;
     return STATUS_OK;
   }
@@ -74,4 +74,4 @@ SideTrace TraceBuilder::Take() {
   return std::move(trace_);
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

@@ -5,7 +5,7 @@
 
 #include "analysis/border_records.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 
 // Appends (x, y) to the trace and to the segment that is being built.
 // Returns STATUS_OK; BAD_ARGUMENT for a negative coordinate; OUT_OF_MEMORY.
@@ -38,4 +38,4 @@ class TraceBuilder {
   BorderSegment building_{};
 };
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

@@ -3,7 +3,7 @@
 #include "analysis/pixel_access.h"
 #include "frame/arithmetic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 namespace {
 
 // Grey levels of the two outer columns on each side; in narrow images the sides share columns.
@@ -14,7 +14,7 @@ int32_t SumOuterColumns(const ImageRec& image) {
     const uint8_t* row = image.rows[y];
     const int32_t levels = Pixel::Level(row, 0) + Pixel::Level(row, 1) +
                            Pixel::Level(row, image.width - 2) + Pixel::Level(row, image.width - 1);
-    sum = WrapAdd(sum, levels);
+    sum = frame::WrapAdd(sum, levels);
   }
   return sum;
 }
@@ -29,9 +29,9 @@ int32_t EstimateThreshold(const ImageRec* image, uint8_t* threshold) {
 
   return WithDepth(image->bitsPerPixel, [&](auto pixel) -> int32_t {
     const double mean = SumOuterColumns<decltype(pixel)>(*image) / (4.0 * image->height);
-    *threshold = static_cast<uint8_t>(RoundToInt32(mean));
+    *threshold = static_cast<uint8_t>(frame::RoundToInt32(mean));
     return STATUS_OK;
   });
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

@@ -5,7 +5,7 @@
 
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 
 // Estimates the background from the two outer columns on each side of `image` (1, 8 or 24 bits):
 // the mean of their grey levels, rounded half up, in *threshold, 0..255.
@@ -14,4 +14,4 @@ namespace vorlanepic {
 // pixels; or the image library's code.
 int32_t EstimateThreshold(const ImageRec* image, uint8_t* threshold);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::analysis

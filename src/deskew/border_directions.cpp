@@ -5,7 +5,7 @@
 
 #include "frame/trigonometry.h"
 
-namespace vorlanepic {
+namespace vorlanepic::deskew {
 namespace {
 
 // No direction of a group lies further than this from the group's first.
@@ -22,10 +22,10 @@ struct ChunkCenter {
 };
 
 // Sums wrap at 2^32, as the means that are taken elsewhere do.
-ChunkCenter CenterOf(std::span<const BorderSegment> chunk) {
+ChunkCenter CenterOf(std::span<const analysis::BorderSegment> chunk) {
   uint32_t sumX = 0;
   uint32_t sumY = 0;
-  for (const BorderSegment& segment : chunk) {
+  for (const analysis::BorderSegment& segment : chunk) {
     sumX += static_cast<uint32_t>(segment.meanX);
     sumY += static_cast<uint32_t>(segment.meanY);
   }
@@ -36,7 +36,7 @@ ChunkCenter CenterOf(std::span<const BorderSegment> chunk) {
 double DirectionBetween(const ChunkCenter& from, const ChunkCenter& to) {
   const double dx = to.x - from.x;
   const double dy = to.y - from.y;
-  return dx == 0.0 ? 90.0 : ArcTangent(dy / dx) * kDegreesPerRadian;
+  return dx == 0.0 ? 90.0 : frame::ArcTangent(dy / dx) * frame::kDegreesPerRadian;
 }
 
 // A direction and its place along the border.
@@ -110,8 +110,8 @@ void SettleTies(std::span<const double> degrees, size_t rank, std::span<int32_t>
 
 }  // namespace
 
-bool MeasureDirections(std::span<const BorderSegment> segments, int32_t length,
-                       ScratchArray<double>* degrees) {
+bool MeasureDirections(std::span<const analysis::BorderSegment> segments, int32_t length,
+                       frame::ScratchArray<double>* degrees) {
   const auto chunkLength = static_cast<size_t>(length);
   const size_t chunks = segments.size() / chunkLength;
   const size_t count = chunks >= kFewestDirections + 3 ? chunks - 3 : 0;
@@ -128,9 +128,9 @@ bool MeasureDirections(std::span<const BorderSegment> segments, int32_t length,
 }
 
 bool PickLargestGroup(std::span<const double> degrees, double groupAngle,
-                      ScratchArray<int32_t>* chunks) {
-  ScratchArray<RankedDirection> sorted;
-  ScratchArray<int32_t> queue;
+                      frame::ScratchArray<int32_t>* chunks) {
+  frame::ScratchArray<RankedDirection> sorted;
+  frame::ScratchArray<int32_t> queue;
   if (!sorted.Allocate(degrees.size()) || !queue.Allocate(degrees.size())) return false;
   for (size_t i = 0; i < degrees.size(); ++i) sorted[i] = {degrees[i], static_cast<int32_t>(i)};
   const auto ranks = sorted.span();
@@ -151,4 +151,4 @@ bool PickLargestGroup(std::span<const double> degrees, double groupAngle,
   return true;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::deskew

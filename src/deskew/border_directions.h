@@ -7,14 +7,14 @@
 #include "analysis/border_records.h"
 #include "frame/scratch.h"
 
-namespace vorlanepic {
+namespace vorlanepic::deskew {
 
 // Measures the direction of the border at each chunk of `length` successive segments, in degrees,
 // -90..90, in the order along the border. Direction j leads from the centre of chunk j + 1 to that
 // of chunk j + 2; the last two chunks with a successor of that kind are left out. Empty when fewer
 // than two directions are left. False when there is no memory.
-[[nodiscard]] bool MeasureDirections(std::span<const BorderSegment> segments, int32_t length,
-                                     ScratchArray<double>* degrees);
+[[nodiscard]] bool MeasureDirections(std::span<const analysis::BorderSegment> segments,
+                                     int32_t length, frame::ScratchArray<double>* degrees);
 
 // Picks the largest group of directions that agree: next to each other in ascending order, less
 // than groupAngle apart from neighbour to neighbour, all within 10 degrees of the first, and of
@@ -25,6 +25,6 @@ namespace vorlanepic {
 //
 // False when there is no memory.
 [[nodiscard]] bool PickLargestGroup(std::span<const double> degrees, double groupAngle,
-                                    ScratchArray<int32_t>* chunks);
+                                    frame::ScratchArray<int32_t>* chunks);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::deskew

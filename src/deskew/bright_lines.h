@@ -8,7 +8,7 @@
 #include "frame/arithmetic.h"
 #include "vorlanepic/imgbuf.h"
 
-namespace vorlanepic {
+namespace vorlanepic::deskew {
 
 // 1024ths of a grey level that each value of a colour adds to the luminance.
 using LuminanceTable = std::array<int32_t, 256>;
@@ -16,7 +16,7 @@ using LuminanceTable = std::array<int32_t, 256>;
 constexpr LuminanceTable MakeLuminanceTable(double share) {
   LuminanceTable table{};
   for (int32_t v = 0; v < 256; ++v) {
-    table[static_cast<size_t>(v)] = RoundToInt32(v * share * 1024);
+    table[static_cast<size_t>(v)] = frame::RoundToInt32(v * share * 1024);
   }
   return table;
 }
@@ -85,4 +85,4 @@ class PlainLines {
   int32_t end_ = 0;
 };
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::deskew

@@ -11,7 +11,7 @@
 
 #include "frame/prefetch.h"
 
-namespace vorlanepic {
+namespace vorlanepic::deskew {
 namespace {
 
 // Rows between two looks at the counts: few enough for bytes to count them.
@@ -61,8 +61,8 @@ void CountInLooks(const StripRows& rows, uint32_t (&counts)[kStripColumns], Coun
 // Fetches `length` bytes from byte `offset` of a row that is counted soon after row y.
 void FetchAhead(const ImageRec& image, int32_t y, ptrdiff_t offset, ptrdiff_t length) {
   const uint8_t* row = image.rows[y + std::min(kRowsAhead, image.height - 1 - y)] + offset;
-  for (ptrdiff_t at = 0; at < length; at += kCacheLine) {
-    Prefetch(row + at);
+  for (ptrdiff_t at = 0; at < length; at += frame::kCacheLine) {
+    frame::Prefetch(row + at);
   }
 }
 
@@ -256,6 +256,6 @@ bool BitKernel::IsBrightRow(const ImageRec& image, uint8_t /*threshold*/, int32_
   return bright > pixelCount;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::deskew
 
 #endif  // __SSE2__

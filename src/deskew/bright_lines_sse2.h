@@ -8,7 +8,7 @@
 #include "deskew/bright_lines.h"
 #include "vorlanepic/imgbuf.h"
 
-namespace vorlanepic {
+namespace vorlanepic::deskew {
 
 // Columns are counted in strips of this many: as many bytes as a cache line at 8 bits.
 inline constexpr int32_t kStripColumns = 64;
@@ -98,4 +98,4 @@ class FastLines {
   Strip strips_[2];
 };
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::deskew

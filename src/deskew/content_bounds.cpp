@@ -4,7 +4,7 @@
 #include "deskew/content_search.h"
 #include "frame/settings.h"
 
-namespace vorlanepic {
+namespace vorlanepic::deskew {
 namespace {
 
 #if defined(__SSE2__)
@@ -44,7 +44,7 @@ int32_t FindContentBounds(const ImageRec* image, const ContentSearch& search,
 
   ContentSearch reachable = search;
   reachable.pixelCount = ReachableCount(search.pixelCount, *image);
-  const bool isShareAsked = settings.CropPixelFlag == 1;
+  const bool isShareAsked = frame::settings.CropPixelFlag == 1;
   const double share = isShareAsked ? kBrightShare : 0.0;
   const double bitShare = isShareAsked ? kBrightShareOfBitRow : 0.0;
   switch (image->bitsPerPixel) {
@@ -59,4 +59,4 @@ int32_t FindContentBounds(const ImageRec* image, const ContentSearch& search,
   }
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::deskew

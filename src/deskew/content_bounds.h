@@ -5,7 +5,7 @@
 
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::deskew {
 
 // Columns left..right and rows top..bottom of content, inclusive.
 struct ContentBounds {
@@ -46,4 +46,4 @@ struct ContentSearch {
 int32_t FindContentBounds(const ImageRec* image, const ContentSearch& search,
                           ContentBounds* bounds);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::deskew

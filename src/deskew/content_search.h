@@ -7,7 +7,7 @@
 #include "deskew/content_bounds.h"
 #include "frame/arithmetic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::deskew {
 
 // The search probes every eighth line of a dark margin and stays this far outside a run of bright
 // ones, so that a ragged border is not cut off.
@@ -63,7 +63,7 @@ int32_t LastContentLine(int32_t floor, int32_t length, uint32_t searchLimit, IsB
 
 // A share of a line's pixels, as a count to exceed.
 inline uint32_t ShareOfLine(int32_t length, double share) {
-  return static_cast<uint32_t>(TruncToInt32(length * share));
+  return static_cast<uint32_t>(frame::TruncToInt32(length * share));
 }
 
 // Runs the search on the lines of an image of width x height pixels.
@@ -91,4 +91,4 @@ void SearchContent(Lines& lines, int32_t width, int32_t height, const ContentSea
   bounds->right = LastContentLine(0, width, search.searchLimit, isBrightColumn);
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::deskew

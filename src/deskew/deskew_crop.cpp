@@ -10,14 +10,14 @@
 #include "deskew/turn_and_cut.h"
 #include "frame/settings.h"
 
-namespace vorlanepic {
+namespace vorlanepic::deskew {
 namespace {
 
 int32_t ChooseThreshold(const ImageRec* image, int32_t given, PageRecords* page) {
   page->threshold = given;
   if (given == 0) {
     uint8_t estimate = 0;
-    const int32_t status = EstimateThreshold(image, &estimate);
+    const int32_t status = analysis::EstimateThreshold(image, &estimate);
     if (status != STATUS_OK) return status;
     page->threshold = estimate;
   }
@@ -27,17 +27,18 @@ int32_t ChooseThreshold(const ImageRec* image, int32_t given, PageRecords* page)
 }
 
 int32_t TraceBorders(const ImageRec* image, PageRecords* page) {
-  int32_t status = FindBand(image, &page->band, page->levels.low);
+  int32_t status = analysis::FindBand(image, &page->band, page->levels.low);
   if (status != STATUS_OK) return status;
   page->stage = PageStage::kBand;
 
-  BorderTraces& traces = page->traces;
-  status = ScanRows(image, &page->band, page->levels, &traces.left, &traces.right, &page->extremes);
+  analysis::BorderTraces& traces = page->traces;
+  status = analysis::ScanRows(image, &page->band, page->levels, &traces.left, &traces.right,
+                              &page->extremes);
   if (status != STATUS_OK) return status;
   page->stage = PageStage::kRowScan;
 
-  status =
-      ScanColumns(image, &page->band, page->levels, &traces.top, &traces.bottom, &page->extremes);
+  status = analysis::ScanColumns(image, &page->band, page->levels, &traces.top, &traces.bottom,
+                                 &page->extremes);
   if (status != STATUS_OK) return status;
   page->stage = PageStage::kColumnScan;
   return STATUS_OK;
@@ -46,8 +47,8 @@ int32_t TraceBorders(const ImageRec* image, PageRecords* page) {
 int32_t VoteForTurn(PageRecords* page) {
   double borderAngle = 0.0;
   const int32_t status =
-      EstimateSkewFromBorders(page->traces, settings.SegmentLen, settings.GroupAngle, page->votes,
-                              &page->bestBorder, &borderAngle);
+      EstimateSkewFromBorders(page->traces, frame::settings.SegmentLen, frame::settings.GroupAngle,
+                              page->votes, &page->bestBorder, &borderAngle);
   if (status != STATUS_OK) return status;
   page->degrees = TurnOfBorder(borderAngle);
   page->stage = PageStage::kVote;
@@ -57,8 +58,8 @@ int32_t VoteForTurn(PageRecords* page) {
 int32_t FindSourceContent(const ImageRec* image, PageRecords* page) {
   page->content.top = page->band.top;
   page->content.bottom = page->band.bottom;
-  const ContentSearch search{static_cast<uint32_t>(settings.SearchLimitNum),
-                             static_cast<uint32_t>(settings.PixelNum), page->levels.low,
+  const ContentSearch search{static_cast<uint32_t>(frame::settings.SearchLimitNum),
+                             static_cast<uint32_t>(frame::settings.PixelNum), page->levels.low,
                              kSearchColumns};
   const int32_t status = FindContentBounds(image, search, &page->content);
   if (status == STATUS_OK) page->stage = PageStage::kContent;
@@ -77,7 +78,7 @@ double TurnOfBorder(double borderAngle) {
 int32_t DeskewCropPipeline(const ImageRec* images, const DeskewCropOptions& options,
                            double* angleOut, ImageRec* outImages) {
   PageRecords own;
-  PageRecords& page = settings.pageRecords != nullptr ? *settings.pageRecords : own;
+  PageRecords& page = frame::settings.pageRecords != nullptr ? *frame::settings.pageRecords : own;
   page = {};
   int32_t status = ChooseThreshold(images, options.threshold, &page);
   if (status != STATUS_OK) return status;
@@ -87,14 +88,14 @@ int32_t DeskewCropPipeline(const ImageRec* images, const DeskewCropOptions& opti
   if (outImages == nullptr || angleOut == nullptr) return BAD_ARGUMENT;
   status = VoteForTurn(&page);
   if (status != STATUS_OK) return status;
-  const int32_t cropPixelFlag = std::exchange(settings.CropPixelFlag, 0);
+  const int32_t cropPixelFlag = std::exchange(frame::settings.CropPixelFlag, 0);
   status = FindSourceContent(images, &page);
   if (status != STATUS_OK) return status;
 
   *angleOut = page.degrees;
-  if (settings.AngleOnlyFlag == 1) return STATUS_OK;
+  if (frame::settings.AngleOnlyFlag == 1) return STATUS_OK;
 
-  const auto count = static_cast<size_t>(std::exchange(settings.ImageNum, 1));
+  const auto count = static_cast<size_t>(std::exchange(frame::settings.ImageNum, 1));
   const TurnAndCut how{page.content, page.degrees,    options.interpolation,
                        options.fill, page.levels.low, cropPixelFlag};
   int32_t release = STATUS_OK;
@@ -102,4 +103,4 @@ int32_t DeskewCropPipeline(const ImageRec* images, const DeskewCropOptions& opti
   return status != STATUS_OK ? status : release;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::deskew

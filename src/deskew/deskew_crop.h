@@ -6,7 +6,7 @@
 
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::deskew {
 
 // What a run is told, beside its images.
 struct DeskewCropOptions {
@@ -32,4 +32,4 @@ int32_t DeskewCropPipeline(const ImageRec* images, const DeskewCropOptions& opti
 // -90.0..90.0: the border becomes the nearest of level and plumb.
 double TurnOfBorder(double borderAngle);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::deskew

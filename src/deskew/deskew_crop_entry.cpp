@@ -8,6 +8,7 @@
 #include "vorlanepic/vorlanepic.h"
 
 using namespace vorlanepic;
+using namespace vorlanepic::deskew;
 
 int32_t VORLANEPIC_STDCALL ImageDeskewCropEx(const ImageRec* images, int32_t interpolation,
                                              int32_t threshold, int32_t /*background*/,
@@ -16,7 +17,7 @@ int32_t VORLANEPIC_STDCALL ImageDeskewCropEx(const ImageRec* images, int32_t int
                                              DeskewCropParam param, int32_t imageNum) noexcept {
   ForgetPageRecords();
   if (imageNum < 1) return BAD_ARGUMENT;
-  settings.ImageNum = imageNum;
+  frame::settings.ImageNum = imageNum;
 
   const int32_t method = ChosenMethod(param);
   if (method == 1 || method == 3) {
@@ -42,16 +43,16 @@ int32_t VORLANEPIC_STDCALL ImageDeskewCrop(const DibRec* inImages, int32_t inter
 
   status = ImageDeskewCropEx(set.sources().data(), interpolation, threshold, background,
                              cornerOption, fill, angleOut, set.results().data(), param, imageNum);
-  if (status != STATUS_OK || settings.AngleOnlyFlag != 0) return status;
+  if (status != STATUS_OK || frame::settings.AngleOnlyFlag != 0) return status;
   return set.CopyResults(outImages);
 }
 
 int32_t VORLANEPIC_STDCALL ImageDeskewAngle(const DibRec* inImages, int32_t threshold,
                                             double* angleOut, DeskewCropParam param) noexcept {
   const uint8_t fill[3] = {0, 0, 0};
-  settings.AngleOnlyFlag = 1;
+  frame::settings.AngleOnlyFlag = 1;
   const int32_t status = ImageDeskewCrop(inImages, INTERP_BILINEAR, threshold, 1, 0, fill, angleOut,
                                          nullptr, param, 1);
-  settings.AngleOnlyFlag = 0;
+  frame::settings.AngleOnlyFlag = 0;
   return status;
 }

@@ -5,7 +5,7 @@
 
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::deskew {
 
 // The method that `param` asks for: 1 or 3, anything else is method 2.
 int32_t ChosenMethod(const DeskewCropParam& param);
@@ -27,4 +27,4 @@ struct BarLimits {
 // limits of its bar.
 BarLimits AssignLineGuidedSettings(const DeskewCropParam& param);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::deskew

@@ -7,7 +7,7 @@
 #include "frame/arithmetic.h"
 #include "frame/row_table.h"
 
-namespace vorlanepic {
+namespace vorlanepic::deskew {
 namespace {
 
 // Sets whose records would take more cannot be in memory with their pixels.
@@ -32,7 +32,7 @@ ImageRec WrapOne(const DibRec& image) {
   rec.height = DibHeight(image);
   rec.bitsPerPixel = DibBitsPerPixel(image);
   rec.lineBytes = RowBytes(rec.width, rec.bitsPerPixel);
-  rec.imageBytes = WrapMul(rec.lineBytes, rec.height);
+  rec.imageBytes = frame::WrapMul(rec.lineBytes, rec.height);
   rec.pixels = image.bits;
   return rec;
 }
@@ -77,7 +77,7 @@ int32_t DibSet::Wrap(const DibRec* images, int32_t count) {
 
   uint8_t** rows = rows_.data();
   for (ImageRec& source : sources_.span()) {
-    LayRows(rows, &source);
+    frame::LayRows(rows, &source);
     rows += RowCount(source);
   }
   return STATUS_OK;
@@ -95,4 +95,4 @@ int32_t DibSet::CopyResults(DibRec* outImages) const {
   return STATUS_OK;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::deskew

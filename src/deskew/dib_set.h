@@ -7,7 +7,7 @@
 #include "frame/scratch.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::deskew {
 
 // A set of device-independent images, wrapped in image records without a copy of their pixels, and
 // as many records for the results. Rows keep their order in memory, bottom row first.
@@ -37,9 +37,9 @@ class DibSet {
   std::span<ImageRec> results() { return results_.span(); }
 
  private:
-  ScratchArray<ImageRec> sources_;
-  ScratchArray<ImageRec> results_;
-  ScratchArray<uint8_t*> rows_;  // the row tables, one behind the other
+  frame::ScratchArray<ImageRec> sources_;
+  frame::ScratchArray<ImageRec> results_;
+  frame::ScratchArray<uint8_t*> rows_;  // the row tables, one behind the other
 };
 
 // Fields of an information header.
@@ -48,4 +48,4 @@ int32_t DibHeight(const DibRec& image);
 int32_t DibBitsPerPixel(const DibRec& image);
 int32_t DibPixelsPerMetre(const DibRec& image);  // horizontally; 0 where it is not known
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::deskew

@@ -9,7 +9,7 @@
 #include "rotate/rotate_image.h"
 #include "rotate/row_spans.h"
 
-namespace vorlanepic {
+namespace vorlanepic::deskew {
 namespace {
 
 // pi as this library takes it, and half a turn's inverse.
@@ -19,16 +19,16 @@ constexpr double kPerHalfTurn = 0.005555555555555556;
 // Entries behind the last row of a span table.
 constexpr int64_t kSpareSpans = 16;
 
-Turn TurnOfRegion(const ImageRegion& region, double angleDegrees, int32_t interpolation) {
-  Turn turn{};
+rotate::Turn TurnOfRegion(const ImageRegion& region, double angleDegrees, int32_t interpolation) {
+  rotate::Turn turn{};
   turn.angle = angleDegrees * kPi * kPerHalfTurn;
   turn.interpolation = interpolation;
   turn.centerX = region.left + region.width / 2;
   turn.centerY = region.top + region.height / 2;
-  const double cosine = std::abs(Cosine(turn.angle));
-  const double sine = std::abs(Sine(turn.angle));
-  turn.outWidth = RoundToInt32(region.width * cosine + region.height * sine);
-  turn.outHeight = RoundToInt32(region.width * sine + region.height * cosine);
+  const double cosine = std::abs(frame::Cosine(turn.angle));
+  const double sine = std::abs(frame::Sine(turn.angle));
+  turn.outWidth = frame::RoundToInt32(region.width * cosine + region.height * sine);
+  turn.outHeight = frame::RoundToInt32(region.width * sine + region.height * cosine);
   return turn;
 }
 
@@ -77,18 +77,19 @@ int32_t RotateImageRegion(const ImageRec* src, ImageRec* dst, const uint8_t* fil
   const int64_t right = int64_t{region.left} + region.width;
   if (bottom > INT32_MAX || right > INT32_MAX) return BAD_ARGUMENT;
 
-  RowSpans spans;
+  rotate::RowSpans spans;
   spans.count = region.height;
   spans.top = region.top;
   spans.bottom = static_cast<int32_t>(bottom);
   if (!spans.spans.Allocate(static_cast<size_t>(bottom + kSpareSpans))) return OUT_OF_MEMORY;
   // One column beyond the region takes part, where the image has it.
-  const RowSpan span{region.left,
-                     std::min(static_cast<int32_t>(right), std::max(src->width, 0) - 1)};
+  const rotate::RowSpan span{region.left,
+                             std::min(static_cast<int32_t>(right), std::max(src->width, 0) - 1)};
   const auto rows = spans.spans.span().subspan(static_cast<size_t>(region.top),
                                                static_cast<size_t>(region.height));
   std::fill(rows.begin(), rows.end(), span);
-  return RotateImage(src, dst, &spans, TurnOfRegion(region, angleDegrees, interpolation), fill);
+  return rotate::RotateImage(src, dst, &spans, TurnOfRegion(region, angleDegrees, interpolation),
+                             fill);
 }
 
 int32_t CopyImageRegion(const ImageRec* src, ImageRec* dst, const ImageRegion& region) {
@@ -107,4 +108,4 @@ int32_t CopyImageRegion(const ImageRec* src, ImageRec* dst, const ImageRegion& r
   return STATUS_OK;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::deskew

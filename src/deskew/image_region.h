@@ -5,7 +5,7 @@
 
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::deskew {
 
 // A rectangle of an image: columns left..left + width - 1, rows top..top + height - 1, in pixels.
 struct ImageRegion {
@@ -38,4 +38,4 @@ int32_t RotateImageRegion(const ImageRec* src, ImageRec* dst, const uint8_t* fil
 // or the image library's code. `dst` stays empty on failure.
 int32_t CopyImageRegion(const ImageRec* src, ImageRec* dst, const ImageRegion& region);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::deskew

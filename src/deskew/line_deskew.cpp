@@ -8,7 +8,7 @@
 #include "frame/settings.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::deskew {
 namespace {
 
 // Unlike elsewhere in this library, with the exact pi.
@@ -20,13 +20,13 @@ constexpr int32_t kUsualDotsPerInch = 200;
 constexpr BarLimits kFallbackLimits{300, 4, 20};
 
 int32_t DotsPerInch(const DibRec& image) {
-  const int32_t dotsPerThousandInches = TruncToInt32(DibPixelsPerMetre(image) * 25.4);
+  const int32_t dotsPerThousandInches = frame::TruncToInt32(DibPixelsPerMetre(image) * 25.4);
   const int32_t dotsPerInch = dotsPerThousandInches / 1000;
   return dotsPerInch != 0 ? dotsPerInch : kUsualDotsPerInch;
 }
 
 int32_t ScaleLimit(int32_t limit, int32_t dotsPerInch, int32_t fallback) {
-  const int32_t scaled = WrapMul(dotsPerInch, limit) / kUsualDotsPerInch;
+  const int32_t scaled = frame::WrapMul(dotsPerInch, limit) / kUsualDotsPerInch;
   return scaled > 0 ? scaled : fallback;
 }
 
@@ -37,8 +37,8 @@ BarLimits ScaleLimits(const BarLimits& limits, int32_t dotsPerInch) {
 }
 
 int32_t FindFormContent(const ImageRec& form, uint8_t threshold, PageRecords* page) {
-  const ContentSearch search{static_cast<uint32_t>(settings.SearchLimitNum),
-                             static_cast<uint32_t>(settings.PixelNum), threshold,
+  const ContentSearch search{static_cast<uint32_t>(frame::settings.SearchLimitNum),
+                             static_cast<uint32_t>(frame::settings.PixelNum), threshold,
                              kSearchRowsAndColumns};
   const int32_t status = FindContentBounds(&form, search, &page->content);
   if (status == STATUS_OK) page->stage = PageStage::kContent;
@@ -46,9 +46,10 @@ int32_t FindFormContent(const ImageRec& form, uint8_t threshold, PageRecords* pa
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::deskew
 
 using namespace vorlanepic;
+using namespace vorlanepic::deskew;
 
 int32_t VORLANEPIC_STDCALL ImageDeskewCropWithLine(const DibRec* inImages, int32_t interpolation,
                                                    int32_t threshold, int32_t /*background*/,
@@ -58,7 +59,7 @@ int32_t VORLANEPIC_STDCALL ImageDeskewCropWithLine(const DibRec* inImages, int32
                                                    int32_t /*spare2*/, int32_t /*spare3*/,
                                                    int32_t /*spare4*/, int32_t imageNum) noexcept {
   PageRecords own;
-  PageRecords& page = settings.pageRecords != nullptr ? *settings.pageRecords : own;
+  PageRecords& page = frame::settings.pageRecords != nullptr ? *frame::settings.pageRecords : own;
   page = {};
   int32_t status = ImgbufCheck(inImages);
   if (status != STATUS_OK) return status;
@@ -79,11 +80,11 @@ int32_t VORLANEPIC_STDCALL ImageDeskewCropWithLine(const DibRec* inImages, int32
   if (angleOut == nullptr) return BAD_ARGUMENT;
   page.degrees = radians * kDegreesPerBarRadian;
   *angleOut = page.degrees;
-  if (settings.AngleOnlyFlag == 1) return STATUS_OK;
+  if (frame::settings.AngleOnlyFlag == 1) return STATUS_OK;
 
-  settings.ImageNum = 1;
+  frame::settings.ImageNum = 1;
   const TurnAndCut how{page.content, page.degrees,  interpolation,
-                       fill,         greyThreshold, settings.CropPixelFlag};
+                       fill,         greyThreshold, frame::settings.CropPixelFlag};
   int32_t release = STATUS_OK;  // not of interest here
   status = TurnAndCutSet(set.sources(), how, set.results(), &page, &release);
   if (status != STATUS_OK) return status;

@@ -9,7 +9,7 @@
 #include "deskew/skew_vote.h"
 #include "frame/settings.h"
 
-namespace vorlanepic {
+namespace vorlanepic::deskew {
 
 // How far a driver came; each stage was reached with all earlier ones done.
 enum class PageStage : int32_t {
@@ -31,15 +31,15 @@ enum class PageStage : int32_t {
 struct PageRecords {
   PageStage stage = PageStage::kNothing;  // the last stage that succeeded
   int32_t threshold = 0;                  // in effect: given or estimated
-  GreyBand levels{};
-  ScanBand band{};
-  ExtremePoints extremes{};
-  BorderTraces traces;
+  analysis::GreyBand levels{};
+  analysis::ScanBand band{};
+  analysis::ExtremePoints extremes{};
+  analysis::BorderTraces traces;
 
   // Pruned rotation.
   int32_t straightness = 1;
-  DocumentEdges edges;
-  DocumentGeometry geometry;
+  analysis::DocumentEdges edges;
+  analysis::DocumentGeometry geometry;
 
   // Deskew-crop: votes in the order left, right, top, bottom.
   BorderVote votes[4];
@@ -55,7 +55,7 @@ struct PageRecords {
 
 // Empties the host's records, if it has set any, so that nothing of an earlier call is left.
 inline void ForgetPageRecords() {
-  if (settings.pageRecords != nullptr) *settings.pageRecords = {};
+  if (frame::settings.pageRecords != nullptr) *frame::settings.pageRecords = {};
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::deskew

@@ -11,7 +11,7 @@
 #include "frame/settings.h"
 #include "rotate/rotate_image.h"
 
-namespace vorlanepic {
+namespace vorlanepic::deskew {
 namespace {
 
 // Estimates below this would take the noise of a dark background for the page.
@@ -24,16 +24,16 @@ int32_t SettleThreshold(const ImageRec& source, int32_t given, int32_t* threshol
   *threshold = given;
   if (given != 0) return STATUS_OK;
   uint8_t estimate = 0;
-  const int32_t status = EstimateThreshold(&source, &estimate);
+  const int32_t status = analysis::EstimateThreshold(&source, &estimate);
   if (status != STATUS_OK) return status;
   *threshold = std::max<int32_t>(estimate, kLeastEstimate);
   return STATUS_OK;
 }
 
-GreyBand DocumentLevels(int32_t threshold, int32_t background) {
+analysis::GreyBand DocumentLevels(int32_t threshold, int32_t background) {
   if (background == 0) return {static_cast<uint8_t>(threshold), 255};
-  const int32_t low = std::max(WrapSub(threshold, kLevelTolerance), 0);
-  const int32_t high = std::min(WrapAdd(threshold, kLevelTolerance), 255);
+  const int32_t low = std::max(frame::WrapSub(threshold, kLevelTolerance), 0);
+  const int32_t high = std::min(frame::WrapAdd(threshold, kLevelTolerance), 255);
   return {static_cast<uint8_t>(low), static_cast<uint8_t>(high)};
 }
 
@@ -46,30 +46,30 @@ int32_t FindDocument(const ImageRec& source, const PrunedRotationOptions& option
   records->levels = DocumentLevels(records->threshold, options.background);
   reach(PageStage::kThreshold);
 
-  status = FindBand(&source, &records->band, records->levels.low);
+  status = analysis::FindBand(&source, &records->band, records->levels.low);
   if (status != STATUS_OK) return status;
   reach(PageStage::kBand);
 
-  BorderTraces& traces = records->traces;
-  status = ScanRows(&source, &records->band, records->levels, &traces.left, &traces.right,
-                    &records->extremes);
+  analysis::BorderTraces& traces = records->traces;
+  status = analysis::ScanRows(&source, &records->band, records->levels, &traces.left, &traces.right,
+                              &records->extremes);
   if (status != STATUS_OK) return status;
   reach(PageStage::kRowScan);
 
-  status = ScanColumns(&source, &records->band, records->levels, &traces.top, &traces.bottom,
-                       &records->extremes);
+  status = analysis::ScanColumns(&source, &records->band, records->levels, &traces.top,
+                                 &traces.bottom, &records->extremes);
   if (status != STATUS_OK) return status;
   reach(PageStage::kColumnScan);
 
-  status =
-      BuildEdges(&source, &records->extremes, &records->straightness, &traces, &records->edges);
+  status = analysis::BuildEdges(&source, &records->extremes, &records->straightness, &traces,
+                                &records->edges);
   if (status != STATUS_OK) return status;
   reach(PageStage::kEdges);
 
   if (angle == nullptr) return BAD_ARGUMENT;
   records->geometry.angle = *angle;  // stays unless the solver comes that far
-  status = SolveCorners(&source, options.cornerOption, &records->extremes, records->straightness,
-                        &records->edges, &records->geometry);
+  status = analysis::SolveCorners(&source, options.cornerOption, &records->extremes,
+                                  records->straightness, &records->edges, &records->geometry);
   *angle = records->geometry.angle;
   if (status != STATUS_OK) return status;
   reach(PageStage::kCorners);
@@ -85,12 +85,12 @@ void ReleaseImages(std::span<ImageRec> images) {
 
 // Turns every source with the one geometry; all results or none.
 int32_t TurnAll(std::span<const ImageRec> sources, const PrunedRotationOptions& options,
-                const DocumentGeometry& geometry, std::span<ImageRec> results) {
-  const Turn turn{geometry.angle,    geometry.center.x,  geometry.center.y,
-                  geometry.outWidth, geometry.outHeight, options.mode};
+                const analysis::DocumentGeometry& geometry, std::span<ImageRec> results) {
+  const rotate::Turn turn{geometry.angle,    geometry.center.x,  geometry.center.y,
+                          geometry.outWidth, geometry.outHeight, options.mode};
   for (size_t i = 0; i < sources.size(); ++i) {
     const int32_t status =
-        RotateImage(&sources[i], &results[i], &geometry.spans, turn, options.fill);
+        rotate::RotateImage(&sources[i], &results[i], &geometry.spans, turn, options.fill);
     if (status != STATUS_OK) {
       ReleaseImages(results.first(i));
       return status;
@@ -110,10 +110,11 @@ int32_t RunPrunedRotation(std::span<const ImageRec> sources, const PrunedRotatio
                           double* angle, std::span<ImageRec> results) {
   ForgetPageRecords();
   PageRecords own;
-  PageRecords& records = settings.pageRecords != nullptr ? *settings.pageRecords : own;
+  PageRecords& records =
+      frame::settings.pageRecords != nullptr ? *frame::settings.pageRecords : own;
 
   int32_t status = FindDocument(sources.front(), options, angle, &records);
-  if (status != STATUS_OK || settings.AngleOnlyFlag == 1) return status;
+  if (status != STATUS_OK || frame::settings.AngleOnlyFlag == 1) return status;
   status = TurnAll(sources, options, records.geometry, results);
   if (status == STATUS_OK) records.stage = PageStage::kTurned;
   return status;
@@ -135,4 +136,4 @@ int32_t RunCheckedPrunedRotation(const ImageRec* sources, const PrunedRotationOp
   return RunPrunedRotation(all, checked, angle, std::span(results, all.size()));
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::deskew

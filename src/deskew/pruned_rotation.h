@@ -7,7 +7,7 @@
 
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::deskew {
 
 // What a run is told, beside its images.
 struct PrunedRotationOptions {
@@ -42,4 +42,4 @@ int32_t RunPrunedRotation(std::span<const ImageRec> sources, const PrunedRotatio
 int32_t RunCheckedPrunedRotation(const ImageRec* sources, const PrunedRotationOptions& options,
                                  double* angle, ImageRec* results, int32_t count);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::deskew

@@ -10,7 +10,7 @@
 #include "frame/settings.h"
 #include "frame/trigonometry.h"
 
-namespace vorlanepic {
+namespace vorlanepic::deskew {
 namespace {
 
 constexpr int32_t kMaxSegmentLen = 50;
@@ -24,10 +24,10 @@ constexpr size_t kFewestPoints = 5;
 // Opposite borders whose angles differ by more do not agree.
 constexpr double kAgreeingDegrees = 1.5;
 
-EdgePoint MeanOf(std::span<const EdgePoint> points) {
+analysis::EdgePoint MeanOf(std::span<const analysis::EdgePoint> points) {
   uint32_t sumX = 0;
   uint32_t sumY = 0;
-  for (const EdgePoint& point : points) {
+  for (const analysis::EdgePoint& point : points) {
     sumX += static_cast<uint32_t>(point.x);
     sumY += static_cast<uint32_t>(point.y);
   }
@@ -36,13 +36,14 @@ EdgePoint MeanOf(std::span<const EdgePoint> points) {
 }
 
 // |distance| of every point from `line`.
-int32_t MeasureDistances(const BorderLine& line, std::span<const EdgePoint> points,
+int32_t MeasureDistances(const analysis::BorderLine& line,
+                         std::span<const analysis::EdgePoint> points,
                          std::span<uint32_t> distances) {
   for (size_t i = 0; i < points.size(); ++i) {
     int32_t distance = 0;
-    const int32_t status = DistanceToLine(points[i].x, points[i].y, line, &distance);
+    const int32_t status = analysis::DistanceToLine(points[i].x, points[i].y, line, &distance);
     if (status != STATUS_OK) return status;
-    distances[i] = static_cast<uint32_t>(WrapAbs(distance));
+    distances[i] = static_cast<uint32_t>(frame::WrapAbs(distance));
   }
   return STATUS_OK;
 }
@@ -53,7 +54,8 @@ size_t CountBelow(std::span<const uint32_t> distances, uint32_t limit) {
 }
 
 // Moves the points nearer than `cut` to the front and returns how many they are.
-size_t KeepNear(std::span<const uint32_t> distances, uint32_t cut, std::span<EdgePoint> points) {
+size_t KeepNear(std::span<const uint32_t> distances, uint32_t cut,
+                std::span<analysis::EdgePoint> points) {
   size_t kept = 0;
   for (size_t i = 0; i < points.size(); ++i) {
     if (distances[i] < cut) points[kept++] = points[i];
@@ -63,8 +65,9 @@ size_t KeepNear(std::span<const uint32_t> distances, uint32_t cut, std::span<Edg
 
 // Fits `line` to `points`, drops those far from it and fits again, until all are near. `points` is
 // reordered; `distances` has as many entries.
-int32_t RefineLine(std::span<EdgePoint> points, std::span<uint32_t> distances, BorderLine* line) {
-  const auto inlierLimit = static_cast<uint32_t>(settings.ToLineDistance);
+int32_t RefineLine(std::span<analysis::EdgePoint> points, std::span<uint32_t> distances,
+                   analysis::BorderLine* line) {
+  const auto inlierLimit = static_cast<uint32_t>(frame::settings.ToLineDistance);
   for (;;) {
     if (FitLineByHalves(line, points) != STATUS_OK) return ANGLE_NOT_FOUND;
     distances = distances.first(points.size());
@@ -84,11 +87,12 @@ int32_t RefineLine(std::span<EdgePoint> points, std::span<uint32_t> distances, B
 }
 
 // The means of the segments in `chunks`, chunk after chunk.
-void GatherPoints(std::span<const BorderSegment> segments, std::span<const int32_t> chunks,
-                  size_t chunkLength, std::span<EdgePoint> points) {
+void GatherPoints(std::span<const analysis::BorderSegment> segments,
+                  std::span<const int32_t> chunks, size_t chunkLength,
+                  std::span<analysis::EdgePoint> points) {
   size_t filled = 0;
   for (const int32_t chunk : chunks) {
-    for (const BorderSegment& segment :
+    for (const analysis::BorderSegment& segment :
          segments.subspan(static_cast<size_t>(chunk) * chunkLength, chunkLength)) {
       points[filled++] = {segment.meanX, segment.meanY};
     }
@@ -118,69 +122,70 @@ int32_t BestOf(std::span<const BorderVote, 4> votes) {
 
 }  // namespace
 
-int32_t FitLineByHalves(BorderLine* line, std::span<const EdgePoint> points) {
+int32_t FitLineByHalves(analysis::BorderLine* line, std::span<const analysis::EdgePoint> points) {
   if (points.size() < 2) return BAD_ARGUMENT;
-  const EdgePoint first = MeanOf(points.first(points.size() / 2));
-  const EdgePoint second = MeanOf(points.subspan(points.size() / 2));
-  const int32_t dx = WrapSub(second.x, first.x);
-  const int32_t dy = WrapSub(second.y, first.y);
+  const analysis::EdgePoint first = MeanOf(points.first(points.size() / 2));
+  const analysis::EdgePoint second = MeanOf(points.subspan(points.size() / 2));
+  const int32_t dx = frame::WrapSub(second.x, first.x);
+  const int32_t dy = frame::WrapSub(second.y, first.y);
   if (dx == 0 && dy == 0) return ANGLE_NOT_FOUND;
 
   *line = {};
   if (dx == 0) {
-    line->kind = kLineVertical;
+    line->kind = analysis::kLineVertical;
     line->intercept = first.x;
     line->angle = 90.0;
   } else if (dy == 0) {
-    line->kind = kLineHorizontal;
+    line->kind = analysis::kLineHorizontal;
     line->intercept = first.y;
   } else {
-    line->kind = kLineGeneral;
+    line->kind = analysis::kLineGeneral;
     line->slope = static_cast<double>(dy) / dx;
     line->intercept = first.y - first.x * line->slope;
-    line->angle = ArcTangent(line->slope) * kDegreesPerRadian;
+    line->angle = frame::ArcTangent(line->slope) * frame::kDegreesPerRadian;
   }
   return STATUS_OK;
 }
 
-int32_t EstimateBorderAngle(std::span<const BorderSegment> segments, int32_t segmentLen,
+int32_t EstimateBorderAngle(std::span<const analysis::BorderSegment> segments, int32_t segmentLen,
                             double groupAngle, BorderVote* vote) {
   const int32_t length = segmentLen & 0xFFFF;
   if (vote == nullptr || length == 0 || length > kMaxSegmentLen) return BAD_ARGUMENT;
   if (!(groupAngle >= 0.0 && groupAngle <= kMaxGroupAngle)) return BAD_ARGUMENT;
   *vote = {};
 
-  ScratchArray<double> degrees;
-  ScratchArray<int32_t> chunks;
+  frame::ScratchArray<double> degrees;
+  frame::ScratchArray<int32_t> chunks;
   if (!MeasureDirections(segments, length, &degrees)) return OUT_OF_MEMORY;
   if (!PickLargestGroup(degrees.span(), groupAngle, &chunks)) return OUT_OF_MEMORY;
   if (chunks.size() == 0) return ANGLE_NOT_FOUND;
 
   const size_t count = chunks.size() * static_cast<size_t>(length);
-  ScratchArray<EdgePoint> points;
-  ScratchArray<EdgePoint> working;
-  ScratchArray<uint32_t> distances;
+  frame::ScratchArray<analysis::EdgePoint> points;
+  frame::ScratchArray<analysis::EdgePoint> working;
+  frame::ScratchArray<uint32_t> distances;
   if (!points.Allocate(count) || !working.Allocate(count) || !distances.Allocate(count)) {
     return OUT_OF_MEMORY;
   }
   GatherPoints(segments, chunks.span(), static_cast<size_t>(length), points.span());
   std::copy(points.span().begin(), points.span().end(), working.span().begin());
 
-  BorderLine line;
+  analysis::BorderLine line;
   int32_t status = RefineLine(working.span(), distances.span(), &line);
   if (status != STATUS_OK) return status;
   status = MeasureDistances(line, points.span(), distances.span());
   if (status != STATUS_OK) return status;
-  const auto inlierLimit = static_cast<uint32_t>(settings.ToLineDistance);
+  const auto inlierLimit = static_cast<uint32_t>(frame::settings.ToLineDistance);
   const auto votes = static_cast<int32_t>(CountBelow(distances.span(), inlierLimit));
   *vote = {line.angle, line, votes, true};
   return STATUS_OK;
 }
 
-int32_t EstimateSkewFromBorders(const BorderTraces& traces, int32_t segmentLen, double groupAngle,
-                                std::span<BorderVote, 4> votes, int32_t* bestBorder,
-                                double* degrees) {
-  const SideTrace* const sides[] = {&traces.left, &traces.right, &traces.top, &traces.bottom};
+int32_t EstimateSkewFromBorders(const analysis::BorderTraces& traces, int32_t segmentLen,
+                                double groupAngle, std::span<BorderVote, 4> votes,
+                                int32_t* bestBorder, double* degrees) {
+  const analysis::SideTrace* const sides[] = {&traces.left, &traces.right, &traces.top,
+                                              &traces.bottom};
   for (size_t i = 0; i < votes.size(); ++i) {
     const int32_t status =
         EstimateBorderAngle(sides[i]->list.view(), segmentLen, groupAngle, &votes[i]);
@@ -191,10 +196,10 @@ int32_t EstimateSkewFromBorders(const BorderTraces& traces, int32_t segmentLen, 
 
   const BorderVote& best = votes[static_cast<size_t>(*bestBorder)];
   const BorderVote& opposite = votes[static_cast<size_t>(OppositeOf(*bestBorder))];
-  const bool isMeanAsked = settings.AngleMode != 0;
+  const bool isMeanAsked = frame::settings.AngleMode != 0;
   *degrees =
       isMeanAsked && Agree(best, opposite) ? (best.angle + opposite.angle) * 0.5 : best.angle;
   return STATUS_OK;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::deskew

@@ -7,13 +7,13 @@
 #include "analysis/border_records.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::deskew {
 
 // One border's part in the vote.
 struct BorderVote {
-  double angle = 0.0;  // degrees, -90..90
-  BorderLine line;     // the line that won the votes
-  int32_t votes = 0;   // segments near the line
+  double angle = 0.0;         // degrees, -90..90
+  analysis::BorderLine line;  // the line that won the votes
+  int32_t votes = 0;          // segments near the line
   bool hasAngle = false;
 };
 
@@ -30,19 +30,19 @@ struct BorderVote {
 //
 // Returns STATUS_OK; ANGLE_NOT_FOUND when no border gives an angle; BAD_ARGUMENT for a value out of
 // range; or OUT_OF_MEMORY.
-int32_t EstimateSkewFromBorders(const BorderTraces& traces, int32_t segmentLen, double groupAngle,
-                                std::span<BorderVote, 4> votes, int32_t* bestBorder,
-                                double* degrees);
+int32_t EstimateSkewFromBorders(const analysis::BorderTraces& traces, int32_t segmentLen,
+                                double groupAngle, std::span<BorderVote, 4> votes,
+                                int32_t* bestBorder, double* degrees);
 
 // One border's vote, from the means of its segments in the order along the border. Arguments and
 // results are those of EstimateSkewFromBorders; ANGLE_NOT_FOUND leaves *vote without an angle.
-int32_t EstimateBorderAngle(std::span<const BorderSegment> segments, int32_t segmentLen,
+int32_t EstimateBorderAngle(std::span<const analysis::BorderSegment> segments, int32_t segmentLen,
                             double groupAngle, BorderVote* vote);
 
 // Fits `line` through the mean of the first half of `points` and that of the second half. Its angle
 // is signed.
 //
 // Returns STATUS_OK; BAD_ARGUMENT for fewer than 2 points; ANGLE_NOT_FOUND when the halves meet.
-int32_t FitLineByHalves(BorderLine* line, std::span<const EdgePoint> points);
+int32_t FitLineByHalves(analysis::BorderLine* line, std::span<const analysis::EdgePoint> points);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::deskew

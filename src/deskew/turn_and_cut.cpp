@@ -4,7 +4,7 @@
 #include "frame/scratch.h"
 #include "frame/settings.h"
 
-namespace vorlanepic {
+namespace vorlanepic::deskew {
 namespace {
 
 ImageRegion RegionOf(const ContentBounds& bounds) {
@@ -15,9 +15,9 @@ int32_t FindTurnedContent(const ImageRec& turned, const TurnAndCut& how, PageRec
   page->turnedWidth = turned.width;
   page->turnedHeight = turned.height;
   page->stage = PageStage::kTurned;
-  settings.CropPixelFlag = how.cropPixelFlag;
-  const ContentSearch search{static_cast<uint32_t>(settings.SearchLimitNum),
-                             static_cast<uint32_t>(settings.CropPixelNum), how.threshold,
+  frame::settings.CropPixelFlag = how.cropPixelFlag;
+  const ContentSearch search{static_cast<uint32_t>(frame::settings.SearchLimitNum),
+                             static_cast<uint32_t>(frame::settings.CropPixelNum), how.threshold,
                              kSearchRowsAndColumns};
   return FindContentBounds(&turned, search, &page->turnedContent);
 }
@@ -27,7 +27,7 @@ int32_t FindTurnedContent(const ImageRec& turned, const TurnAndCut& how, PageRec
 int32_t TurnAndCutSet(std::span<const ImageRec> sources, const TurnAndCut& how,
                       std::span<ImageRec> results, PageRecords* page, int32_t* release) {
   for (size_t i = 0; i < sources.size(); ++i) {
-    ScratchImage turned;
+    frame::ScratchImage turned;
     int32_t status = RotateImageRegion(&sources[i], turned.rec(), how.fill, RegionOf(how.content),
                                        how.degrees, how.interpolation);
     if (status != STATUS_OK) return status;
@@ -43,4 +43,4 @@ int32_t TurnAndCutSet(std::span<const ImageRec> sources, const TurnAndCut& how,
   return STATUS_OK;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::deskew

@@ -8,7 +8,7 @@
 #include "deskew/page_records.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::deskew {
 
 // How a set is turned. All images get the geometry of the first.
 struct TurnAndCut {
@@ -33,4 +33,4 @@ struct TurnAndCut {
 int32_t TurnAndCutSet(std::span<const ImageRec> sources, const TurnAndCut& how,
                       std::span<ImageRec> results, PageRecords* page, int32_t* release);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::deskew

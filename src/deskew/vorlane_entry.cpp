@@ -13,6 +13,7 @@
 namespace {
 
 using namespace vorlanepic;
+using namespace vorlanepic::deskew;
 
 // What VorlanePic returns.
 constexpr int32_t kProcessed = 1;
@@ -32,17 +33,17 @@ bool IsMode(int32_t mode) {
 
 // Border runs of 2 pixels, segments of 4 to 6 points at most 6 pixels apart.
 void AssignSettings() {
-  settings.ImageNum = 1;
-  settings.BorderMethod = 1;
-  settings.ExtremeAnchorFlag = 0.0;
-  settings.SegmentMaxGap = 6;
-  settings.SegmentPointNum = 6;
-  settings.SegmentMinPointNum = 4;
-  settings.SearchBorderPixelNum = 2;
-  settings.ToLineMixDis = 5;
-  settings.ToLineDistance = 8;
-  settings.parallel = 3.5;
-  settings.perpendicular = 2.0;
+  frame::settings.ImageNum = 1;
+  frame::settings.BorderMethod = 1;
+  frame::settings.ExtremeAnchorFlag = 0.0;
+  frame::settings.SegmentMaxGap = 6;
+  frame::settings.SegmentPointNum = 6;
+  frame::settings.SegmentMinPointNum = 4;
+  frame::settings.SearchBorderPixelNum = 2;
+  frame::settings.ToLineMixDis = 5;
+  frame::settings.ToLineDistance = 8;
+  frame::settings.parallel = 3.5;
+  frame::settings.perpendicular = 2.0;
 }
 
 }  // namespace
@@ -58,17 +59,17 @@ int32_t VORLANEPIC_STDCALL VorlanePic(uint8_t* pixels, int32_t* width, int32_t* 
 
   // The image library says how the pixels lie. They are read in the caller's buffer, which stays as
   // it is until the result is whole: a copy would cost as much as the rotation.
-  ScratchImage layout;
+  frame::ScratchImage layout;
   if (Imgbuf_New(layout.rec(), *width, *height, bitsPerPixel, 0) != STATUS_OK) return kFailed;
   ImageRec source = *layout.rec();
-  ScratchArray<uint8_t*> rows;
+  frame::ScratchArray<uint8_t*> rows;
   if (!rows.Allocate(static_cast<size_t>(source.height))) return kFailed;
   source.pixels = pixels;
-  LayRows(rows.data(), &source);
+  frame::LayRows(rows.data(), &source);
 
   constexpr uint8_t kBlue[3] = {255, 0, 0};
   double angle = 0.0;
-  ScratchImage result;
+  frame::ScratchImage result;
   const int32_t status =
       RunPrunedRotation(std::span<const ImageRec>(&source, 1), {mode, threshold, 0, 0, kBlue},
                         &angle, std::span(result.rec(), 1));
@@ -81,13 +82,13 @@ int32_t VORLANEPIC_STDCALL VorlanePic(uint8_t* pixels, int32_t* width, int32_t* 
 
 int32_t VORLANEPIC_STDCALL VorlanePicEx(uint8_t* pixels, int32_t* width, int32_t* height,
                                         int32_t bitsPerPixel, int32_t mode) noexcept {
-  settings.ImageNum = 1;
+  frame::settings.ImageNum = 1;
   return VorlanePic(pixels, width, height, bitsPerPixel, mode, 0);
 }
 
 int32_t VORLANEPIC_STDCALL ImageVorlane(const ImageRec* source, int32_t mode, int32_t threshold,
                                         int32_t background, ImageRec* result) noexcept {
-  settings.ImageNum = 1;
+  frame::settings.ImageNum = 1;
   double angle = 0.0;
   return ImageVorlaneEx(source, mode, threshold, background, &angle, result);
 }

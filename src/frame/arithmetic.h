@@ -4,7 +4,7 @@
 
 #include <cstdint>
 
-namespace vorlanepic {
+namespace vorlanepic::frame {
 
 // a + b modulo 2^32. Summed unsigned, because signed overflow is undefined.
 constexpr int32_t WrapAdd(int32_t a, int32_t b) {
@@ -34,4 +34,4 @@ constexpr int32_t TruncToInt32(double v) {
 // v rounded as this library rounds: v + 0.5 cut toward zero, so -0.7 gives 0 and -1.6 gives -1.
 constexpr int32_t RoundToInt32(double v) { return TruncToInt32(v + 0.5); }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::frame

@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-namespace vorlanepic {
+namespace vorlanepic::frame {
 
 // The value high + low. Holds: high is the double nearest to the value, so rounding to double is
 // taking `high`.
@@ -68,4 +68,4 @@ constexpr DoubleDouble operator/(DoubleDouble a, DoubleDouble b) {
   return quotient + DoubleDouble{last.high / b.high, 0};
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::frame

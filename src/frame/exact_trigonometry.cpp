@@ -8,7 +8,7 @@
 #include "frame/arithmetic.h"
 #include "frame/double_double.h"
 
-namespace vorlanepic {
+namespace vorlanepic::frame {
 namespace {
 
 // Below it sine, tangent and arc tangent are nearer to their argument than to any other double: the
@@ -116,4 +116,4 @@ double ExactArcTangent(double slope) {
   return (DoubleDouble{guess, 0} + missing).high;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::frame

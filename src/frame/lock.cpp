@@ -4,7 +4,7 @@
 
 #include <windows.h>
 
-namespace vorlanepic {
+namespace vorlanepic::frame {
 namespace {
 
 static_assert(sizeof(SRWLOCK) == sizeof(void*));
@@ -16,6 +16,6 @@ SRWLOCK* Native(void** state) { return reinterpret_cast<SRWLOCK*>(state); }
 void Lock::lock() noexcept { AcquireSRWLockExclusive(Native(&state_)); }
 void Lock::unlock() noexcept { ReleaseSRWLockExclusive(Native(&state_)); }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::frame
 
 #endif

@@ -5,7 +5,7 @@
 #include <mutex>
 #endif
 
-namespace vorlanepic {
+namespace vorlanepic::frame {
 
 #if defined(_WIN32)
 
@@ -26,4 +26,4 @@ using Lock = std::mutex;
 
 #endif
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::frame

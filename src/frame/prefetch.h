@@ -8,7 +8,7 @@
 #include <xmmintrin.h>
 #endif
 
-namespace vorlanepic {
+namespace vorlanepic::frame {
 
 // Bytes that come near together.
 inline constexpr ptrdiff_t kCacheLine = 64;
@@ -26,4 +26,4 @@ VORLANEPIC_PREFETCHES inline void Prefetch([[maybe_unused]] const void* from,
 #endif
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::frame

@@ -1,6 +1,6 @@
 #include "frame/profile_line.h"
 
-namespace vorlanepic {
+namespace vorlanepic::frame {
 
 int ProfileFile::Peek() {
   if (next_ == filled_ && !atEnd_) {
@@ -39,4 +39,4 @@ LineResult ProfileFile::ReadProfileLine(ProfileText* line) {
   return LineResult::kLine;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::frame

@@ -6,7 +6,7 @@
 #include <cstdio>
 #include <string_view>
 
-namespace vorlanepic {
+namespace vorlanepic::frame {
 
 // Characters of a line, and of a value joined from several lines.
 inline constexpr size_t kProfileLineCapacity = 4096;
@@ -57,4 +57,4 @@ class ProfileFile {
   unsigned char buffer_[kProfileLineCapacity];
 };
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::frame

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cstring>
 
-namespace vorlanepic {
+namespace vorlanepic::frame {
 namespace {
 
 constexpr std::string_view kBlanks = " \t";
@@ -178,4 +178,4 @@ double ParseDecimal(std::string_view text) {
   return number.negative ? -value : value;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::frame

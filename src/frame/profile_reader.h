@@ -17,7 +17,7 @@
 
 #include "frame/profile_line.h"
 
-namespace vorlanepic {
+namespace vorlanepic::frame {
 
 // What FindProfileValue returns.
 enum ProfileStatus : int32_t {
@@ -59,4 +59,4 @@ uint32_t ReadProfileText(const char* section, const char* key, const char* defau
 // rounded up to 15 digits.
 double ParseDecimal(std::string_view text);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::frame

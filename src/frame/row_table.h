@@ -6,7 +6,7 @@
 
 #include "vorlanepic/imgbuf.h"
 
-namespace vorlanepic {
+namespace vorlanepic::frame {
 
 // Lets `image` begin at its `pixels`, with `rows`, which has room for its height, as its row table.
 inline void LayRows(uint8_t** rows, ImageRec* image) {
@@ -16,4 +16,4 @@ inline void LayRows(uint8_t** rows, ImageRec* image) {
   image->rows = rows;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::frame

@@ -10,7 +10,7 @@
 
 #include "vorlanepic/imgbuf.h"
 
-namespace vorlanepic {
+namespace vorlanepic::frame {
 
 // An image that is released with its scope, on whichever path the scope is left.
 class ScratchImage {
@@ -97,4 +97,4 @@ class ScratchArray {
   size_t size_ = 0;
 };
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::frame

@@ -1,7 +1,7 @@
 #include "frame/settings.h"
 
-namespace vorlanepic {
+namespace vorlanepic::frame {
 
 Settings settings{};
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::frame

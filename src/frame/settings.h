@@ -3,10 +3,14 @@
 
 #include <cstdint>
 
-namespace vorlanepic {
-
+namespace vorlanepic::deskew {
 struct PageRecords;
+}
+namespace vorlanepic::omr {
 struct BarRecords;
+}
+
+namespace vorlanepic::frame {
 
 // Values persist between calls: what an entry point does not assign keeps what the call before
 // left. Entry points assign, stages read; a stage that writes one is named there. Nothing guards
@@ -47,11 +51,11 @@ struct Settings {
 
   // Where the drivers and the bar search leave their stages' records for a host that draws them;
   // null: nobody looks. The host owns both and clears the pointers before they go.
-  PageRecords* pageRecords;
-  BarRecords* barRecords;
+  deskew::PageRecords* pageRecords;
+  omr::BarRecords* barRecords;
 };
 
 // The one instance, all zero at load.
 extern Settings settings;
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::frame

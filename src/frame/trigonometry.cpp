@@ -4,7 +4,7 @@
 
 #include "frame/exact_trigonometry.h"
 
-namespace vorlanepic {
+namespace vorlanepic::frame {
 
 // glibc's functions agree with the exact ones but for about one argument in 700, where they are one
 // unit in the last place off. Others, above all those on x87 arithmetic, are not that near.
@@ -20,4 +20,4 @@ double Tangent(double radians) { return ExactTangent(radians); }
 double ArcTangent(double slope) { return ExactArcTangent(slope); }
 #endif
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::frame

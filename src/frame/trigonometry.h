@@ -2,7 +2,7 @@
 // ones.
 #pragma once
 
-namespace vorlanepic {
+namespace vorlanepic::frame {
 
 // Arguments and results in radians; accurate to less than one unit in the last place.
 double Sine(double radians);
@@ -15,4 +15,4 @@ double ArcTangent(double slope);
 inline constexpr double kDegreesPerRadian = 57.295780490442965;
 inline constexpr double kRadiansPerDegree = 0.017453292222222222;
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::frame

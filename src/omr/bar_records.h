@@ -8,7 +8,7 @@
 #include "omr/edge_fitting.h"
 #include "omr/sheet_area.h"
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 
 // How far the search came; each stage was reached with all earlier ones done.
 enum class BarStage : int32_t {
@@ -50,11 +50,11 @@ struct BarRecords {
   BarStage stage = BarStage::kNothing;  // the last stage that succeeded
   SheetArea sheet{};
   size_t barCount = 0;
-  ScratchArray<ExaminedBar> bars;  // the first barCount entries, in the order of the search
-  bool isTall = false;             // the bar runs down the sheet
-  ScratchArray<EdgeSample> samples;
+  frame::ScratchArray<ExaminedBar> bars;  // the first barCount entries, in the order of the search
+  bool isTall = false;                    // the bar runs down the sheet
+  frame::ScratchArray<EdgeSample> samples;
   BarLines lines{};    // top and bottom, or left and right
   double angle = 0.0;  // radians
 };
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

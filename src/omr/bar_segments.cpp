@@ -6,7 +6,7 @@
 #include "frame/arithmetic.h"
 #include "frame/scratch.h"
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 namespace {
 
 // Points first..last of an edge, both inclusive.
@@ -32,7 +32,7 @@ class EdgeSegments {
 
   std::span<const EdgeSegment> segments() const { return segments_.span().first(count_); }
   int32_t Extent(const EdgeSegment& segment) const {
-    return WrapSub(Along(segment.last), Along(segment.first));
+    return frame::WrapSub(Along(segment.last), Along(segment.first));
   }
 
  private:
@@ -56,7 +56,7 @@ class EdgeSegments {
   EdgeAxes axes_;
   int32_t lo_;
   int32_t hi_;
-  ScratchArray<EdgeSegment> segments_;
+  frame::ScratchArray<EdgeSegment> segments_;
   size_t count_ = 0;
 };
 
@@ -116,7 +116,7 @@ bool KeepMainSegments(std::span<BarPoint> points, const EdgeAxes& axes, int32_t 
     return true;
   }
 
-  ScratchArray<int32_t> lengths;
+  frame::ScratchArray<int32_t> lengths;
   if (!lengths.Allocate(segments.size() + 1)) return false;
   edge.Group();
   const int32_t longest = edge.LongestGroup(lengths.span());
@@ -127,4 +127,4 @@ bool KeepMainSegments(std::span<BarPoint> points, const EdgeAxes& axes, int32_t 
   return true;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

@@ -6,7 +6,7 @@
 
 #include "omr/edge_fitting.h"
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 
 // The axes of an edge: the coordinate that grows from point to point, and the one across the bar.
 struct EdgeAxes {
@@ -28,4 +28,4 @@ inline constexpr EdgeAxes kTallBar{&BarPoint::y, &BarPoint::x};
 bool KeepMainSegments(std::span<BarPoint> points, const EdgeAxes& axes, int32_t lo, int32_t hi,
                       size_t* kept);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

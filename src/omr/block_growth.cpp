@@ -4,13 +4,13 @@
 
 #include "omr/large_pages.h"
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 namespace {
 
 // Room for `needed` elements: half as much again as before each time, so that the cost of moving
 // them stays in proportion to their number, or what the rest of the image is `expected` to add.
 template <typename T>
-bool Reserve(ScratchArray<T>* array, size_t needed, size_t expected) {
+bool Reserve(frame::ScratchArray<T>* array, size_t needed, size_t expected) {
   if (needed <= array->size()) return true;
   const size_t size = std::max({needed, array->size() / 2 * 3, expected});
   if (!array->Grow(size - array->size())) return false;
@@ -111,4 +111,4 @@ void BlockGrowth::Merge(int32_t survivor, int32_t other) {
   root.tail = merged.tail;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

@@ -8,7 +8,7 @@
 #include "omr/row_runs.h"
 #include "omr/value_range.h"
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 
 // The runs added to one block, as a chain of their own. Blocks that meet are merged: one of them
 // survives as the root, and its chain lists the others in the order in which their points follow
@@ -80,11 +80,11 @@ class BlockGrowth {
 
   int32_t firstRow_ = 0;
   size_t rowCount_ = 0;
-  ScratchArray<size_t> rowStarts_;
-  ScratchArray<PixelRun> runs_;
-  ScratchArray<GrowingBlock> blocks_;
+  frame::ScratchArray<size_t> rowStarts_;
+  frame::ScratchArray<PixelRun> runs_;
+  frame::ScratchArray<GrowingBlock> blocks_;
   size_t runCount_ = 0;
   size_t blockCount_ = 0;
 };
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

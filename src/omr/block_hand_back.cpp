@@ -10,7 +10,7 @@
 #include "omr/block_points.h"
 #include "omr/large_pages.h"
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 namespace {
 
 // What adding a merged block's points to a list reserves beyond them.
@@ -29,8 +29,8 @@ int32_t MeanOf(int32_t sum, int32_t area) {
 
 void Finish(BlockRec* block) {
   block->state = BLOCK_FINISHED;
-  block->height = WrapAdd(WrapSub(block->bottom, block->top), 1);
-  block->width = WrapAdd(WrapSub(block->right, block->left), 1);
+  block->height = frame::WrapAdd(frame::WrapSub(block->bottom, block->top), 1);
+  block->width = frame::WrapAdd(frame::WrapSub(block->right, block->left), 1);
   block->centerX = MeanOf(block->centerX, block->area);
   block->centerY = MeanOf(block->centerY, block->area);
 }
@@ -68,7 +68,7 @@ BlockTotal TakeOwnRuns(const BlockGrowth& growth, const GrowingBlock& block, Blo
       ++total.bottom;
     }
     // The next blocks' runs in this row: a block reaches through rows far apart in the table.
-    Prefetch(&run, kCacheLine);
+    frame::Prefetch(&run, frame::kCacheLine);
     points = WriteRun(points, run, total.bottom);
     const int64_t length = Length(run);
     total.pointCapacity = GrownPointCapacity(total.pointCapacity, total.area, length);
@@ -165,7 +165,7 @@ int32_t CompactEarlier(BlockRec* blocks, int32_t count) {
 int32_t BoxDiagonal(int32_t width, int32_t height) {
   const double w = width;
   const double h = height;
-  return TruncToInt32(std::sqrt(w * w + h * h));
+  return frame::TruncToInt32(std::sqrt(w * w + h * h));
 }
 
 BlockHandBack::BlockHandBack(int32_t shortestDiagonal, BlockSetRec* set)
@@ -241,4 +241,4 @@ bool BlockHandBack::Reserve(int64_t capacity) {
   return true;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

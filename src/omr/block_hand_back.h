@@ -6,7 +6,7 @@
 #include "omr/block_growth.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 
 // Truncated length, in pixels, of the diagonal of a width x height box.
 int32_t BoxDiagonal(int32_t width, int32_t height);
@@ -43,4 +43,4 @@ class BlockHandBack {
   bool lastRunOpened_ = false;  // whether the last run of all opened a block of its own
 };
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

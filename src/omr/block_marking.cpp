@@ -5,7 +5,7 @@
 #include "omr/block_growth.h"
 #include "omr/row_runs.h"
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 namespace {
 
 // How many pixels of a run, from its start on, count for its range of values. The pixel at the last
@@ -100,9 +100,10 @@ template int32_t MarkBlocks(const DarkPixels&, const GreyView&, const BlockMarkP
 template int32_t MarkBlocks(const NonZeroPixels&, const GreyView&, const BlockMarkParam&,
                             const SearchRect&, int32_t, BlockSetRec*);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr
 
 using namespace vorlanepic;
+using namespace vorlanepic::omr;
 
 int32_t VORLANEPIC_CDECL ImageBlockMarkHorEx(const uint8_t* image, int32_t height, int32_t width,
                                              const BlockMarkParam* param, const BlockRect* rect,

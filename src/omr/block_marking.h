@@ -9,7 +9,7 @@
 #include "omr/scan_area.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 
 // The status of a block set whose numbers contradict each other.
 inline constexpr int32_t kInconsistentSet = 10;
@@ -31,4 +31,4 @@ extern template int32_t MarkBlocks(const DarkPixels&, const GreyView&, const Blo
 extern template int32_t MarkBlocks(const NonZeroPixels&, const GreyView&, const BlockMarkParam&,
                                    const SearchRect&, int32_t, BlockSetRec*);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <cstddef>
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 namespace {
 
-bool AllocateEmpty(ScratchArray<LineExtent>* lines, int32_t count) {
+bool AllocateEmpty(frame::ScratchArray<LineExtent>* lines, int32_t count) {
   if (!lines->Allocate(static_cast<size_t>(count))) return false;
   std::fill_n(lines->data(), lines->size(), LineExtent{INT32_MAX, -1});
   return true;
@@ -33,4 +33,4 @@ bool BlockOutline::Trace(const BlockRec& block) {
   return true;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

@@ -7,7 +7,7 @@
 #include "frame/scratch.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 
 // The first and last pixel of a block in one line across its bounding box, counted from the box's
 // edge. A line without a pixel has first > last, and last = -1.
@@ -28,8 +28,8 @@ class BlockOutline {
   std::span<const LineExtent> rows() const { return rows_.span(); }  // columns within each row
 
  private:
-  ScratchArray<LineExtent> columns_;
-  ScratchArray<LineExtent> rows_;
+  frame::ScratchArray<LineExtent> columns_;
+  frame::ScratchArray<LineExtent> rows_;
 };
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

@@ -11,7 +11,7 @@
 #include <emmintrin.h>
 #endif
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 
 // Points behind a list's end that WriteRun may overwrite.
 inline constexpr size_t kSparePoints = 3;
@@ -48,4 +48,4 @@ inline BlockPoint* WriteRun(BlockPoint* points, const PixelRun& run, int32_t y) 
 }
 #endif
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

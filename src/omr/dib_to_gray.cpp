@@ -7,7 +7,7 @@
 
 #include "omr/large_pages.h"
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 namespace {
 
 // A little-endian number of an information header.
@@ -98,4 +98,4 @@ bool DibToGray(const DibRec* image, GreyImage* grey) {
   return true;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

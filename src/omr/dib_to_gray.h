@@ -7,12 +7,12 @@
 #include "omr/grey_view.h"
 #include "vorlanepic/imgbuf.h"
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 
 // A grey image whose pixels are its own or those of the image that it was read from.
 struct GreyImage {
   GreyView view{nullptr, 0, 0};
-  ScratchArray<uint8_t> own;
+  frame::ScratchArray<uint8_t> own;
 };
 
 // Reads a device-independent image of 1, 8 or 24 bits per pixel. 8 bits are taken as grey levels,
@@ -23,4 +23,4 @@ struct GreyImage {
 // another depth, and when there is no memory.
 bool DibToGray(const DibRec* image, GreyImage* grey);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

@@ -6,7 +6,7 @@
 #include "frame/scratch.h"
 #include "omr/bar_segments.h"
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 namespace {
 
 // Samples beyond which a bar is refused.
@@ -72,8 +72,8 @@ size_t KeepUsualSteps(std::span<const EdgeSample> samples, int32_t EdgeSample::*
 
 // The points of one edge that the line is fitted to, at the front of `points`.
 bool KeepMainEdge(std::span<const EdgeSample> samples, int32_t EdgeSample::*edge,
-                  const EdgeAxes& axes, ScratchArray<BarPoint>* points, size_t* kept) {
-  ScratchArray<int32_t> steps;
+                  const EdgeAxes& axes, frame::ScratchArray<BarPoint>* points, size_t* kept) {
+  frame::ScratchArray<int32_t> steps;
   if (!steps.Allocate(samples.size() - 1) || !points->Allocate(samples.size())) return false;
   for (size_t i = 0; i + 1 < samples.size(); ++i) {
     steps[i] = samples[i].*edge - samples[i + 1].*edge;
@@ -86,7 +86,7 @@ bool KeepMainEdge(std::span<const EdgeSample> samples, int32_t EdgeSample::*edge
 template <typename Fit>
 bool FitEdges(std::span<const EdgeSample> samples, const EdgeAxes& axes, Fit fit, BarLines* lines) {
   if (samples.size() < 2 || samples.size() > kMostSamples) return false;
-  ScratchArray<BarPoint> points;
+  frame::ScratchArray<BarPoint> points;
   size_t kept = 0;
   if (!KeepMainEdge(samples, &EdgeSample::first, axes, &points, &kept)) return false;
   lines->first = fit(points.span().first(kept));
@@ -121,4 +121,4 @@ bool FitTallBarEdges(std::span<const EdgeSample> samples, BarLines* lines) {
   return FitEdges(samples, kTallBar, FitLineXOnY, lines);
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

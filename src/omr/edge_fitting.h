@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <span>
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 
 // One cross-section of a bar. Wide bar: `position` is a column, `first` and `last` the topmost and
 // bottommost bar rows in it; tall bar: `position` is a row, the others the leftmost and rightmost
@@ -47,4 +47,4 @@ bool FitTallBarEdges(std::span<const EdgeSample> samples, BarLines* lines);
 // `values`.
 int32_t ModeOf(std::span<int32_t> values);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

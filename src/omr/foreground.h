@@ -7,7 +7,7 @@
 #include <emmintrin.h>
 #endif
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 
 // Pixels at or below a grey level.
 struct DarkPixels {
@@ -49,4 +49,4 @@ uint64_t MarkedBits64(const Foreground& foreground, const uint8_t* pixels) {
   return bits;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

@@ -4,7 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 
 // One byte per pixel, 0 is black, top row first, rows without padding. The host owns the pixels.
 struct GreyView {
@@ -23,4 +23,4 @@ struct GreyView {
   }
 };
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

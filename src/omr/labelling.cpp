@@ -1,7 +1,7 @@
 #include "omr/block_marking.h"
 #include "omr/selection_order.h"
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 namespace {
 
 // What the labelling functions return.
@@ -30,9 +30,10 @@ int32_t LabelInArea(const GreyView& image, const LabelArea* area, int32_t BlockR
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr
 
 using namespace vorlanepic;
+using namespace vorlanepic::omr;
 
 int32_t VORLANEPIC_CDECL bw_label_center(const uint8_t* image, int32_t height, int32_t width,
                                          BlockSetRec* set) noexcept {

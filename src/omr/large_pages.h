@@ -8,7 +8,7 @@
 #include <sys/mman.h>
 #endif
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 
 // Asks for large pages behind a heap block that is about to be written for the first time: each
 // costs one page fault instead of 512. Advice only, and only for what large pages fill wholly.
@@ -22,4 +22,4 @@ inline void AdviseLargePages([[maybe_unused]] void* block, [[maybe_unused]] size
 #endif
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

@@ -9,7 +9,7 @@
 #include "omr/sheet_area.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 namespace {
 
 // What the angle functions return.
@@ -43,8 +43,8 @@ void MarkLongBlocks(const GreyView& image, int32_t threshold, const SheetArea& s
 }
 
 bool AngleOfEdges(BarRecords* records) {
-  const double first = ArcTangent(records->lines.first.slope);
-  const double second = ArcTangent(records->lines.second.slope);
+  const double first = frame::ArcTangent(records->lines.first.slope);
+  const double second = frame::ArcTangent(records->lines.second.slope);
   records->angle = (first + second) * 0.5;
   return std::fabs(first - second) <= static_cast<double>(kEdgeAgreement);
 }
@@ -77,7 +77,8 @@ int32_t MeasureBar(const GreyView& image, int32_t threshold, const BarLimits& li
                    double* angle) {
   if (angle == nullptr) return BAR_NOT_FOUND;
   BarRecords scratch;
-  BarRecords& records = settings.barRecords != nullptr ? *settings.barRecords : scratch;
+  BarRecords& records =
+      frame::settings.barRecords != nullptr ? *frame::settings.barRecords : scratch;
   records = {};
   const int32_t status = FindBarAngle(image, threshold, limits, &records);
   if (status == BAR_FOUND) *angle = records.angle;
@@ -85,9 +86,10 @@ int32_t MeasureBar(const GreyView& image, int32_t threshold, const BarLimits& li
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr
 
 using namespace vorlanepic;
+using namespace vorlanepic::omr;
 
 int32_t VORLANEPIC_CDECL get_angle_omr(const uint8_t* pixels, int32_t height, int32_t width,
                                        int32_t threshold, int32_t minLength, int32_t minThickness,

@@ -8,7 +8,7 @@
 #include "omr/block_hand_back.h"
 #include "omr/block_outline.h"
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 namespace {
 
 constexpr int32_t kSampleStart = 5;       // pixels from the bar's end, which may be ragged
@@ -29,7 +29,7 @@ int32_t MeanThickness(std::span<const LineExtent> lines, int32_t step, ExaminedB
     const int32_t thickness = line.last - line.first + 1;
     bar->thinnest = std::min(bar->thinnest, thickness);
     bar->thickest = std::max(bar->thickest, thickness);
-    sum = WrapAdd(sum, thickness);
+    sum = frame::WrapAdd(sum, thickness);
     ++counted;
   }
   return counted > 0 ? sum / counted : 0;
@@ -159,4 +159,4 @@ bool TraceBarEdges(const BlockRec& bar, BarRecords* records) {
   return true;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

@@ -6,7 +6,7 @@
 #include "omr/bar_records.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 
 // What a reference bar has to measure, in pixels.
 struct BarLimits {
@@ -26,4 +26,4 @@ const BlockRec* SelectReferenceBar(const BlockSetRec& set, const BarLimits& limi
 // False when there is no memory.
 bool TraceBarEdges(const BlockRec& bar, BarRecords* records);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

@@ -1,6 +1,6 @@
 #include "omr/row_runs.h"
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 
 size_t FilterRuns(const BlockMarkParam& param, PixelRun* runs, size_t count) {
   const bool isLimited = param.minRunLen != 0 && param.maxRunLen != 0;
@@ -23,4 +23,4 @@ size_t FilterRuns(const BlockMarkParam& param, PixelRun* runs, size_t count) {
   return kept;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

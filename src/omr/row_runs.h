@@ -9,7 +9,7 @@
 #include "omr/foreground.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 
 // Marked pixels of one row, in columns start .. end - 1. The runs of a row go from left to right
 // and are at least one column apart. Cutting leaves `block` and `next` to those who link runs.
@@ -67,4 +67,4 @@ size_t CutRow(const Foreground& foreground, const uint8_t* row, int32_t first, i
 // returns how many remain. A joined run counts its gaps as marked.
 size_t FilterRuns(const BlockMarkParam& param, PixelRun* runs, size_t count);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

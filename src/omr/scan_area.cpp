@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 namespace {
 
 bool ClipAxis(int64_t origin, int64_t extent, int32_t size, int32_t* first, int32_t* last) {
@@ -24,4 +24,4 @@ bool ClipToImage(const SearchRect& rect, int32_t width, int32_t height, ScanArea
          ClipAxis(rect.y, rect.h, height, &area->firstRow, &area->lastRow);
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

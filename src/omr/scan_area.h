@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 
 // A search rectangle as its caller gave it: columns x .. x + w and rows y .. y + h, where w and h
 // may be negative. 64 bits hold every sum of two 32-bit corners or extents.
@@ -27,4 +27,4 @@ struct ScanArea {
 // the extent keeps its length. False when the origin lies right of or below the image.
 bool ClipToImage(const SearchRect& rect, int32_t width, int32_t height, ScanArea* area);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

@@ -6,7 +6,7 @@
 
 #include "frame/scratch.h"
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 namespace {
 
 // Orders by key, then by record.
@@ -36,8 +36,8 @@ class Standing {
   }
 
  private:
-  ScratchArray<uint32_t> records_;
-  ScratchArray<uint32_t> places_;
+  frame::ScratchArray<uint32_t> records_;
+  frame::ScratchArray<uint32_t> places_;
 };
 
 // Moves each record to its place: places[i] is where the record for place i stands. Uses up
@@ -62,7 +62,7 @@ void Permute(BlockRec* blocks, std::span<uint32_t> places) {
 void SelectionSort(BlockRec* blocks, int32_t count, int32_t BlockRec::*key) {
   if (count < 2) return;
   const auto size = static_cast<size_t>(count);
-  ScratchArray<uint64_t> ranked;
+  frame::ScratchArray<uint64_t> ranked;
   Standing standing;
   if (!ranked.Allocate(size) || !standing.Begin(size)) {
     SelectionSortPlain(blocks, count, key);
@@ -96,4 +96,4 @@ void SelectionSortPlain(BlockRec* blocks, int32_t count, int32_t BlockRec::*key)
   }
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

@@ -6,7 +6,7 @@
 
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 
 // Sorts `blocks` in place, ascending by the field `key`, into exactly the order that selection sort
 // gives: for each place in turn the first of the smallest keys from there on is exchanged with the
@@ -17,4 +17,4 @@ void SelectionSort(BlockRec* blocks, int32_t count, int32_t BlockRec::*key);
 // Selection sort as it is described, without further memory.
 void SelectionSortPlain(BlockRec* blocks, int32_t count, int32_t BlockRec::*key);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 namespace {
 
 // Counts of light pixels in neighbouring columns, taken row by row so that memory is walked in its
@@ -102,4 +102,4 @@ bool FindSheetArea(const GreyView& image, int32_t threshold, int32_t count, Shee
   return area->top < area->bottom && area->left < area->right;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

@@ -5,7 +5,7 @@
 
 #include "omr/grey_view.h"
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 
 // Rows top..bottom and columns left..right, inclusive. What the search does not find stays 0.
 struct SheetArea {
@@ -24,4 +24,4 @@ struct SheetArea {
 // False unless top < bottom and left < right; `area` is filled in either way.
 bool FindSheetArea(const GreyView& image, int32_t threshold, int32_t count, SheetArea* area);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

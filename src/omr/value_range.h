@@ -9,7 +9,7 @@
 #include <emmintrin.h>
 #endif
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 
 // The range of no values has lowest > highest.
 struct ValueRange {
@@ -112,4 +112,4 @@ inline ValueRange RangeOf(const uint8_t* values, size_t count, size_t /*readable
 }
 #endif
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

@@ -9,7 +9,7 @@
 
 #define TARGET_AVX2 __attribute__((target("avx2")))
 
-namespace vorlanepic::avx2 {
+namespace vorlanepic::rotate::avx2 {
 
 // `constant` in all lanes, unknown to the compiler, which would spell multiplications by it out as
 // shifts and sums that take longer.
@@ -119,4 +119,4 @@ void ColourNearest(const PixelRun& run);
 void ColourBilinear(const PixelRun& run);
 void ColourBicubic(const PixelRun& run);
 
-}  // namespace vorlanepic::avx2
+}  // namespace vorlanepic::rotate::avx2

@@ -22,7 +22,7 @@
 // Of lambdas, which take no `inline`, too.
 #define INLINE_AVX512 __attribute__((target("avx512f,avx512bw,avx512vl,avx512vbmi"), always_inline))
 
-namespace vorlanepic::avx512 {
+namespace vorlanepic::rotate::avx512 {
 
 constexpr int32_t kWords = 32;  // words of a vector
 constexpr int32_t kBytes = 64;  // bytes of a vector
@@ -136,4 +136,4 @@ void BitNearest(const PixelRun& run);
 void GreyNearest(const PixelRun& run);
 void ColourNearest(const PixelRun& run);
 
-}  // namespace vorlanepic::avx512
+}  // namespace vorlanepic::rotate::avx512

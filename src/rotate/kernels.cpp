@@ -8,7 +8,7 @@
 #include <string_view>
 #endif
 
-namespace vorlanepic {
+namespace vorlanepic::rotate {
 namespace {
 
 const KernelTable& TableOf(InstructionSet set) {
@@ -92,4 +92,4 @@ int32_t RowsOfNeighbours(int32_t count, const StepTables& steps) {
 
 void SelectRotateKernels(InstructionSet set) { selected = set; }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::rotate

@@ -7,7 +7,7 @@
 #include "frame/prefetch.h"
 #include "rotate/pixel_rule.h"
 
-namespace vorlanepic {
+namespace vorlanepic::rotate {
 
 // Runs of a kernel stay within strips of this many output columns, so that steps fit 16 bits.
 inline constexpr int32_t kStripColumns = 384;
@@ -42,7 +42,7 @@ struct PixelRun {
 // Later rows of the output find their part of the source in the cache; slanted walks are too much
 // for the machine's own prefetching. What lies ahead of `pixel` may lie outside the source.
 VORLANEPIC_PREFETCHES inline void FetchAhead(const PixelRun& run, const uint8_t* pixel) {
-  Prefetch(pixel, run.ahead);
+  frame::Prefetch(pixel, run.ahead);
 }
 
 // A kernel, which computes a run. It takes the source's rows for several neighbours together and is
@@ -86,4 +86,4 @@ extern const KernelTable kSse2Kernels;
 extern const KernelTable kAvx2Kernels;
 extern const KernelTable kAvx512Kernels;
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::rotate

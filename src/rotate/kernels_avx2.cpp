@@ -5,7 +5,7 @@
 
 #include "rotate/avx2.h"
 
-namespace vorlanepic {
+namespace vorlanepic::rotate {
 namespace avx2 {
 namespace {
 
@@ -212,4 +212,4 @@ const KernelTable kAvx2Kernels = {{{avx2::InBlocks<16, avx2::BitNearest16>, 8},
                                    {avx2::ColourBilinear},
                                    {avx2::ColourBicubic}}};
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::rotate

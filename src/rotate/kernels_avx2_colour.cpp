@@ -3,7 +3,7 @@
 
 #include "rotate/avx2.h"
 
-namespace vorlanepic::avx2 {
+namespace vorlanepic::rotate::avx2 {
 namespace {
 
 // Offsets of eight neighbours from the run's origin, in bytes, and their phases in 16-bit lanes.
@@ -134,4 +134,4 @@ void ColourNearest(const PixelRun& run) { InBlocks<8, ColourNearest8>(run); }
 void ColourBilinear(const PixelRun& run) { InBlocks<8, ColourBilinear8>(run); }
 void ColourBicubic(const PixelRun& run) { InBlocks<8, ColourBicubic8>(run); }
 
-}  // namespace vorlanepic::avx2
+}  // namespace vorlanepic::rotate::avx2

@@ -4,7 +4,7 @@
 
 #include "rotate/avx512.h"
 
-namespace vorlanepic {
+namespace vorlanepic::rotate {
 namespace avx512 {
 namespace {
 
@@ -191,4 +191,4 @@ const KernelTable kAvx512Kernels = {{{avx512::BitNearest, 64, 16},
                                      {avx512::InBlocks<avx512::Interpolated<3, 2>>, 12, 4},
                                      {avx512::InBlocks<avx512::Interpolated<3, 4>>, 6, 16}}};
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::rotate

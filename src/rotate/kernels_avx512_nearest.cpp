@@ -4,7 +4,7 @@
 
 #include "rotate/avx512.h"
 
-namespace vorlanepic::avx512 {
+namespace vorlanepic::rotate::avx512 {
 namespace {
 
 // For each part of a block and each of its bytes: where the low byte of its pixel's word lies in
@@ -149,4 +149,4 @@ void BitNearest(const PixelRun& run) { InBlocks<Bits>(run); }
 void GreyNearest(const PixelRun& run) { InBlocks<Nearest<1>>(run); }
 void ColourNearest(const PixelRun& run) { InBlocks<Nearest<3>>(run); }
 
-}  // namespace vorlanepic::avx512
+}  // namespace vorlanepic::rotate::avx512

@@ -3,7 +3,7 @@
 #include "rotate/kernels.h"
 #include "rotate/sampling.h"
 
-namespace vorlanepic {
+namespace vorlanepic::rotate {
 namespace {
 
 struct Place {
@@ -72,4 +72,4 @@ const KernelTable kScalarKernels = {{{BitNearest},
                                      {BytesInterpolated<Bilinear, 3>},
                                      {BytesInterpolated<Bicubic, 3>}}};
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::rotate

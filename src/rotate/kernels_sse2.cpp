@@ -8,7 +8,7 @@
 
 #define TARGET_SSE2 __attribute__((target("sse2")))
 
-namespace vorlanepic {
+namespace vorlanepic::rotate {
 namespace {
 
 // Whole pixels and the hundredths behind them, of eight neighbours.
@@ -295,4 +295,4 @@ const KernelTable kSse2Kernels = {{{InEights<BitNearest8>},
                                    {InEights<ColourBilinear8>},
                                    {InEights<ColourBicubic8>}}};
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::rotate

@@ -4,7 +4,7 @@
 
 #include "rotate/sampling.h"
 
-namespace vorlanepic {
+namespace vorlanepic::rotate {
 namespace {
 
 uint8_t BitMask(int32_t x) { return static_cast<uint8_t>(0x80 >> (x & 7)); }
@@ -78,4 +78,4 @@ void FillPixels(const RotateJob& job, uint8_t* row, int32_t first, int32_t last)
   }
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::rotate

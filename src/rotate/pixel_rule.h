@@ -5,7 +5,7 @@
 
 #include "rotate/rotate_job.h"
 
-namespace vorlanepic {
+namespace vorlanepic::rotate {
 
 enum class PixelKind : int32_t {
   kBitNearest,
@@ -35,4 +35,4 @@ const PixelRule& PixelRuleOf(int32_t bitsPerPixel, int32_t interpolation);
 // Sets pixels first..last of a target row to the fill.
 void FillPixels(const RotateJob& job, uint8_t* row, int32_t first, int32_t last);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::rotate

@@ -4,7 +4,7 @@
 
 #include "rotate/pixel_rule.h"
 
-namespace vorlanepic {
+namespace vorlanepic::rotate {
 
 void RotateRowsPlain(const RotateJob& job, int32_t first, int32_t last) {
   const PixelRule& rule = PixelRuleOf(job.source.bitsPerPixel, job.turn.interpolation);
@@ -22,4 +22,4 @@ void RotateRowsPlain(const RotateJob& job, int32_t first, int32_t last) {
   }
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::rotate

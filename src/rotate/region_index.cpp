@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-namespace vorlanepic {
+namespace vorlanepic::rotate {
 
 RegionIndex::Limits RegionIndex::Join(const Limits& a, const Limits& b) {
   return {std::min(a.leastLeft, b.leastLeft), std::max(a.greatestLeft, b.greatestLeft),
@@ -65,4 +65,4 @@ bool RegionIndex::Misses(const SourceRect& rect) const {
   return rect.right < limits.leastLeft || rect.left > limits.greatestRight;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::rotate

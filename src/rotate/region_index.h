@@ -6,7 +6,7 @@
 #include "frame/scratch.h"
 #include "rotate/row_spans.h"
 
-namespace vorlanepic {
+namespace vorlanepic::rotate {
 
 // Source columns left..right of rows top..bottom, all inclusive.
 struct SourceRect {
@@ -45,7 +45,7 @@ class RegionIndex {
   int32_t rowCount_ = 0;
   int32_t levels_ = 0;
   size_t levelStart_[32] = {};  // level l has one entry for every 2^l rows
-  ScratchArray<Limits> limits_;
+  frame::ScratchArray<Limits> limits_;
 };
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::rotate

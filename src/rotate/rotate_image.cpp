@@ -13,12 +13,12 @@
 #include "rotate/rotate_job.h"
 #include "rotate/tiled_rotation.h"
 
-namespace vorlanepic {
+namespace vorlanepic::rotate {
 namespace {
 
 // Each half of an output is computed under its own lock: calls that overlap take turns.
-Lock FirstHalfLock;
-Lock SecondHalfLock;
+frame::Lock FirstHalfLock;
+frame::Lock SecondHalfLock;
 
 // Output pixels below which starting a thread costs more than it saves.
 constexpr int64_t kThreadWorthPixels = 8192;
@@ -84,11 +84,11 @@ int32_t RotateImage(const ImageRec* source, ImageRec* target, const RowSpans* sp
   if (status != STATUS_OK) return status;
   if (!IsPossibleTurn(*source, *spans, turn)) return BAD_ARGUMENT;
 
-  if (settings.ImageNum == 0) return STATUS_OK;
+  if (frame::settings.ImageNum == 0) return STATUS_OK;
   const int32_t depth = source->bitsPerPixel;
   if (depth != 1 && depth != 8 && depth != 24) return STATUS_OK;
 
-  ScratchImage output;
+  frame::ScratchImage output;
   status = Imgbuf_New(output.rec(), turn.outWidth, turn.outHeight, depth, 0);
   if (status != STATUS_OK) return status;
 
@@ -99,4 +99,4 @@ int32_t RotateImage(const ImageRec* source, ImageRec* target, const RowSpans* sp
   return STATUS_OK;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::rotate

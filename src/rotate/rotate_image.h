@@ -6,7 +6,7 @@
 #include "rotate/row_spans.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::rotate {
 
 // Output geometry. With halfWidth = (outWidth - 1) >> 1 and halfHeight = (outHeight - 1) >> 1,
 // output pixel (halfWidth, halfHeight) samples source pixel (centerX, centerY), and every other
@@ -35,4 +35,4 @@ struct Turn {
 int32_t RotateImage(const ImageRec* source, ImageRec* target, const RowSpans* spans,
                     const Turn& turn, const uint8_t* fill);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::rotate

@@ -8,7 +8,7 @@
 #include "rotate/rotate_image.h"
 #include "rotate/step_tables.h"
 
-namespace vorlanepic {
+namespace vorlanepic::rotate {
 
 struct RotateJob {
   const ImageRec& source;
@@ -40,10 +40,10 @@ struct SourcePoint {
 inline SourcePoint SourcePointOf(const RotateJob& job, int32_t x, int32_t y) {
   const int32_t dx = x - job.halfWidth();
   const int32_t dy = y - job.halfHeight();
-  const int32_t offsetX = WrapAdd(job.steps.Cos(dx), job.steps.Sin(dy));
-  const int32_t offsetY = WrapSub(job.steps.Cos(dy), job.steps.Sin(dx));
-  return {offsetX, offsetY, WrapAdd(job.turn.centerX, offsetX / 100),
-          WrapAdd(job.turn.centerY, offsetY / 100)};
+  const int32_t offsetX = frame::WrapAdd(job.steps.Cos(dx), job.steps.Sin(dy));
+  const int32_t offsetY = frame::WrapSub(job.steps.Cos(dy), job.steps.Sin(dx));
+  return {offsetX, offsetY, frame::WrapAdd(job.turn.centerX, offsetX / 100),
+          frame::WrapAdd(job.turn.centerY, offsetY / 100)};
 }
 
 // Whether the region holds the point's base pixel.
@@ -53,4 +53,4 @@ inline bool IsInRegion(const RotateJob& job, const SourcePoint& point) {
   return point.baseX >= span.left && point.baseX <= span.right;
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::rotate

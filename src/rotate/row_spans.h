@@ -5,7 +5,7 @@
 
 #include "frame/scratch.h"
 
-namespace vorlanepic {
+namespace vorlanepic::rotate {
 
 // Columns left..right of one source row, in pixels, both inclusive.
 struct RowSpan {
@@ -20,7 +20,7 @@ struct RowSpans {
   int32_t count = 0;  // rows filled in
   int32_t top = 0;
   int32_t bottom = 0;
-  ScratchArray<RowSpan> spans;
+  frame::ScratchArray<RowSpan> spans;
 };
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::rotate

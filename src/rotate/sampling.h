@@ -8,7 +8,7 @@
 #include "rotate/rotate_job.h"
 #include "rotate/weights.h"
 
-namespace vorlanepic {
+namespace vorlanepic::rotate {
 
 // The pixels along one axis that a value is blended from, and how far the sample lies behind the
 // middle pair's first one, in tenths of a pixel (0..10).
@@ -23,7 +23,7 @@ struct Taps {
 template <int kTaps>
 Taps<kTaps> PlaceTaps(int32_t offset, int32_t base, int32_t lowest, int32_t highest) {
   Taps<kTaps> taps{};
-  const auto size = static_cast<uint32_t>(WrapAbs(offset));
+  const auto size = static_cast<uint32_t>(frame::WrapAbs(offset));
   const size_t digit = size / 10 % 10;
   taps.phase = offset >= 0 ? digit : 10 - digit;
   const int32_t first = base - (kTaps / 2 - 1) - (offset >= 0 ? 0 : 1);
@@ -93,4 +93,4 @@ struct Bicubic {
   }
 };
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::rotate

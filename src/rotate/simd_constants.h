@@ -6,7 +6,7 @@
 
 #include "rotate/weights.h"
 
-namespace vorlanepic {
+namespace vorlanepic::rotate {
 
 // x / 100 is the high half of x * kHundredth, shifted, for every x below 43698.
 inline constexpr int16_t kHundredth = 5243;
@@ -39,4 +39,4 @@ constexpr CubicPairTable MakeCubicPairs(size_t low, size_t high) {
 inline constexpr CubicPairTable kCubicPairs02 = MakeCubicPairs(0, 2);
 inline constexpr CubicPairTable kCubicPairs13 = MakeCubicPairs(1, 3);
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::rotate

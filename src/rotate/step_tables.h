@@ -5,7 +5,7 @@
 
 #include "frame/scratch.h"
 
-namespace vorlanepic {
+namespace vorlanepic::rotate {
 
 // Offsets in hundredths of a source pixel for k steps in the output, in either direction. Steps
 // beyond the int32 range hold INT32_MIN.
@@ -25,8 +25,8 @@ class StepTables {
   }
 
   int32_t most_ = 0;  // the largest k
-  ScratchArray<int32_t> cos_;
-  ScratchArray<int32_t> sin_;
+  frame::ScratchArray<int32_t> cos_;
+  frame::ScratchArray<int32_t> sin_;
 };
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::rotate

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstring>
 
-namespace vorlanepic {
+namespace vorlanepic::rotate {
 namespace {
 
 constexpr int32_t kTileRows = 16;
@@ -332,4 +332,4 @@ void TiledRotation::SamplePixels(int32_t y, int32_t first, int32_t last) const {
   }
 }
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::rotate

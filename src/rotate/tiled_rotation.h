@@ -10,7 +10,7 @@
 #include "rotate/region_index.h"
 #include "rotate/rotate_job.h"
 
-namespace vorlanepic {
+namespace vorlanepic::rotate {
 
 // One rotation, made ready once and then computed by several threads at a time.
 class TiledRotation {
@@ -78,8 +78,8 @@ class TiledRotation {
   uintptr_t ahead_;      // bytes from a source pixel to the one some output rows below it
   int32_t lastSafeRow_;  // of the source, for a tap of a kernel
   RegionIndex index_;
-  ScratchArray<uint16_t> stepX_;  // low 16 bits of each output column's part in the offsets
-  ScratchArray<uint16_t> stepY_;
+  frame::ScratchArray<uint16_t> stepX_;  // low 16 bits of each output column's part in the offsets
+  frame::ScratchArray<uint16_t> stepY_;
 };
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::rotate

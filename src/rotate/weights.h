@@ -4,7 +4,7 @@
 #include <array>
 #include <cstdint>
 
-namespace vorlanepic {
+namespace vorlanepic::rotate {
 
 // kBlendTable[w][v] is the share of a byte v at weight w tenths, cut to an integer. 1 is added to v
 // below 255 so that two shares of one grey level add up to it; weight 10 is the byte itself. For
@@ -47,4 +47,4 @@ constexpr CubicWeights MakeCubicWeights() {
 
 inline constexpr CubicWeights kCubicWeights = MakeCubicWeights();
 
-}  // namespace vorlanepic
+}  // namespace vorlanepic::rotate

@@ -14,30 +14,34 @@
 #include "support/page_drawing.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic {
+namespace vorlanepic::analysis {
 
 inline bool operator==(EdgePoint a, EdgePoint b) { return a.x == b.x && a.y == b.y; }
 inline void PrintTo(EdgePoint point, std::ostream* out) {
   *out << "(" << point.x << ", " << point.y << ")";
 }
 
-namespace testing {
+}  // namespace vorlanepic::analysis
+
+namespace vorlanepic::testing {
+
+using namespace analysis;
 
 // The settings of the pruned rotation, for as long as a test runs.
 class AnalysisTest : public ::testing::Test {
  protected:
   AnalysisTest() {
-    settings = {};
-    settings.SearchBorderPixelNum = 2;
-    settings.SegmentMaxGap = 6;
-    settings.SegmentPointNum = 6;
-    settings.SegmentMinPointNum = 4;
-    settings.BorderMethod = 1;
-    settings.parallel = 3.5;
-    settings.perpendicular = 2.0;
-    settings.ImageNum = 1;
+    frame::settings = {};
+    frame::settings.SearchBorderPixelNum = 2;
+    frame::settings.SegmentMaxGap = 6;
+    frame::settings.SegmentPointNum = 6;
+    frame::settings.SegmentMinPointNum = 4;
+    frame::settings.BorderMethod = 1;
+    frame::settings.parallel = 3.5;
+    frame::settings.perpendicular = 2.0;
+    frame::settings.ImageNum = 1;
   }
-  ~AnalysisTest() override { settings = {}; }
+  ~AnalysisTest() override { frame::settings = {}; }
 };
 
 // Runs `operation` with every heap request of it failing in turn, and then undisturbed. Returns how
@@ -89,5 +93,4 @@ inline std::vector<EdgePoint> MeansOf(const SegmentList& list) {
   return means;
 }
 
-}  // namespace testing
-}  // namespace vorlanepic
+}  // namespace vorlanepic::testing

@@ -4,6 +4,8 @@
 #include "analysis/line_relations.h"
 
 namespace vorlanepic::testing {
+
+using namespace analysis;
 namespace {
 
 BorderLine Level(double y) { return {y, 0, 0.0, kLineHorizontal, 0, 0}; }

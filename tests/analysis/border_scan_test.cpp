@@ -3,6 +3,8 @@
 #include "analysis/border_drawing.h"
 
 namespace vorlanepic::testing {
+
+using namespace analysis;
 namespace {
 
 using FindBandTest = AnalysisTest;
@@ -34,7 +36,7 @@ TEST_F(FindBandTest, ReachesNineRowsBeyondTheSampledRowsOfThePage) {
     SCOPED_TRACE(c.name);
     TestImage image(200, c.height, c.bitsPerPixel);
     FillRectangle(&image, 0, c.first, c.light - 1, c.last, 201);
-    settings.BorderMethod = c.method;
+    frame::settings.BorderMethod = c.method;
     ScanBand band{};
     EXPECT_EQ(FindBand(image.rec(), &band, 200), c.top < 0 ? BORDER_NOT_FOUND : STATUS_OK);
     if (c.top < 0) continue;
@@ -53,7 +55,7 @@ TEST_F(FindBandTest, CountsOnlyWhatIsLighterThanTheThresholdAndNoPadding) {
   image.Fill(255);
   EXPECT_EQ(FindBand(image.rec(), &band, 254), STATUS_OK);
   EXPECT_EQ(FindBand(image.rec(), &band, 255), BORDER_NOT_FOUND);
-  settings.BorderMethod = 3;
+  frame::settings.BorderMethod = 3;
   TestImage bits(9, 1, 1);
   bits.row(0)[1] = 0xFF;  // pixel 8 and padding
   EXPECT_EQ(FindBand(bits.rec(), &band, 0), BORDER_NOT_FOUND);
@@ -106,8 +108,8 @@ TEST_F(BorderScanTest, TracesTheSidesOfARectangle) {
     EXPECT_EQ(extremes_.bottommost, (EdgePoint{right, 78}));
   }
   EXPECT_EQ(traces_.top.pointCount, 48);
-  EXPECT_EQ(settings.TopExtremeSegFirst, 0);
-  EXPECT_EQ(settings.TopExtremeSegLast, 7);
+  EXPECT_EQ(frame::settings.TopExtremeSegFirst, 0);
+  EXPECT_EQ(frame::settings.TopExtremeSegLast, 7);
 }
 
 // 60 border rows are 10 segments a side; both sides stand out in rows of segments 3 and 7.
@@ -120,8 +122,8 @@ TEST_F(BorderScanTest, EqualExtremesNameTheirSegments) {
   band_ = {0, 299, 0, 129};
   ASSERT_EQ(Rows(image), STATUS_OK);
   EXPECT_EQ(extremes_.leftmost, (EdgePoint{98, 40}));
-  EXPECT_EQ(settings.LeftExtremeSegFirst, 3);
-  EXPECT_EQ(settings.LeftExtremeSegLast, 7);
+  EXPECT_EQ(frame::settings.LeftExtremeSegFirst, 3);
+  EXPECT_EQ(frame::settings.LeftExtremeSegLast, 7);
   EXPECT_EQ(extremes_.rightmost, (EdgePoint{201, 88}));
 }
 

@@ -11,6 +11,8 @@
 #include "support/page_drawing.h"
 
 namespace vorlanepic::testing {
+
+using namespace analysis;
 namespace {
 
 template <typename Pixel>

@@ -8,6 +8,8 @@
 #include "analysis/border_drawing.h"
 
 namespace vorlanepic::testing {
+
+using namespace analysis;
 namespace {
 
 constexpr double kDegree = 0.017453292222222222;
@@ -39,7 +41,7 @@ class SolveCornersTest : public AnalysisTest {
     SetEdge(&edges_.e3, {{120, 140}, {40, 140}});
     SetEdge(&edges_.e4, {{130, 30}, {130, 130}});
     extremes_ = {{28, 60}, {133, 90}, {70, 18}, {80, 143}};
-    settings.ExtremeAnchorFlag = 0.0;
+    frame::settings.ExtremeAnchorFlag = 0.0;
   }
 
   // The same document seen with a quarter turn of the codes: left, bottom, right, top.
@@ -164,7 +166,7 @@ TEST_F(SolveCornersTest, AFailedFitTakesAnExtremeRowOrTheFrame) {
     straightness_ = c.straightness;
     ASSERT_EQ(Solve(), STATUS_OK);
     ExpectUprightBox({30, c.top, 130, c.bottom});
-    EXPECT_EQ(settings.ExtremeAnchorFlag, 0.0);
+    EXPECT_EQ(frame::settings.ExtremeAnchorFlag, 0.0);
   }
 }
 
@@ -184,7 +186,7 @@ TEST_F(SolveCornersTest, LaysAllEdgesButTheOneOfMostPointsThroughTheExtremes) {
     SCOPED_TRACE(&c - cases);
     c.isPathX ? Upright() : UprightOnPathY();
     if (c.edge != 0) SetEdge(Edge(c.edge), MeansOf(Edge(c.edge)->list), 3);
-    settings.ExtremeAnchorFlag = 1.0;
+    frame::settings.ExtremeAnchorFlag = 1.0;
     ASSERT_EQ(Solve(), STATUS_OK);
     ExpectUprightBox(c.box);
   }
@@ -203,7 +205,7 @@ TEST_F(SolveCornersTest, PassesAFailedFitOfTheReferenceOrTheOtherPairOn) {
   // When both tolerable fits fail, the extremes anchor all edges but the left one.
   SetEdge(&edges_.e1, {{80, 20}});
   ASSERT_EQ(Solve(), STATUS_OK);
-  EXPECT_EQ(settings.ExtremeAnchorFlag, 1.0);
+  EXPECT_EQ(frame::settings.ExtremeAnchorFlag, 1.0);
   ExpectUprightBox({30, 18, 133, 143});
 }
 

@@ -6,6 +6,8 @@
 #include "analysis/border_drawing.h"
 
 namespace vorlanepic::testing {
+
+using namespace analysis;
 namespace {
 
 class BuildEdgesTest : public AnalysisTest {
@@ -23,10 +25,14 @@ class BuildEdgesTest : public AnalysisTest {
     FillTrace(&traces_.right, Line(30, 300, 100, 6, 12));
     FillTrace(&traces_.top, Line(30, 500, 300, -12, -6));
     FillTrace(&traces_.bottom, Line(30, 500, 600, -12, -6));
-    std::tie(settings.LeftExtremeSegFirst, settings.LeftExtremeSegLast) = std::pair(15, 16);
-    std::tie(settings.RightExtremeSegFirst, settings.RightExtremeSegLast) = std::pair(17, 18);
-    std::tie(settings.TopExtremeSegFirst, settings.TopExtremeSegLast) = std::pair(19, 13);
-    std::tie(settings.BottomExtremeSegFirst, settings.BottomExtremeSegLast) = std::pair(20, 12);
+    std::tie(frame::settings.LeftExtremeSegFirst, frame::settings.LeftExtremeSegLast) =
+        std::pair(15, 16);
+    std::tie(frame::settings.RightExtremeSegFirst, frame::settings.RightExtremeSegLast) =
+        std::pair(17, 18);
+    std::tie(frame::settings.TopExtremeSegFirst, frame::settings.TopExtremeSegLast) =
+        std::pair(19, 13);
+    std::tie(frame::settings.BottomExtremeSegFirst, frame::settings.BottomExtremeSegLast) =
+        std::pair(20, 12);
     extremes_ = {{100, 350}, {500, 300}, {400, 0}, {200, 700}};
   }
 
@@ -68,35 +74,35 @@ TEST_F(BuildEdgesTest, TakesTheSidesBeyondTheExtremesOfATurnedPage) {
   TraceDiamond();
   ASSERT_EQ(Build(), STATUS_OK);
   EXPECT_EQ(straightness_, 1);
-  EXPECT_EQ(settings.EdgeArrangement, 2);  // 700 - 350 is not more than 350 - 0
+  EXPECT_EQ(frame::settings.EdgeArrangement, 2);  // 700 - 350 is not more than 350 - 0
   const auto& [left, right, top, bottom] = Sides();
   ExpectParts({{left, 5, 5}, {bottom, 17, 8}, {right, 23, 2}, {top, 5, 9}});
   extremes_.leftmost.y = 300;
   ASSERT_EQ(Build(), STATUS_OK);
-  EXPECT_EQ(settings.EdgeArrangement, 1);
+  EXPECT_EQ(frame::settings.EdgeArrangement, 1);
   ExpectParts({{top, 18, 7}, {left, 21, 4}, {bottom, 5, 10}, {right, 5, 7}});
 }
 
 TEST_F(BuildEdgesTest, TakesWholeSidesOfAStraightPage) {
   TraceUpright();
-  settings.EdgeArrangement = 9;
+  frame::settings.EdgeArrangement = 9;
   ASSERT_EQ(Build(), STATUS_OK);
   EXPECT_EQ(straightness_, 0);
-  EXPECT_EQ(settings.EdgeArrangement, 9);
+  EXPECT_EQ(frame::settings.EdgeArrangement, 9);
   const auto& [left, right, top, bottom] = Sides();
   ExpectParts({{top, 5, 20}, {left, 5, 20}, {bottom, 5, 20}, {right, 5, 20}});
-  settings.BorderMethod = 3;
+  frame::settings.BorderMethod = 3;
   ASSERT_EQ(Build(), STATUS_OK);
-  EXPECT_EQ(settings.EdgeArrangement, 1);
+  EXPECT_EQ(frame::settings.EdgeArrangement, 1);
   extremes_.leftmost.y = 300;
   ASSERT_EQ(Build(), STATUS_OK);
-  EXPECT_EQ(settings.EdgeArrangement, 2);
+  EXPECT_EQ(frame::settings.EdgeArrangement, 2);
   ExpectParts({{left, 5, 20}, {bottom, 5, 20}, {right, 5, 20}, {top, 5, 20}});
   // The trim goes by the points of a segment: 32 / 10 = 3, then more than there are.
-  settings.SegmentPointNum = 10;
+  frame::settings.SegmentPointNum = 10;
   ASSERT_EQ(Build(), STATUS_OK);
   EXPECT_EQ(edges_.e1.list.segmentCount, 24);
-  settings.SegmentPointNum = 1;
+  frame::settings.SegmentPointNum = 1;
   EXPECT_EQ(Build(), BAD_ARGUMENT);
 }
 

@@ -3,6 +3,8 @@
 #include "analysis/border_drawing.h"
 
 namespace vorlanepic::testing {
+
+using namespace analysis;
 namespace {
 
 using Points = std::vector<EdgePoint>;

@@ -3,6 +3,8 @@
 #include "analysis/border_drawing.h"
 
 namespace vorlanepic::testing {
+
+using namespace analysis;
 namespace {
 
 std::vector<EdgePoint> Joined(std::initializer_list<std::vector<EdgePoint>> parts) {

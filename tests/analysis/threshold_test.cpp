@@ -7,6 +7,8 @@
 #include "support/page_drawing.h"
 
 namespace vorlanepic::testing {
+
+using namespace analysis;
 namespace {
 
 TEST(EstimateThreshold, IsTheRoundedMeanOfTheOuterColumns) {

@@ -9,10 +9,12 @@
 #include <gtest/gtest.h>
 
 namespace vorlanepic::testing {
+
+using namespace deskew;
 namespace {
 
 std::vector<int32_t> Pick(const std::vector<double>& degrees, double groupAngle) {
-  ScratchArray<int32_t> chunks;
+  frame::ScratchArray<int32_t> chunks;
   EXPECT_TRUE(PickLargestGroup(degrees, groupAngle, &chunks));
   return {chunks.span().begin(), chunks.span().end()};
 }
@@ -125,11 +127,11 @@ TEST(PickLargestGroup, IsThePlainOneOnAnyDirections) {
 
 TEST(MeasureDirections, LeaveTheFirstChunkAndTheLastDirectionOut) {
   // Chunks of two with centres (1, 0), (5, 0), (9, 4), (9, 9), (11, 9), (13, 8).
-  const EdgePoint means[] = {{0, 0},  {2, 0},  {4, 0},  {6, 0},  {8, 4},  {10, 4}, {9, 8},
-                             {9, 10}, {10, 9}, {12, 9}, {13, 7}, {13, 9}, {99, 99}};
-  std::vector<BorderSegment> segments;
-  for (const EdgePoint& mean : means) segments.push_back({1, nullptr, 0, mean.x, mean.y});
-  ScratchArray<double> degrees;
+  const analysis::EdgePoint means[] = {{0, 0},  {2, 0},  {4, 0},  {6, 0},  {8, 4},  {10, 4}, {9, 8},
+                                       {9, 10}, {10, 9}, {12, 9}, {13, 7}, {13, 9}, {99, 99}};
+  std::vector<analysis::BorderSegment> segments;
+  for (const analysis::EdgePoint& mean : means) segments.push_back({1, nullptr, 0, mean.x, mean.y});
+  frame::ScratchArray<double> degrees;
   ASSERT_TRUE(MeasureDirections(segments, 2, &degrees));
   ASSERT_EQ(degrees.size(), 3U);
   EXPECT_NEAR(degrees[0], 45.0, 1e-5);

@@ -7,6 +7,8 @@
 #include "deskew/deskew_fixture.h"
 
 namespace vorlanepic::testing {
+
+using namespace deskew;
 namespace {
 
 // Makes an area as light as paper.
@@ -80,7 +82,7 @@ TEST_P(FindContentBoundsTest, ACountBeyondTheImageBecomesAShareOfIt) {
 }
 
 TEST_P(FindContentBoundsTest, TheFlagAsksForAShareOfTheLine) {
-  settings.CropPixelFlag = 1;
+  frame::settings.CropPixelFlag = 1;
   const int32_t rowShare = GetParam() == 1 ? 40 : 30;  // of 100
   TestImage image(100, 210, GetParam());
   Fill(&image, {10, 9 + rowShare, 16, 16});
@@ -89,7 +91,7 @@ TEST_P(FindContentBoundsTest, TheFlagAsksForAShareOfTheLine) {
   Fill(&image, {5, 5, 20, 49});
   Fill(&image, {7, 7, 20, 50});
   EXPECT_EQ(Find(image, 0, 1), (ContentBounds{7, 10 + rowShare, 20, 119}));
-  settings.CropPixelFlag = 2;
+  frame::settings.CropPixelFlag = 2;
   EXPECT_EQ(Find(image, 0, 1).top, 16);
 }
 

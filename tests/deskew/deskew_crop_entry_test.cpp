@@ -7,6 +7,8 @@
 #include "support/failing_heap.h"
 
 namespace vorlanepic::testing {
+
+using namespace deskew;
 namespace {
 
 class DeskewEntryTest : public DeskewTest {
@@ -44,13 +46,13 @@ TEST_F(DeskewEntryTest, ACountOutOfRangeLeavesTheSettingsAndASettingOutOfRangeIs
   ImageRec out{};
   DeskewCropParam param = kParam;
   param.SegmentLen = 51;
-  settings.ImageNum = 7;
+  frame::settings.ImageNum = 7;
   EXPECT_EQ(RunEx(page.rec(), param, &out, 0), BAD_ARGUMENT);
-  EXPECT_EQ(settings.SegmentLen, 0);
-  EXPECT_EQ(settings.ImageNum, 7);
+  EXPECT_EQ(frame::settings.SegmentLen, 0);
+  EXPECT_EQ(frame::settings.ImageNum, 7);
   EXPECT_EQ(RunEx(page.rec(), param, &out, 4), BAD_ARGUMENT);
-  EXPECT_EQ(settings.ImageNum, 4);
-  EXPECT_EQ(settings.SegmentLen, 51);
+  EXPECT_EQ(frame::settings.ImageNum, 4);
+  EXPECT_EQ(frame::settings.SegmentLen, 51);
 }
 
 // A page of which no row has more than 85 light pixels is none for method 1. Method 2 asks for two
@@ -77,7 +79,7 @@ TEST_F(DeskewEntryTest, TurnsSetsByTheirFirstImage) {
     const size_t count = method == 2 ? 3 : 2;  // depths are mixed by method 2 only
     ImageRec out[3] = {};
     ASSERT_EQ(RunEx(images, ForMethod(method), out, static_cast<int32_t>(count)), STATUS_OK);
-    EXPECT_EQ(settings.ImageNum, method == 2 ? 1 : 2);
+    EXPECT_EQ(frame::settings.ImageNum, method == 2 ? 1 : 2);
     for (size_t i = 0; i < count; ++i) {
       EXPECT_EQ(out[i].bitsPerPixel, images[i].bitsPerPixel);
       EXPECT_EQ(out[i].width, out[0].width);
@@ -114,7 +116,7 @@ TEST_F(DeskewEntryTest, PassesTheImageLibrarysCodesOn) {
   DibRec out{};
   imgbuf_.FailDibCheck(0, 61);
   EXPECT_EQ(RunDib(dib.rec(), kParam, &out), 61);
-  EXPECT_EQ(settings.ImageNum, 0);
+  EXPECT_EQ(frame::settings.ImageNum, 0);
   imgbuf_.FailDibNew(0, 62);
   EXPECT_EQ(RunDib(dib.rec(), kParam, &out), 62);
   imgbuf_.FailNew(1, 63);
@@ -173,9 +175,9 @@ TEST_F(DeskewEntryTest, TheAngleAloneMakesNoImageAndLeavesTheServiceAsItWas) {
     ASSERT_EQ(ImageDeskewAngle(dib.rec(), 120, &angle_, ForMethod(method)), STATUS_OK);
     // Upside down in memory, the page is turned the other way.
     EXPECT_NEAR(method == 1 ? angle_ * 57.29578 : angle_, 6.0, 0.3);
-    EXPECT_EQ(settings.AngleOnlyFlag, 0);
+    EXPECT_EQ(frame::settings.AngleOnlyFlag, 0);
     EXPECT_EQ(ImageDeskewAngle(dark.rec(), 120, &angle_, ForMethod(method)), BORDER_NOT_FOUND);
-    EXPECT_EQ(settings.AngleOnlyFlag, 0);
+    EXPECT_EQ(frame::settings.AngleOnlyFlag, 0);
   }
   EXPECT_EQ(imgbuf_.newCalls(), 0);
 }
@@ -183,7 +185,7 @@ TEST_F(DeskewEntryTest, TheAngleAloneMakesNoImageAndLeavesTheServiceAsItWas) {
 TEST_F(DeskewEntryTest, NothingOfAnEarlierCallIsLeftInTheHostsRecords) {
   PageRecords records;
   records.stage = PageStage::kCropped;
-  settings.pageRecords = &records;
+  frame::settings.pageRecords = &records;
   EXPECT_EQ(RunDib(nullptr, kParam, nullptr), BAD_ARGUMENT);
   EXPECT_EQ(records.stage, PageStage::kNothing);
 }

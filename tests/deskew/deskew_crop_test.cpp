@@ -9,6 +9,8 @@
 #include "deskew/page_records.h"
 
 namespace vorlanepic::testing {
+
+using namespace deskew;
 namespace {
 
 TEST(TurnOfBorder, MakesTheNearestOfLevelAndPlumb) {
@@ -29,7 +31,7 @@ class DeskewCropPipelineTest : public DeskewTest {
     std::vector<ImageRec> records;
     for (const TestImage* image : images) records.push_back(*image->rec());
     outImages_.assign(images.size(), ImageRec{});
-    settings.ImageNum = static_cast<int32_t>(images.size());
+    frame::settings.ImageNum = static_cast<int32_t>(images.size());
     return DeskewCropPipeline(records.data(), {INTERP_BILINEAR, threshold, kBlack}, &angle_,
                               outImages_.data());
   }
@@ -46,13 +48,13 @@ class DeskewCropPipelineTest : public DeskewTest {
 
 TEST_F(DeskewCropPipelineTest, EstimatesAThresholdOnlyWhenAskedToAndTakesItsLow8Bits) {
   PageRecords records;
-  settings.pageRecords = &records;
+  frame::settings.pageRecords = &records;
   for (const auto& [asked, used] : {std::pair{0, 20}, {40, 40}, {256 + 100, 100}}) {
     ASSERT_EQ(Run({&page_}, asked), STATUS_OK);
     EXPECT_EQ(records.levels.low, used);
     EXPECT_EQ(records.levels.high, 255);
   }
-  settings.pageRecords = nullptr;
+  frame::settings.pageRecords = nullptr;
 }
 
 TEST_F(DeskewCropPipelineTest, KeepsTheOutputsMadeBeforeAFailure) {
@@ -65,16 +67,16 @@ TEST_F(DeskewCropPipelineTest, KeepsTheOutputsMadeBeforeAFailure) {
 // The flag is 0 for the search in the source and asked for again in the turned image.
 TEST_F(DeskewCropPipelineTest, LeavesTheFlagAtZeroUntilTheFirstTurn) {
   const auto expectFlag = [&](int32_t status, int32_t flag) {
-    settings.CropPixelFlag = 1;
+    frame::settings.CropPixelFlag = 1;
     EXPECT_EQ(Run({&page_}), status);
-    EXPECT_EQ(settings.CropPixelFlag, flag);
+    EXPECT_EQ(frame::settings.CropPixelFlag, flag);
   };
   expectFlag(STATUS_OK, 1);
   imgbuf_.FailNew(0, 9);  // the turned image
   expectFlag(9, 0);
   imgbuf_.FailNew(1, 9);  // the cut image
   expectFlag(9, 1);
-  settings.SegmentLen = 50;  // a vote without an angle comes before the search
+  frame::settings.SegmentLen = 50;  // a vote without an angle comes before the search
   expectFlag(ANGLE_NOT_FOUND, 1);
 }
 
@@ -91,7 +93,7 @@ TEST_F(DeskewCropPipelineTest, ReturnsTheStatusOfTheLastRelease) {
 TEST_F(DeskewCropPipelineTest, LeavesItsRecordsToTheHost) {
   PageRecords records;
   records.stage = PageStage::kCropped;
-  settings.pageRecords = &records;
+  frame::settings.pageRecords = &records;
   const TestImage dark(200, 200, 8);
   ASSERT_EQ(Run({&dark}), BORDER_NOT_FOUND);
   EXPECT_EQ(records.stage, PageStage::kThreshold);

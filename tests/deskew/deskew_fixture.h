@@ -12,6 +12,8 @@
 
 namespace vorlanepic::testing {
 
+using namespace deskew;
+
 // Settings within their ranges; method 2.
 constexpr DeskewCropParam kParam{nullptr, 0, 2, 2, 8, 5, 3.5, 2.0, 10, 3, 5, 50, 2.0};
 constexpr uint8_t kBlack[3] = {0, 0, 0};
@@ -25,8 +27,8 @@ inline DeskewCropParam ForMethod(int32_t method) {
 // Begins with blank settings and leaves none to other tests.
 class DeskewTest : public ::testing::Test {
  protected:
-  DeskewTest() { settings = {}; }
-  ~DeskewTest() override { settings = {}; }
+  DeskewTest() { frame::settings = {}; }
+  ~DeskewTest() override { frame::settings = {}; }
 
   FailingImgbuf imgbuf_;
   double angle_ = -1.0;

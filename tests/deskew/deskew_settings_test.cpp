@@ -8,6 +8,8 @@
 #include "support/profile_file.h"
 
 namespace vorlanepic::testing {
+
+using namespace deskew;
 namespace {
 
 DeskewCropParam FromProfile(const char* path) {
@@ -32,25 +34,29 @@ TEST_F(DeskewSettingsTest, TheMethodComesFromTheProfileWhenOneIsUsed) {
 
 TEST_F(DeskewSettingsTest, EachMethodAssignsItsOwnOnly) {
   const auto segments = [] {
-    return std::tuple(settings.SegmentMaxGap, settings.SegmentPointNum,
-                      settings.SegmentMinPointNum);
+    return std::tuple(frame::settings.SegmentMaxGap, frame::settings.SegmentPointNum,
+                      frame::settings.SegmentMinPointNum);
   };
-  const auto method = [] { return std::tuple(settings.BorderMethod, settings.ExtremeAnchorFlag); };
-  const auto crop = [] { return std::tuple(settings.SegmentLen, settings.CropPixelFlag); };
-  settings.SegmentLen = 77;
-  settings.CropPixelFlag = 78;
+  const auto method = [] {
+    return std::tuple(frame::settings.BorderMethod, frame::settings.ExtremeAnchorFlag);
+  };
+  const auto crop = [] {
+    return std::tuple(frame::settings.SegmentLen, frame::settings.CropPixelFlag);
+  };
+  frame::settings.SegmentLen = 77;
+  frame::settings.CropPixelFlag = 78;
   EXPECT_TRUE(AssignPrunedRotationSettings(kParam, 3));
   EXPECT_EQ(segments(), std::tuple(6, 6, 4));
   EXPECT_EQ(method(), std::tuple(3, 1.0));
   EXPECT_EQ(crop(), std::tuple(77, 78));
 
-  settings.ToLineMixDis = 79;
+  frame::settings.ToLineMixDis = 79;
   EXPECT_TRUE(AssignDeskewCropSettings(kParam));
   EXPECT_EQ(segments(), std::tuple(1, 1, 1));
   EXPECT_EQ(method(), std::tuple(3, 1.0));
   EXPECT_EQ(crop(), std::tuple(10, 0));
-  EXPECT_EQ(settings.ToLineMixDis, 79);
-  EXPECT_EQ(settings.ImageNum, 0);
+  EXPECT_EQ(frame::settings.ToLineMixDis, 79);
+  EXPECT_EQ(frame::settings.ImageNum, 0);
   EXPECT_TRUE(AssignPrunedRotationSettings(kParam, 1));
   EXPECT_EQ(method(), std::tuple(1, 0.0));
 }
@@ -65,12 +71,12 @@ TEST_F(DeskewSettingsTest, ReadsRealNumbersOfThreeCharacters) {
                         Case{"5", 5.0, true}, Case{"5.1", 5.1, false}, Case{"1e1", 1.0, true}}) {
     const ProfileOnDisk file(std::string("[ImageDeskew2]\nGroupAngle=") + c.text + "\n");
     EXPECT_EQ(AssignDeskewCropSettings(FromProfile(file.path())), c.good) << c.text;
-    EXPECT_EQ(settings.GroupAngle, c.value) << c.text;
+    EXPECT_EQ(frame::settings.GroupAngle, c.value) << c.text;
   }
   // No path is not an unreadable file: every key is then 0.
   EXPECT_FALSE(AssignDeskewCropSettings(FromProfile(nullptr)));
-  EXPECT_EQ(settings.SegmentLen, 0);
-  EXPECT_EQ(settings.GroupAngle, 0.0);
+  EXPECT_EQ(frame::settings.SegmentLen, 0);
+  EXPECT_EQ(frame::settings.GroupAngle, 0.0);
 }
 
 TEST_F(DeskewSettingsTest, ChecksTheRanges) {
@@ -121,14 +127,14 @@ TEST_F(DeskewSettingsTest, TheLineGuidedServiceChecksNothing) {
   BarLimits limits = AssignLineGuidedSettings(param);
   EXPECT_EQ(std::tuple(limits.minLength, limits.minThickness, limits.maxThickness),
             std::tuple(600, 4, 20));
-  EXPECT_EQ(settings.PixelNum, -4);
+  EXPECT_EQ(frame::settings.PixelNum, -4);
 
   const ProfileOnDisk file("[ImageDeskewLine]\nLineMinThickness=7\nCropPixelNum=-3\n");
   limits = AssignLineGuidedSettings(FromProfile(file.path()));
   EXPECT_EQ(std::tuple(limits.minLength, limits.minThickness), std::tuple(500, 7));
-  EXPECT_EQ(std::tuple(settings.PixelNum, settings.CropPixelNum), std::tuple(5, 0));
+  EXPECT_EQ(std::tuple(frame::settings.PixelNum, frame::settings.CropPixelNum), std::tuple(5, 0));
   AssignLineGuidedSettings(FromProfile("no/such/file.ini"));
-  EXPECT_EQ(settings.CropPixelNum, 200);
+  EXPECT_EQ(frame::settings.CropPixelNum, 200);
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 #include "frame/scratch.h"
 
 namespace vorlanepic::testing {
+
+using namespace deskew;
 namespace {
 
 // Bit (or byte) i of a row.
@@ -16,7 +18,7 @@ TEST_F(CopyImageRegionTest, CutsAtEveryBit) {
     const TestImage image = DrawNoise(45, 4, depth, 11);
     for (int32_t left = 0; left <= 45; ++left) {
       for (int32_t width = 1; left + width <= 45; ++width) {
-        ScratchImage cut;
+        frame::ScratchImage cut;
         ASSERT_EQ(CopyImageRegion(image.rec(), cut.rec(), {left, 1, width, 3}), STATUS_OK);
         ASSERT_EQ(cut.rec()->width, width);
         ASSERT_EQ(cut.rec()->height, 3);
@@ -52,7 +54,7 @@ TEST_F(CopyImageRegionTest, RefusesWhatLiesOutsideAndPassesTheImageLibrarysCodeO
 
 class RotateImageRegionTest : public DeskewTest {
  protected:
-  RotateImageRegionTest() { settings.ImageNum = 1; }
+  RotateImageRegionTest() { frame::settings.ImageNum = 1; }
 
   int32_t Rotate(const TestImage& image, const ImageRegion& region, double degrees,
                  int32_t interpolation = INTERP_NEAREST) {
@@ -61,7 +63,7 @@ class RotateImageRegionTest : public DeskewTest {
   }
 
   static constexpr uint8_t kFill[3] = {7, 7, 7};
-  ScratchImage turned_;
+  frame::ScratchImage turned_;
 };
 
 TEST_F(RotateImageRegionTest, OfOddSizeAtNoAngleIsTheRegionItself) {
@@ -70,7 +72,7 @@ TEST_F(RotateImageRegionTest, OfOddSizeAtNoAngleIsTheRegionItself) {
     // The last one ends with the image.
     for (const ImageRegion& region :
          {ImageRegion{3, 4, 21, 13}, ImageRegion{0, 0, 39, 29}, ImageRegion{11, 1, 29, 29}}) {
-      ScratchImage cut;
+      frame::ScratchImage cut;
       ASSERT_EQ(Rotate(image, region, 0.0, INTERP_BILINEAR), STATUS_OK);
       ASSERT_EQ(CopyImageRegion(image.rec(), cut.rec(), region), STATUS_OK);
       EXPECT_TRUE(SamePixels(*turned_.rec(), *cut.rec())) << depth;

@@ -5,6 +5,8 @@
 #include "support/profile_file.h"
 
 namespace vorlanepic::testing {
+
+using namespace deskew;
 namespace {
 
 // A sheet of 700 x 500 pixels with a bar of 620 x 8 across it.
@@ -90,12 +92,12 @@ TEST_F(ImageDeskewCropWithLineTest, TakesItsLimitsFromTheProfile) {
   DibRec out{};
   EXPECT_EQ(Run(dib.rec(), &out, param), -1);
   param.profilePath = "no/such/file.ini";  // 500 by default
-  settings.CropPixelFlag = 1;
+  frame::settings.CropPixelFlag = 1;
   EXPECT_EQ(Run(dib.rec(), &out, param), STATUS_OK);
   ImgbufDestory(&out);
-  EXPECT_EQ(settings.CropPixelNum, 200);
-  EXPECT_EQ(settings.CropPixelFlag, 1);
-  EXPECT_EQ(settings.ImageNum, 1);
+  EXPECT_EQ(frame::settings.CropPixelNum, 200);
+  EXPECT_EQ(frame::settings.CropPixelFlag, 1);
+  EXPECT_EQ(frame::settings.ImageNum, 1);
 }
 
 TEST_F(ImageDeskewCropWithLineTest, TurnsASetByTheFirstOnesBar) {
@@ -112,15 +114,15 @@ TEST_F(ImageDeskewCropWithLineTest, TurnsASetByTheFirstOnesBar) {
 
 TEST_F(ImageDeskewCropWithLineTest, StopsAfterTheAngleWhenToldToAndLeavesRecords) {
   PageRecords records;
-  settings.pageRecords = &records;
+  frame::settings.pageRecords = &records;
   const TestDib dib(DrawBarSheet(Sheet(2)));
-  settings.AngleOnlyFlag = 1;
-  settings.ImageNum = 5;
+  frame::settings.AngleOnlyFlag = 1;
+  frame::settings.ImageNum = 5;
   EXPECT_EQ(Run(dib.rec(), nullptr), STATUS_OK);
   EXPECT_NEAR(angle_, 2.0, 0.1);
   EXPECT_EQ(records.degrees, angle_);
   EXPECT_EQ(imgbuf_.newCalls(), 0);
-  EXPECT_EQ(settings.ImageNum, 5);
+  EXPECT_EQ(frame::settings.ImageNum, 5);
 }
 
 TEST_F(ImageDeskewCropWithLineTest, ReportsWhatFailed) {

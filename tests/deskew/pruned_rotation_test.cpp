@@ -11,6 +11,8 @@
 #include "support/failing_heap.h"
 
 namespace vorlanepic::testing {
+
+using namespace deskew;
 namespace {
 
 constexpr uint8_t kFill[3] = {1, 2, 3};
@@ -19,14 +21,14 @@ class PrunedRotationTest : public DeskewTest {
  protected:
   PrunedRotationTest() {
     AssignPrunedRotationSettings(kParam, 1);
-    settings.ImageNum = 1;
-    settings.pageRecords = &records_;
+    frame::settings.ImageNum = 1;
+    frame::settings.pageRecords = &records_;
   }
 
   int32_t Run(const TestImage& page) {
     result_.Release();
     records_ = {};
-    settings.ExtremeAnchorFlag = 0.0;
+    frame::settings.ExtremeAnchorFlag = 0.0;
     return RunPrunedRotation(std::span(page.rec(), 1), options_, &angle_,
                              std::span(result_.rec(), 1));
   }
@@ -39,7 +41,7 @@ class PrunedRotationTest : public DeskewTest {
 
   PrunedRotationOptions options_{INTERP_NEAREST, 0, 0, 0, kFill};
   const TestImage page_ = DrawPage({});
-  ScratchImage result_;
+  frame::ScratchImage result_;
   PageRecords records_;
 };
 
@@ -118,7 +120,7 @@ TEST_F(PrunedRotationTest, LeavesHowFarARunCame) {
   EXPECT_EQ(records_.stage, PageStage::kEdges);
   options_.fill = nullptr;
   expect(page_, BAD_ARGUMENT, PageStage::kCorners);
-  settings.AngleOnlyFlag = 1;
+  frame::settings.AngleOnlyFlag = 1;
   expect(page_, STATUS_OK, PageStage::kCorners);
   EXPECT_NEAR(angle_, 0, 0.006);
 }
@@ -134,9 +136,9 @@ TEST_F(PrunedRotationTest, TurnsAllImagesLikeTheFirst) {
   halve(*dark.rec());
   const ImageRec sources[] = {*page.rec(), *dark.rec()};
   ImageRec results[2] = {};
-  settings.ImageNum = 2;
+  frame::settings.ImageNum = 2;
   ASSERT_EQ(RunCheckedPrunedRotation(sources, options_, &angle_, results, 2), STATUS_OK);
-  EXPECT_EQ(settings.ImageNum, 2);
+  EXPECT_EQ(frame::settings.ImageNum, 2);
   ASSERT_EQ(Run(page), STATUS_OK);
   EXPECT_TRUE(SamePixels(results[0], *result_.rec()));
   halve(results[0]);
@@ -191,7 +193,7 @@ TEST_F(PrunedRotationTest, PassesCodesOfTheImageLibraryOn) {
 }
 
 TEST_F(PrunedRotationTest, ReleasesEverythingWhenMemoryRunsOut) {
-  settings.pageRecords = nullptr;
+  frame::settings.pageRecords = nullptr;
   int32_t status = STATUS_OK;
   const auto check = [&](int32_t request) {
     if (status == STATUS_OK) return;  // a thread that can't be had is done without

@@ -7,12 +7,14 @@
 #include "deskew/deskew_fixture.h"
 
 namespace vorlanepic::testing {
+
+using namespace deskew;
 namespace {
 
 // `count` segments from (x, y) on, each a step further.
-std::vector<BorderSegment> Straight(int32_t count, int32_t x, int32_t y, int32_t stepX,
-                                    int32_t stepY) {
-  std::vector<BorderSegment> segments;
+std::vector<analysis::BorderSegment> Straight(int32_t count, int32_t x, int32_t y, int32_t stepX,
+                                              int32_t stepY) {
+  std::vector<analysis::BorderSegment> segments;
   for (int32_t i = 0; i < count; ++i) {
     segments.push_back({1, nullptr, 0, x + i * stepX, y + i * stepY});
   }
@@ -23,36 +25,37 @@ double DegreesOf(double slope) { return std::atan(slope) * 57.295780490442965; }
 
 class SkewVoteTest : public DeskewTest {
  protected:
-  SkewVoteTest() { settings.ToLineDistance = 8; }
+  SkewVoteTest() { frame::settings.ToLineDistance = 8; }
 
   BorderVote vote_;
 };
 
 TEST(FitLineByHalves, LaysALineThroughTheHalvesMeans) {
   struct Case {
-    std::vector<EdgePoint> points;
-    BorderLine line;
+    std::vector<analysis::EdgePoint> points;
+    analysis::BorderLine line;
   };
   const Case cases[] = {
-      {{{10, 5}, {10, 9}}, {10.0, 0.0, 90.0, kLineVertical}},
-      {{{3, 7}, {8, 7}}, {7.0, 0.0, 0.0, kLineHorizontal}},
+      {{{10, 5}, {10, 9}}, {10.0, 0.0, 90.0, analysis::kLineVertical}},
+      {{{3, 7}, {8, 7}}, {7.0, 0.0, 0.0, analysis::kLineHorizontal}},
       // Halves (0, 0) and (10, 5); the line descends: y = 0.5 x.
-      {{{0, 0}, {10, 5}}, {0.0, 0.5, DegreesOf(0.5), kLineGeneral}},
+      {{{0, 0}, {10, 5}}, {0.0, 0.5, DegreesOf(0.5), analysis::kLineGeneral}},
       // One point against two; (4 + 5) / 2 and (7 + 8) / 2 are cut.
-      {{{0, 3}, {4, 7}, {5, 8}}, {3.0, 1.0, 45.0, kLineGeneral}},
+      {{{0, 3}, {4, 7}, {5, 8}}, {3.0, 1.0, 45.0, analysis::kLineGeneral}},
   };
   for (const Case& c : cases) {
-    BorderLine line;
+    analysis::BorderLine line;
     ASSERT_EQ(FitLineByHalves(&line, c.points), STATUS_OK);
     EXPECT_EQ(line.kind, c.line.kind);
     EXPECT_EQ(line.intercept, c.line.intercept);
     EXPECT_EQ(line.slope, c.line.slope);
     EXPECT_NEAR(line.angle, c.line.angle, 1e-5);
   }
-  BorderLine line;
-  EXPECT_EQ(FitLineByHalves(&line, std::vector<EdgePoint>{{1, 2}}), BAD_ARGUMENT);
-  EXPECT_EQ(FitLineByHalves(&line, std::vector<EdgePoint>{{1, 2}, {5, 6}, {5, 6}, {1, 3}}),
-            ANGLE_NOT_FOUND);
+  analysis::BorderLine line;
+  EXPECT_EQ(FitLineByHalves(&line, std::vector<analysis::EdgePoint>{{1, 2}}), BAD_ARGUMENT);
+  EXPECT_EQ(
+      FitLineByHalves(&line, std::vector<analysis::EdgePoint>{{1, 2}, {5, 6}, {5, 6}, {1, 3}}),
+      ANGLE_NOT_FOUND);
 }
 
 // 20 chunks of 5 give 17 directions, all the same; the last of them is only the group's limit, so
@@ -87,7 +90,7 @@ TEST_F(SkewVoteTest, NeedsSixChunks) {
 // One point lies 5 off: near enough to be kept (6), not near enough to be an inlier. Its chunk, the
 // ninth, turns the directions 6 and 7 out of the group, and 16 is its limit: 14 chunks are left.
 TEST_F(SkewVoteTest, AcceptsALineThatWouldBeFittedForEver) {
-  settings.ToLineDistance = 5;
+  frame::settings.ToLineDistance = 5;
   auto border = Straight(100, 0, 1000, 2, 0);
   border[40].meanY = 1005;
   ASSERT_EQ(EstimateBorderAngle(border, 5, 5.0, &vote_), STATUS_OK);
@@ -97,7 +100,7 @@ TEST_F(SkewVoteTest, AcceptsALineThatWouldBeFittedForEver) {
 
 // A zigzag 10 wide: the mean distance 5 is the cut, and nothing is nearer.
 TEST_F(SkewVoteTest, FailsWhenFewPointsAreLeft) {
-  settings.ToLineDistance = 5;
+  frame::settings.ToLineDistance = 5;
   auto border = Straight(100, 0, 0, 0, 3);
   for (size_t i = 0; i < border.size(); ++i) border[i].meanX = i % 2 == 0 ? 100 : 110;
   EXPECT_EQ(EstimateBorderAngle(border, 10, 2.0, &vote_), ANGLE_NOT_FOUND);
@@ -118,20 +121,21 @@ TEST_F(SkewVoteTest, ChecksItsArguments) {
 
 class EstimateSkewFromBordersTest : public SkewVoteTest {
  protected:
-  static void Fill(SideTrace* side, const std::vector<BorderSegment>& segments) {
+  static void Fill(analysis::SideTrace* side,
+                   const std::vector<analysis::BorderSegment>& segments) {
     ASSERT_TRUE(side->list.segments.Allocate(segments.size()));
     std::copy(segments.begin(), segments.end(), side->list.segments.span().begin());
     side->list.segmentCount = static_cast<int32_t>(segments.size());
   }
 
   // 100 segments that descend by y in 100 columns.
-  static std::vector<BorderSegment> Level(int32_t y, int32_t count = 100) {
+  static std::vector<analysis::BorderSegment> Level(int32_t y, int32_t count = 100) {
     return Straight(count, 0, 5000, 100, y);
   }
 
   int32_t Vote() { return EstimateSkewFromBorders(traces_, 5, 2.0, votes_, &best_, &degrees_); }
 
-  BorderTraces traces_;
+  analysis::BorderTraces traces_;
   BorderVote votes_[4];
   int32_t best_ = -1;
   double degrees_ = -1.0;
@@ -162,7 +166,7 @@ TEST_F(EstimateSkewFromBordersTest, AveragesOppositeBordersThatAgree) {
     int32_t bottom;
     bool mean;
   };
-  settings.AngleMode = 1;
+  frame::settings.AngleMode = 1;
   for (const Case& c : {Case{2, 4, true}, Case{2, 5, false}, Case{-2, -4, true}, Case{-1, 1, false},
                         Case{0, 2, true}, Case{0, -2, true}, Case{0, 3, false}}) {
     Fill(&traces_.top, Level(c.top));

@@ -9,13 +9,15 @@
 #include "frame/scratch.h"
 
 namespace vorlanepic::testing {
+
+using namespace deskew;
 namespace {
 
 class VorlaneEntryTest : public DeskewTest {
  protected:
   // What the driver makes of the same page with the given filling; settings as the call left them.
   void RunDriver(const TestImage& page, int32_t mode, int32_t threshold, const uint8_t* fill) {
-    settings.ExtremeAnchorFlag = 0.0;
+    frame::settings.ExtremeAnchorFlag = 0.0;
     ASSERT_EQ(RunPrunedRotation(std::span(page.rec(), 1), {mode, threshold, 0, 0, fill}, &angle_,
                                 std::span(expected_.rec(), 1)),
               STATUS_OK);
@@ -28,7 +30,7 @@ class VorlaneEntryTest : public DeskewTest {
     return buffer;
   }
 
-  ScratchImage expected_;
+  frame::ScratchImage expected_;
   int32_t width_ = 400;
   int32_t height_ = 500;
 };
@@ -73,8 +75,8 @@ TEST_F(VorlaneEntryTest, AFailedRunLeavesTheBufferAlone) {
 
 TEST_F(VorlaneEntryTest, GivesTheStraightPageAndItsAngle) {
   const TestImage page = DrawPage({.bitsPerPixel = 24, .degrees = -7});
-  ScratchImage result;
-  ScratchImage again;
+  frame::ScratchImage result;
+  frame::ScratchImage again;
   double angle = -1;
   ASSERT_EQ(ImageVorlaneEx(page.rec(), INTERP_BICUBIC, 90, 0, &angle, result.rec()), STATUS_OK);
   ASSERT_EQ(ImageVorlane(page.rec(), INTERP_BICUBIC, 90, 0, again.rec()), STATUS_OK);
@@ -88,9 +90,9 @@ TEST_F(VorlaneEntryTest, GivesTheStraightPageAndItsAngle) {
 // the threshold alone the page and the background are one.
 TEST_F(VorlaneEntryTest, BackgroundChoosesTheBandOfLevels) {
   PageRecords records;
-  settings.pageRecords = &records;
+  frame::settings.pageRecords = &records;
   const TestImage page = DrawPage({.background = 120});
-  ScratchImage result;
+  frame::ScratchImage result;
   ImageVorlaneEx(page.rec(), INTERP_NEAREST, 225, 255, &angle_, result.rec());
   EXPECT_EQ(records.stage, PageStage::kTurned);
   EXPECT_EQ(records.levels.low, 216);
@@ -100,30 +102,33 @@ TEST_F(VorlaneEntryTest, BackgroundChoosesTheBandOfLevels) {
 TEST_F(VorlaneEntryTest, AssignsItsSettingsWhenTheArgumentsPass) {
   const TestImage blank(400, 500, 8);
   ImageRec result{};
-  settings.ExtremeAnchorFlag = 1.0;
-  settings.SegmentLen = 17;
+  frame::settings.ExtremeAnchorFlag = 1.0;
+  frame::settings.SegmentLen = 17;
   EXPECT_EQ(ImageVorlaneEx(blank.rec(), INTERP_NEAREST, 256, 0, &angle_, &result), BAD_ARGUMENT);
-  EXPECT_EQ(settings.BorderMethod, 0);
-  EXPECT_EQ(settings.ExtremeAnchorFlag, 1.0);
+  EXPECT_EQ(frame::settings.BorderMethod, 0);
+  EXPECT_EQ(frame::settings.ExtremeAnchorFlag, 1.0);
   EXPECT_EQ(ImageVorlaneEx(blank.rec(), INTERP_NEAREST, 0, 0, &angle_, &result), BORDER_NOT_FOUND);
   EXPECT_EQ(angle_, -1);
-  EXPECT_EQ(std::tie(settings.BorderMethod, settings.ExtremeAnchorFlag, settings.SegmentLen),
+  EXPECT_EQ(std::tie(frame::settings.BorderMethod, frame::settings.ExtremeAnchorFlag,
+                     frame::settings.SegmentLen),
             std::tuple(1, 0.0, 17));
-  EXPECT_EQ(std::tie(settings.SegmentMaxGap, settings.SegmentPointNum, settings.SegmentMinPointNum),
+  EXPECT_EQ(std::tie(frame::settings.SegmentMaxGap, frame::settings.SegmentPointNum,
+                     frame::settings.SegmentMinPointNum),
             std::tuple(6, 6, 4));
-  EXPECT_EQ(std::tie(settings.SearchBorderPixelNum, settings.parallel, settings.perpendicular),
+  EXPECT_EQ(std::tie(frame::settings.SearchBorderPixelNum, frame::settings.parallel,
+                     frame::settings.perpendicular),
             std::tuple(2, 3.5, 2.0));
 }
 
 TEST_F(VorlaneEntryTest, TheSimplerCallsCountOneImageEvenWhenRefused) {
-  settings.ImageNum = 5;
+  frame::settings.ImageNum = 5;
   EXPECT_EQ(VorlanePic(nullptr, nullptr, nullptr, 8, INTERP_NEAREST, 0), 1);
-  EXPECT_EQ(settings.ImageNum, 5);
+  EXPECT_EQ(frame::settings.ImageNum, 5);
   EXPECT_EQ(VorlanePicEx(nullptr, nullptr, nullptr, 8, INTERP_NEAREST), 1);
-  EXPECT_EQ(settings.ImageNum, 1);
-  settings.ImageNum = 5;
+  EXPECT_EQ(frame::settings.ImageNum, 1);
+  frame::settings.ImageNum = 5;
   EXPECT_EQ(ImageVorlane(nullptr, INTERP_NEAREST, 0, 0, nullptr), BAD_ARGUMENT);
-  EXPECT_EQ(settings.ImageNum, 1);
+  EXPECT_EQ(frame::settings.ImageNum, 1);
 }
 
 }  // namespace

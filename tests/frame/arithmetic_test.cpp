@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 
 namespace vorlanepic::testing {
+
+using namespace frame;
 namespace {
 
 TEST(WrapArithmetic, WrapsAtTheEndsOfTheRange) {

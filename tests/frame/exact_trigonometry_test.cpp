@@ -8,6 +8,8 @@
 #include <gtest/gtest.h>
 
 namespace vorlanepic::testing {
+
+using namespace frame;
 namespace {
 
 using Function = double (*)(double);

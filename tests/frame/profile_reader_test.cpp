@@ -11,6 +11,8 @@
 #include "support/profile_file.h"
 
 namespace vorlanepic::testing {
+
+using namespace frame;
 namespace {
 
 using namespace std::string_literals;

@@ -14,6 +14,7 @@
 #include "vorlanepic/vorlanepic.h"
 
 namespace vorlanepic::testing {
+
 namespace {
 
 using ::testing::ElementsAre;

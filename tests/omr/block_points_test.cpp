@@ -8,7 +8,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 namespace {
 
 using Points = std::vector<std::pair<int32_t, int32_t>>;
@@ -43,4 +43,4 @@ TEST(BlockPointsTest, RunsOfAnyLengthAreWrittenAsPointByPoint) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

@@ -7,6 +7,7 @@
 #include "vorlanepic/vorlanepic.h"
 
 namespace vorlanepic::testing {
+
 namespace {
 
 TEST(BlockSetTest, OverlapCountsSharedIntegers) {

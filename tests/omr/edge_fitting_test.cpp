@@ -10,7 +10,7 @@
 
 #include "omr/bar_segments.h"
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 namespace {
 
 using ::testing::ElementsAre;
@@ -97,4 +97,4 @@ TEST(BarSegmentsTest, KeepTheLongestGroupOfPiecesOnTheFoundersLine) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

@@ -12,6 +12,8 @@
 #include "vorlanepic/vorlanepic.h"
 
 namespace vorlanepic::testing {
+
+using namespace omr;
 namespace {
 
 using ::testing::ElementsAre;

@@ -15,6 +15,8 @@
 #include "vorlanepic/vorlanepic.h"
 
 namespace vorlanepic::testing {
+
+using namespace omr;
 namespace {
 
 using ::testing::ElementsAre;
@@ -63,10 +65,10 @@ TEST(MarkSheetAngleTest, IsTheBarsAngle) {
   MarkSheet level;
   level.DrawWideBar(100, 200, 600, 0, 10);
   BarRecords records;
-  settings.barRecords = &records;
+  frame::settings.barRecords = &records;
   double angle = 1;
   ASSERT_EQ(level.Angle(&angle), 0);
-  settings.barRecords = nullptr;
+  frame::settings.barRecords = nullptr;
   EXPECT_EQ(angle, 0.0);
   EXPECT_THAT(records.sheet, FieldsAre(30, 468, 40, 759));
   ASSERT_EQ(records.samples.size(), 600U);
@@ -92,11 +94,11 @@ struct Judgement {
 
 Judgement Judge(const MarkSheet& sheet) {
   BarRecords records;
-  settings.barRecords = &records;
+  frame::settings.barRecords = &records;
   double angle = 0;
   Judgement judgement;
   judgement.status = sheet.Angle(&angle);
-  settings.barRecords = nullptr;
+  frame::settings.barRecords = nullptr;
   judgement.stage = records.stage;
   for (size_t i = 0; i < records.barCount; ++i) {
     judgement.verdicts.push_back(records.bars[i].verdict);

@@ -8,6 +8,7 @@
 #include "frame/arithmetic.h"
 
 namespace vorlanepic::testing {
+
 namespace {
 
 struct PlainRun {
@@ -48,8 +49,8 @@ void GrowFull(PlainSet* set) {
 
 void AddSums(BlockRec* rec, const BlockRec& other) {
   rec->area += other.area;
-  rec->centerX = WrapAdd(rec->centerX, other.centerX);
-  rec->centerY = WrapAdd(rec->centerY, other.centerY);
+  rec->centerX = frame::WrapAdd(rec->centerX, other.centerX);
+  rec->centerY = frame::WrapAdd(rec->centerY, other.centerY);
   rec->minValue = std::min(rec->minValue, other.minValue);
   rec->maxValue = std::max(rec->maxValue, other.maxValue);
   rec->top = std::min(rec->top, other.top);
@@ -62,8 +63,8 @@ BlockRec RecordOf(const PlainRun& run) {
   BlockRec rec{};
   for (int32_t x = run.start; x <= run.end; ++x) {
     ++rec.area;
-    rec.centerX = WrapAdd(rec.centerX, x);
-    rec.centerY = WrapAdd(rec.centerY, run.y);
+    rec.centerX = frame::WrapAdd(rec.centerX, x);
+    rec.centerY = frame::WrapAdd(rec.centerY, run.y);
   }
   rec.left = run.start;
   rec.right = run.end;
@@ -131,8 +132,8 @@ void FinishBlock(PlainSet* set, int32_t index, bool isRoot) {
   rec.width = rec.right - rec.left + 1;
   const int32_t meanX = rec.centerX / rec.area;
   const int32_t meanY = rec.centerY / rec.area;
-  rec.centerX = RoundToInt32(meanX);
-  rec.centerY = RoundToInt32(meanY);
+  rec.centerX = frame::RoundToInt32(meanX);
+  rec.centerY = frame::RoundToInt32(meanY);
 }
 
 void LinkRows(const PlainRow& above, PlainRow* row, PlainSet* set) {

@@ -8,7 +8,7 @@
 
 #include <gtest/gtest.h>
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 namespace {
 
 using Runs = std::vector<std::pair<int32_t, int32_t>>;
@@ -62,4 +62,4 @@ TEST(RowRunsTest, RowsOfAnyLengthAreCutAsPixelByPixel) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

@@ -8,6 +8,8 @@
 #include "omr/block_pictures.h"
 
 namespace vorlanepic::testing {
+
+using namespace omr;
 namespace {
 
 using ::testing::FieldsAre;

@@ -10,7 +10,7 @@
 
 #include "omr/foreground.h"
 
-namespace vorlanepic {
+namespace vorlanepic::omr {
 namespace {
 
 std::pair<int, int> Limits(const ValueRange& range) { return {range.lowest, range.highest}; }
@@ -45,4 +45,4 @@ TEST(ValueRangeTest, ValuesOfAnyNumberAreTakenAsOneByOne) {
 }
 
 }  // namespace
-}  // namespace vorlanepic
+}  // namespace vorlanepic::omr

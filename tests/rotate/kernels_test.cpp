@@ -7,6 +7,8 @@
 #include "rotate/weights.h"
 
 namespace vorlanepic::testing {
+
+using namespace rotate;
 namespace {
 
 using KernelsTest = InstructionSetTest;

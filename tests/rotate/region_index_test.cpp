@@ -5,6 +5,8 @@
 #include "rotate/rotate_fixture.h"
 
 namespace vorlanepic::testing {
+
+using namespace rotate;
 namespace {
 
 TEST(RegionIndex, KnowsARectangleExactly) {

@@ -10,6 +10,8 @@
 
 namespace vorlanepic::testing {
 
+using namespace rotate;
+
 // Columns left..right of rows top..bottom.
 inline RowSpans RectangleRegion(int32_t left, int32_t right, int32_t top, int32_t bottom) {
   RowSpans region;

@@ -12,14 +12,16 @@
 #include "support/page_drawing.h"
 
 namespace vorlanepic::testing {
+
+using namespace rotate;
 namespace {
 
 constexpr uint8_t kFill[3] = {11, 22, 33};
 
 class RotateImageTest : public ::testing::Test {
  protected:
-  RotateImageTest() { settings.ImageNum = 1; }
-  ~RotateImageTest() override { settings = {}; }
+  RotateImageTest() { frame::settings.ImageNum = 1; }
+  ~RotateImageTest() override { frame::settings = {}; }
 
   // Turns into target_, afresh.
   int32_t Rotate(const TestImage& source, const RowSpans& region, const Turn& turn) {
@@ -29,7 +31,7 @@ class RotateImageTest : public ::testing::Test {
 
   const TestImage source_{20, 10, 8};
   const RowSpans region_ = RectangleRegion(0, 19, 0, 9);
-  ScratchImage target_;
+  frame::ScratchImage target_;
 };
 
 // Pixels that differ from all their neighbours.
@@ -87,7 +89,7 @@ TEST_F(RotateImageTest, MakesNothingForNoImagesOrAnotherDepth) {
     EXPECT_EQ(Rotate(TestImage(20, 10, depth), region_, turn), STATUS_OK);
     EXPECT_EQ(target_.rec()->pixels, nullptr);
   }
-  settings.ImageNum = 0;
+  frame::settings.ImageNum = 0;
   EXPECT_EQ(Rotate(source_, region_, turn), STATUS_OK);
   EXPECT_EQ(target_.rec()->pixels, nullptr);
 }

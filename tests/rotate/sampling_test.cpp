@@ -9,6 +9,8 @@
 #include "rotate/step_tables.h"
 
 namespace vorlanepic::testing {
+
+using namespace rotate;
 namespace {
 
 TEST(StepTables, HoldRunningSumsInHundredthsCutTowardZero) {

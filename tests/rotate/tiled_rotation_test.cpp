@@ -12,6 +12,8 @@
 #include "support/page_drawing.h"
 
 namespace vorlanepic::testing {
+
+using namespace rotate;
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;

@@ -1,0 +1,85 @@
+#include "app/batch/page_set.h"
+
+#include <algorithm>
+#include <memory>
+#include <utility>
+
+#include "app/batch/exit_codes.h"
+#include "app/batch/report.h"
+#include "app/files/page_reader.h"
+#include "app/files/page_writer.h"
+
+namespace vorlane::batch {
+namespace {
+
+std::vector<files::Page> ReadAll(const files::PlannedInput& input) {
+  files::PageReader reader(input.path);
+  std::vector<files::Page> pages(static_cast<size_t>(reader.count()));
+  for (files::Page& page : pages) (void)reader.Next(&page);
+  const ImageRec& first = *pages[0].image.rec();
+  for (const files::Page& page : pages) {
+    const ImageRec& image = *page.image.rec();
+    if (image.width != first.width || image.height != first.height ||
+        image.bitsPerPixel != first.bitsPerPixel) {
+      throw files::FileError(NameOf(page) +
+                             ": differs from the first page in size or depth; run it without "
+                             "--one-geometry");
+    }
+  }
+  return pages;
+}
+
+void WriteSet(const BatchRequest& request, const files::PageFiles& output,
+              const std::vector<files::Page>& pages, const std::vector<ImageRec>& results) {
+  std::unique_ptr<files::PageWriter> writer;
+  for (size_t i = 0; i < pages.size(); ++i) {
+    if (!writer || !output.isShared) {
+      if (writer) writer->Commit();
+      writer = std::make_unique<files::PageWriter>(output.Of(pages[i].number), request.jpegQuality);
+    }
+    writer->Add(results[i], pages[i].xDpi, pages[i].yDpi);
+  }
+  writer->Commit();
+}
+
+int RunSet(const BatchRequest& request, const SetService& service,
+           const files::PlannedInput& input) {
+  const std::vector<files::Page> pages = ReadAll(input);
+  std::vector<ImageRec> records;
+  records.reserve(pages.size());
+  for (const files::Page& page : pages) records.push_back(*page.image.rec());
+  std::vector<ImageRec> results(pages.size());
+  judging::TurnOutcome outcome = service(records, &results);
+
+  PageWay way;
+  way.isTrusted = IsTrusted(request, outcome);
+  try {
+    if (way.isTrusted) WriteSet(request, input.output, pages, results);
+  } catch (...) {
+    ReleaseAll(&results);
+    throw;
+  }
+  for (size_t i = 0; i < pages.size(); ++i) {
+    *outcome.result.rec() = std::exchange(results[i], ImageRec{});
+    if (way.isTrusted) way.output = input.output.Of(pages[i].number);
+    ReportPage(request, input, pages[i], outcome, way);
+    (void)outcome.result.Release();
+  }
+  return way.isTrusted ? kExitAllDone : kExitPagesLeft;
+}
+
+}  // namespace
+
+void ReleaseAll(std::vector<ImageRec>* images) {
+  for (ImageRec& image : *images) {
+    if (image.pixels != nullptr) Imgbuf_Destory(&image);
+    image = ImageRec{};
+  }
+}
+
+int RunPageSets(const BatchRequest& request, const SetService& service) {
+  return ForEachFile(
+      request, [&](const files::PlannedInput& input) { return RunSet(request, service, input); });
+}
+
+}  // namespace vorlane::batch

@@ -1,0 +1,16 @@
+// The commands of vorlane. Each adds itself to the command line and returns what it does when it
+// is chosen.
+#pragma once
+
+#include "app/commands/run_options.h"
+
+namespace vorlane::commands {
+
+CommandRun AddStraighten(CLI::App* app);
+CommandRun AddCrop(CLI::App* app);
+CommandRun AddAngle(CLI::App* app);
+CommandRun AddForm(CLI::App* app);
+CommandRun AddBlocks(CLI::App* app);
+CommandRun AddBarAngle(CLI::App* app);
+
+}  // namespace vorlane::commands

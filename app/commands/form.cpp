@@ -1,0 +1,83 @@
+// vorlane form: line-guided deskew of forms with a reference bar.
+#include <memory>
+
+#include "app/commands/commands.h"
+#include "app/commands/deskew_options.h"
+#include "app/commands/dib_image.h"
+#include "app/commands/fill_colour.h"
+#include "app/judge/page_geometry.h"
+#include "app/judge/record_scope.h"
+#include "app/judge/threshold_choice.h"
+
+namespace vorlane::commands {
+namespace {
+
+struct FormOptions {
+  batch::BatchRequest batch;
+  DeskewOptions deskew;
+  int32_t threshold = -1;
+  int32_t dpi = 0;
+  int32_t interpolation = INTERP_BICUBIC;
+  FillColour fill;
+};
+
+judging::TurnOutcome StraightenForm(const FormOptions& options, const files::Page& page) {
+  const ImageRec& image = *page.image.rec();
+  judging::TurnOutcome outcome;
+  outcome.kind = judging::TurnKind::kBar;
+  // The rows stand bottom first: what is measured on them is mirrored.
+  outcome.isFlipped = true;
+  outcome.page = std::make_unique<vorlanepic::PageRecords>();
+  outcome.bar = std::make_unique<vorlanepic::BarRecords>();
+  outcome.threshold = options.threshold >= 0 ? options.threshold : judging::SplitLevel(image);
+  const judging::RecordScope scope(outcome.page.get(), outcome.bar.get());
+
+  ScratchDib source;
+  outcome.status =
+      MakeDib(image, options.dpi > 0 ? options.dpi : page.xDpi, RowOrder::kBottomFirst, &source);
+  if (outcome.status != STATUS_OK) return outcome;
+  ScratchDib result;
+  const DeskewCropParam param = ParamOf(options.deskew);
+  const std::array<uint8_t, 3> fill = FillBytes(options.fill, image.bitsPerPixel);
+  double degrees = 0;
+  outcome.milliseconds = Timed([&] {
+    outcome.status =
+        ImageDeskewCropWithLine(source.rec(), options.interpolation, outcome.threshold, 0, 0,
+                                fill.data(), &degrees, result.rec(), param, 0, 0, 0, 0, 1);
+  });
+  if (outcome.status == STATUS_OK) {
+    outcome.status = FromDib(result.rec(), RowOrder::kBottomFirst, &outcome.result);
+  }
+  if (outcome.status != STATUS_OK) return outcome;
+  outcome.degrees = judging::NormalDegrees(-degrees);
+  outcome.verdict = judging::Judge(outcome, image);
+  return outcome;
+}
+
+}  // namespace
+
+CommandRun AddForm(CLI::App* app) {
+  auto options = std::make_shared<FormOptions>();
+  CLI::App* command = app->add_subcommand(
+      "form", "Straighten and crop a form by its printed reference bar: one long, thin, solid bar");
+  AddBatchOptions(command, &options->batch);
+  AddInterpolationOption(command, &options->interpolation);
+  AddBarPageOptions(command, &options->threshold, &options->dpi);
+  AddContentOptions(command, &options->deskew);
+  AddFillOption(command, &options->fill);
+  command->footer(
+      "The bar is at least 600 pixels long and 4 to 20 thick at 200 dpi, more at higher "
+      "resolutions;\n"
+      "a profile's section [ImageDeskewLine] can say otherwise.\n"
+      "Examples:\n"
+      "  vorlane form sheets.tif -o forms.tif --overlay found/\n"
+      "  vorlane form photo.jpg -o form.png --dpi 150 --profile sample-profile.ini");
+  return [options] {
+    options->batch.command = "form";
+    (void)ParamOf(options->deskew);
+    return batch::RunBatch(options->batch,
+                           [&](const files::Page& page) { return StraightenForm(*options, page); });
+  };
+}
+
+}  // namespace vorlane::commands

@@ -1,0 +1,75 @@
+// The command vorlane: straightens, crops and measures scanned pages in files.
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <new>
+#include <vector>
+
+#include "app/batch/exit_codes.h"
+#include "app/commands/commands.h"
+#include "app/files/pix_owner.h"
+
+namespace {
+
+namespace batch = vorlane::batch;
+namespace commands = vorlane::commands;
+namespace files = vorlane::files;
+
+// A full disk or a closed pipe is told as an error and leaves no half-written file behind.
+void TakeWriteErrorsAsResults() {
+  (void)std::signal(SIGXFSZ, SIG_IGN);
+  (void)std::signal(SIGPIPE, SIG_IGN);
+}
+
+int RunCommandLine(int argc, char** argv) {
+  CLI::App app{"Straightens, crops and measures scanned pages.", "vorlane"};
+  app.set_version_flag("--version", "vorlane " VORLANE_VERSION);
+  app.require_subcommand(1);
+  app.footer(
+      "vorlane COMMAND --help tells the rest.\n"
+      "Exit code: 0 all pages done; 1 some page was not found or doubtful and left as it is; 2 "
+      "the\n"
+      "request cannot be carried out; 3 some file could not be read or written.");
+  const std::vector<commands::CommandRun> runs = {
+      commands::AddStraighten(&app), commands::AddCrop(&app),   commands::AddAngle(&app),
+      commands::AddForm(&app),       commands::AddBlocks(&app), commands::AddBarAngle(&app)};
+  try {
+    app.parse(argc, argv);
+  } catch (const CLI::ParseError& error) {
+    return app.exit(error) == 0 ? batch::kExitAllDone : batch::kExitUsage;
+  }
+  const auto known = app.get_subcommands({});
+  for (size_t i = 0; i < known.size(); ++i) {
+    if (known[i]->parsed()) return runs[i]();
+  }
+  return batch::kExitUsage;
+}
+
+int RunGuarded(int argc, char** argv) {
+  try {
+    return RunCommandLine(argc, argv);
+  } catch (const files::UsageError& error) {
+    (void)std::fprintf(stderr, "vorlane: %s\n", error.what());
+    return batch::kExitUsage;
+  } catch (const std::bad_alloc&) {
+    (void)std::fprintf(stderr, "vorlane: there is not enough memory\n");
+  } catch (const std::exception& error) {
+    (void)std::fprintf(stderr, "vorlane: %s\n", error.what());
+  }
+  return batch::kExitFiles;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  TakeWriteErrorsAsResults();
+  // Its messages name its own functions; ours name the file.
+  (void)setMsgSeverity(L_SEVERITY_NONE);
+  l_pngSetReadStrip16To8(0);
+  int exit = RunGuarded(argc, argv);
+  if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
+    (void)std::fprintf(stderr, "vorlane: the report cannot be written to the output\n");
+    exit = batch::kExitFiles;
+  }
+  return exit;
+}

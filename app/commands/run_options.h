@@ -1,0 +1,48 @@
+// Options that several commands share.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+
+#include <CLI/CLI.hpp>
+
+#include "app/batch/batch.h"
+#include "app/judge/judgement.h"
+
+namespace vorlane::commands {
+
+// What a command does once its options are read; returns an ExitCode.
+using CommandRun = std::function<int()>;
+
+// INPUT..., -o, --overlay, --json, --overwrite ..., for commands that write pages.
+void AddBatchOptions(CLI::App* app, batch::BatchRequest* request);
+
+// INPUT..., --overlay, --json and what overlays need, for commands that only measure.
+void AddMeasureOptions(CLI::App* app, batch::BatchRequest* request);
+
+// --threshold N and --dpi N, for commands that look for a reference bar.
+void AddBarPageOptions(CLI::App* app, int32_t* threshold, int32_t* dpi);
+
+// --interpolation bicubic|bilinear|nearest.
+void AddInterpolationOption(CLI::App* app, int32_t* interpolation);
+
+// --threshold N with 0 for the library's estimate, and --try-thresholds.
+struct ThresholdOptions {
+  int32_t threshold = -1;  // -1: the command's choice
+  bool tryOthers = false;
+};
+void AddThresholdOptions(CLI::App* app, ThresholdOptions* options);
+
+// A call with one threshold, judged.
+using ThresholdCall = std::function<judging::TurnOutcome(int32_t threshold)>;
+
+// The outcome with the threshold asked for, or with `preferred` when none is, or, when that is not
+// to be trusted and others may be tried, the best outcome over the thresholds that the page
+// suggests.
+judging::TurnOutcome RunThresholds(const ThresholdOptions& options, int32_t preferred,
+                                   const ImageRec& image, const ThresholdCall& call);
+
+// Milliseconds that `call` takes.
+double Timed(const std::function<void()>& call);
+
+}  // namespace vorlane::commands

@@ -1,0 +1,68 @@
+// vorlane straighten: pruned rotation of every page.
+#include <memory>
+
+#include "app/commands/commands.h"
+#include "app/judge/page_geometry.h"
+#include "app/judge/record_scope.h"
+#include "frame/trigonometry.h"
+
+namespace vorlane::commands {
+namespace {
+
+struct StraightenOptions {
+  batch::BatchRequest batch;
+  ThresholdOptions threshold;
+  int32_t interpolation = INTERP_BICUBIC;
+  int32_t background = 0;
+};
+
+judging::TurnOutcome Straighten(const StraightenOptions& options, const ImageRec& image,
+                                int32_t threshold) {
+  judging::TurnOutcome outcome;
+  outcome.page = std::make_unique<vorlanepic::PageRecords>();
+  const judging::RecordScope scope(outcome.page.get(), nullptr);
+  double radians = 0;
+  outcome.milliseconds = Timed([&] {
+    outcome.status = ImageVorlaneEx(&image, options.interpolation, threshold, options.background,
+                                    &radians, outcome.result.rec());
+  });
+  outcome.threshold = outcome.page->threshold;
+  outcome.arrangement = judging::RecordScope::Arrangement(*outcome.page);
+  if (outcome.status != STATUS_OK) return outcome;
+  outcome.degrees = judging::NormalDegrees(radians * vorlanepic::kDegreesPerRadian);
+  outcome.verdict = judging::Judge(outcome, image);
+  return outcome;
+}
+
+}  // namespace
+
+CommandRun AddStraighten(CLI::App* app) {
+  auto options = std::make_shared<StraightenOptions>();
+  CLI::App* command = app->add_subcommand(
+      "straighten", "Find the page on a darker background, turn it upright and cut it out");
+  AddBatchOptions(command, &options->batch);
+  AddInterpolationOption(command, &options->interpolation);
+  AddThresholdOptions(command, &options->threshold);
+  command
+      ->add_option("--background", options->background,
+                   "0: the page is what is at or above the threshold; 255: what lies within 9 "
+                   "levels of it, for grey pages on a white background")
+      ->check(CLI::IsMember({0, 255}))
+      ->capture_default_str();
+  command->footer(
+      "Examples:\n"
+      "  vorlane straighten scan.tif -o straight.tif --overlay found.png\n"
+      "  vorlane straighten box/*.jpg -o out/ --try-thresholds\n"
+      "  vorlane straighten book.tif -o 'pages/{name}-{page}.png' --json\n"
+      "The angle is the turn that was made, in degrees, clockwise positive.");
+  return [options] {
+    options->batch.command = "straighten";
+    return batch::RunBatch(options->batch, [&](const files::Page& page) {
+      return RunThresholds(options->threshold, 0, *page.image.rec(), [&](int32_t threshold) {
+        return Straighten(*options, *page.image.rec(), threshold);
+      });
+    });
+  };
+}
+
+}  // namespace vorlane::commands

@@ -1,0 +1,12 @@
+// A place on a page.
+#pragma once
+
+namespace vorlane::judging {
+
+// A place on the page in pixels; whole numbers are pixel centres.
+struct Place {
+  double x;
+  double y;
+};
+
+}  // namespace vorlane::judging

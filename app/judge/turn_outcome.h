@@ -1,0 +1,45 @@
+// What a service made of one page.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "deskew/page_records.h"
+#include "frame/scratch.h"
+#include "omr/bar_records.h"
+
+namespace vorlane::judging {
+
+// Where the turn came from.
+enum class TurnKind {
+  kPruned,      // four border lines
+  kBorderVote,  // the border with the most votes
+  kBar,         // a form's reference bar
+};
+
+enum class Confidence { kSure, kLikely, kDoubtful };
+
+// How far a result can be trusted, and why not further; no reasons when sure.
+struct Verdict {
+  Confidence confidence = Confidence::kSure;
+  std::vector<std::string> reasons;
+};
+
+struct TurnOutcome {
+  TurnKind kind = TurnKind::kPruned;
+  int32_t status = 0;     // of the exported function
+  double degrees = 0;     // the turn, clockwise as seen, above -180 up to 180; 0 on failure
+  int32_t threshold = 0;  // in effect, given or estimated
+  double milliseconds = 0;
+  vorlanepic::ScratchImage result;                // empty on failure and for angle-only calls
+  std::unique_ptr<vorlanepic::PageRecords> page;  // of the stages that ran
+  std::unique_ptr<vorlanepic::BarRecords> bar;    // kBar only
+  int32_t arrangement = 1;                        // kPruned: which side each edge code names
+  bool isFlipped = false;                         // the records' rows count from the page's bottom
+  Verdict verdict;                                // when status is 0
+  std::vector<std::string> notes;
+};
+
+}  // namespace vorlane::judging

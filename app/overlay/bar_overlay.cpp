@@ -1,0 +1,87 @@
+#include "app/overlay/bar_overlay.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+
+#include "app/judge/bar_words.h"
+
+namespace vorlane::overlay {
+namespace {
+
+constexpr Colour kSheet{40, 130, 255};
+constexpr Colour kChosen{20, 190, 70};
+constexpr Colour kRejected{240, 50, 50};
+constexpr Colour kFirstEdge{255, 0, 200};
+constexpr Colour kSecondEdge{255, 140, 0};
+
+// Captions name the longest candidates only.
+constexpr size_t kMostNamed = 8;
+
+std::span<const vorlanepic::ExaminedBar> BarsOf(const vorlanepic::BarRecords& bar) {
+  return bar.bars.span().first(bar.barCount);
+}
+
+void DrawCandidate(OverlayCanvas* canvas, const vorlanepic::ExaminedBar& bar, size_t number) {
+  const bool isChosen = bar.verdict == vorlanepic::BarVerdict::kChosen;
+  const Colour colour = isChosen ? kChosen : kRejected;
+  const double gap = 3 * canvas->unit();
+  canvas->Box(bar.left - gap, bar.top - gap, bar.right + gap, bar.bottom + gap, 1.2, colour);
+  canvas->Label({bar.left - gap, bar.top - 2 * gap},
+                std::to_string(number) + " " + judging::BarVerdictName(bar.verdict), colour);
+}
+
+// A line y = slope * x + intercept along the bar; a tall bar's slope may be infinite.
+void DrawEdge(OverlayCanvas* canvas, const vorlanepic::BarRecords& bar,
+              const vorlanepic::BarLine& line, bool isFirst) {
+  const auto samples = bar.samples.span();
+  if (samples.empty()) return;
+  const double from = samples.front().position;
+  const double to = samples.back().position;
+  const Colour colour = isFirst ? kFirstEdge : kSecondEdge;
+  const double slope = line.slope;
+  const double intercept = line.intercept;
+  if (!bar.isTall) {
+    canvas->Line({from, slope * from + intercept}, {to, slope * to + intercept}, 0.7, colour);
+  } else if (std::isfinite(slope) && slope != 0) {
+    canvas->Line({(from - intercept) / slope, from}, {(to - intercept) / slope, to}, 0.7, colour);
+  } else {
+    const double x = isFirst ? samples.front().first : samples.front().last;
+    canvas->Line({x, from}, {x, to}, 0.7, colour);
+  }
+}
+
+}  // namespace
+
+void DrawBar(OverlayCanvas* canvas, const vorlanepic::BarRecords& bar) {
+  if (bar.stage >= vorlanepic::BarStage::kSheet) {
+    canvas->Box(bar.sheet.left, bar.sheet.top, bar.sheet.right, bar.sheet.bottom, 1.4, kSheet);
+  }
+  size_t number = 0;
+  for (const vorlanepic::ExaminedBar& candidate : BarsOf(bar))
+    DrawCandidate(canvas, candidate, ++number);
+  if (bar.stage < vorlanepic::BarStage::kFitted) return;
+  DrawEdge(canvas, bar, bar.lines.first, true);
+  DrawEdge(canvas, bar, bar.lines.second, false);
+}
+
+void AddBarCaption(const vorlanepic::BarRecords& bar, std::vector<CaptionLine>* lines) {
+  if (bar.stage >= vorlanepic::BarStage::kSheet) lines->push_back({"sheet", true, kSheet});
+  size_t number = 0;
+  for (const vorlanepic::ExaminedBar& c : BarsOf(bar)) {
+    if (++number > kMostNamed) {
+      lines->push_back({"and " + std::to_string(bar.barCount - kMostNamed) + " more"});
+      break;
+    }
+    const bool isChosen = c.verdict == vorlanepic::BarVerdict::kChosen;
+    char text[128];
+    std::snprintf(text, sizeof(text), "%zu: length %d, thickness %d (%d..%d): %s", number, c.length,
+                  c.thickness, c.thinnest, c.thickest, judging::BarVerdictName(c.verdict));
+    lines->push_back({text, true, isChosen ? kChosen : kRejected});
+  }
+  if (bar.stage < vorlanepic::BarStage::kFitted) return;
+  lines->push_back({bar.isTall ? "left edge" : "top edge", true, kFirstEdge});
+  lines->push_back({bar.isTall ? "right edge" : "bottom edge", true, kSecondEdge});
+}
+
+}  // namespace vorlane::overlay

@@ -1,0 +1,14 @@
+// Draws the blocks of a page with their numbers.
+#pragma once
+
+#include <span>
+
+#include "app/files/page.h"
+#include "app/files/pix_owner.h"
+#include "vorlanepic/vorlanepic.h"
+
+namespace vorlane::overlay {
+
+files::PixPtr DrawBlocks(const files::Page& page, std::span<const BlockRec> blocks);
+
+}  // namespace vorlane::overlay
