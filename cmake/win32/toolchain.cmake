@@ -7,9 +7,8 @@ set(CMAKE_RC_COMPILER i686-w64-mingw32-windres)
 set(VORLANEPIC_DLLTOOL i686-w64-mingw32-dlltool)
 set(VORLANEPIC_OBJDUMP i686-w64-mingw32-objdump)
 
-# SSE2 arithmetic, so that every double is a 64-bit double at each step. Hosts align the stack to 4
-# bytes only: every function that needs more aligns it for itself.
-set(target_flags "-msse2 -mfpmath=sse -mstackrealign")
+# Hosts align the stack to 4 bytes only: every function that needs more aligns it for itself.
+set(target_flags "-mstackrealign")
 set(CMAKE_C_FLAGS_INIT "${target_flags}")
 set(CMAKE_CXX_FLAGS_INIT "${target_flags}")
 
