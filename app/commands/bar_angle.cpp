@@ -39,7 +39,7 @@ struct BarCall {
   int32_t status = 0;
   double degrees = 0;  // how far the sheet is turned clockwise as seen
   double milliseconds = 0;
-  vorlanepic::BarRecords records;
+  vorlanepic::omr::BarRecords records;
 };
 
 int32_t Scaled(int32_t given, int32_t atBaseDpi, int32_t dpi) {
@@ -66,7 +66,7 @@ void Measure(const BarOptions& options, const files::Page& page, BarCall* call) 
   call->degrees = radians * 57.29577951308232;
 }
 
-nlohmann::ordered_json CandidateJson(const vorlanepic::ExaminedBar& bar) {
+nlohmann::ordered_json CandidateJson(const vorlanepic::omr::ExaminedBar& bar) {
   return {{"left", bar.left},
           {"top", bar.top},
           {"right", bar.right},
@@ -107,7 +107,8 @@ void Print(const BarOptions& options, const files::Page& page, const BarCall& ca
     json["reasons"] = {judging::BarFailureWords(call.records)};
   }
   json["candidates"] = nlohmann::ordered_json::array();
-  for (const vorlanepic::ExaminedBar& bar : call.records.bars.span().first(call.records.barCount)) {
+  for (const vorlanepic::omr::ExaminedBar& bar :
+       call.records.bars.span().first(call.records.barCount)) {
     json["candidates"].push_back(CandidateJson(bar));
   }
   batch::PrintJson(json);

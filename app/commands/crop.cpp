@@ -34,7 +34,7 @@ void FinishOutcome(int32_t method, double angle, const ImageRec& image,
   if (method != 2) outcome->arrangement = judging::RecordScope::Arrangement(*outcome->page);
   if (outcome->status != STATUS_OK) return;
   outcome->degrees =
-      judging::NormalDegrees(method == 2 ? angle : angle * vorlanepic::kDegreesPerRadian);
+      judging::NormalDegrees(method == 2 ? angle : angle * vorlanepic::frame::kDegreesPerRadian);
   outcome->verdict = judging::Judge(*outcome, image);
 }
 
@@ -43,7 +43,7 @@ void FinishOutcome(int32_t method, double angle, const ImageRec& image,
 judging::TurnOutcome CropSet(const CropOptions& options, const std::vector<ImageRec>& pages,
                              int32_t threshold, std::vector<ImageRec>* results) {
   judging::TurnOutcome outcome;
-  outcome.page = std::make_unique<vorlanepic::PageRecords>();
+  outcome.page = std::make_unique<vorlanepic::deskew::PageRecords>();
   const judging::RecordScope scope(outcome.page.get(), nullptr);
   const DeskewCropParam param = ParamOf(options.deskew);
   const std::array<uint8_t, 3> fill = FillBytes(options.fill, pages[0].bitsPerPixel);
@@ -69,7 +69,7 @@ judging::TurnOutcome CropPage(const CropOptions& options, const ImageRec& image,
 judging::TurnOutcome MeasureAngle(const CropOptions& options, const ImageRec& image,
                                   int32_t threshold) {
   judging::TurnOutcome outcome;
-  outcome.page = std::make_unique<vorlanepic::PageRecords>();
+  outcome.page = std::make_unique<vorlanepic::deskew::PageRecords>();
   const judging::RecordScope scope(outcome.page.get(), nullptr);
   ScratchDib dib;
   double angle = 0;

@@ -81,10 +81,10 @@ DeskewCropParam ParamOf(const DeskewOptions& options) {
 }
 
 int32_t MethodOf(const DeskewOptions& options) {
-  const int32_t method =
-      options.profile.empty()
-          ? options.method
-          : vorlanepic::ReadProfileInt("ImageDeskew", "DeskewMethod", 2, options.profile.c_str());
+  const int32_t method = options.profile.empty()
+                             ? options.method
+                             : vorlanepic::frame::ReadProfileInt("ImageDeskew", "DeskewMethod", 2,
+                                                                 options.profile.c_str());
   return method == 1 || method == 3 ? method : 2;
 }
 

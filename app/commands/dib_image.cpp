@@ -43,7 +43,7 @@ int32_t MakeDib(const ImageRec& image, int32_t dpi, RowOrder order, ScratchDib* 
   return STATUS_OK;
 }
 
-int32_t FromDib(DibRec* dib, RowOrder order, vorlanepic::ScratchImage* image) {
+int32_t FromDib(DibRec* dib, RowOrder order, vorlanepic::frame::ScratchImage* image) {
   int32_t width = 0;
   int32_t height = 0;
   uint16_t bits = 0;

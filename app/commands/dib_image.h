@@ -33,6 +33,6 @@ enum class RowOrder {
 int32_t MakeDib(const ImageRec& image, int32_t dpi, RowOrder order, ScratchDib* dib);
 
 // Copies a device-independent image into a new page image. Returns the image library's status.
-int32_t FromDib(DibRec* dib, RowOrder order, vorlanepic::ScratchImage* image);
+int32_t FromDib(DibRec* dib, RowOrder order, vorlanepic::frame::ScratchImage* image);
 
 }  // namespace vorlane::commands

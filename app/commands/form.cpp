@@ -27,8 +27,8 @@ judging::TurnOutcome StraightenForm(const FormOptions& options, const files::Pag
   outcome.kind = judging::TurnKind::kBar;
   // The rows stand bottom first: what is measured on them is mirrored.
   outcome.isFlipped = true;
-  outcome.page = std::make_unique<vorlanepic::PageRecords>();
-  outcome.bar = std::make_unique<vorlanepic::BarRecords>();
+  outcome.page = std::make_unique<vorlanepic::deskew::PageRecords>();
+  outcome.bar = std::make_unique<vorlanepic::omr::BarRecords>();
   outcome.threshold = options.threshold >= 0 ? options.threshold : judging::SplitLevel(image);
   const judging::RecordScope scope(outcome.page.get(), outcome.bar.get());
 

@@ -19,7 +19,7 @@ struct StraightenOptions {
 judging::TurnOutcome Straighten(const StraightenOptions& options, const ImageRec& image,
                                 int32_t threshold) {
   judging::TurnOutcome outcome;
-  outcome.page = std::make_unique<vorlanepic::PageRecords>();
+  outcome.page = std::make_unique<vorlanepic::deskew::PageRecords>();
   const judging::RecordScope scope(outcome.page.get(), nullptr);
   double radians = 0;
   outcome.milliseconds = Timed([&] {
@@ -29,7 +29,7 @@ judging::TurnOutcome Straighten(const StraightenOptions& options, const ImageRec
   outcome.threshold = outcome.page->threshold;
   outcome.arrangement = judging::RecordScope::Arrangement(*outcome.page);
   if (outcome.status != STATUS_OK) return outcome;
-  outcome.degrees = judging::NormalDegrees(radians * vorlanepic::kDegreesPerRadian);
+  outcome.degrees = judging::NormalDegrees(radians * vorlanepic::frame::kDegreesPerRadian);
   outcome.verdict = judging::Judge(outcome, image);
   return outcome;
 }

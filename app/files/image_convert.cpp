@@ -73,7 +73,7 @@ PixPtr ToServiceDepth(PixPtr pix, std::vector<std::string>* notes) {
   }
 }
 
-int32_t PixToImage(const PixPtr& pix, vorlanepic::ScratchImage* image) {
+int32_t PixToImage(const PixPtr& pix, vorlanepic::frame::ScratchImage* image) {
   const int32_t width = pixGetWidth(pix.get());
   const int32_t height = pixGetHeight(pix.get());
   const int32_t bits = pixGetDepth(pix.get()) == 32 ? 24 : pixGetDepth(pix.get());

@@ -16,7 +16,7 @@ PixPtr ToServiceDepth(PixPtr pix, std::vector<std::string>* notes);
 
 // Copies a picture of such a depth into a new page image of 1, 8 or 24 bits. Returns the image
 // library's status.
-int32_t PixToImage(const PixPtr& pix, vorlanepic::ScratchImage* image);
+int32_t PixToImage(const PixPtr& pix, vorlanepic::frame::ScratchImage* image);
 
 // Copies a page image of 1, 8 or 24 bits into a new picture. Null when there is no memory.
 PixPtr ImageToPix(const ImageRec& image);

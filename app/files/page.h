@@ -12,10 +12,10 @@ namespace vorlane::files {
 
 struct Page {
   std::string file;
-  int32_t number = 1;              // 1 for the file's first page
-  int32_t count = 1;               // pages in the file
-  vorlanepic::ScratchImage image;  // 1, 8 or 24 bits per pixel
-  int32_t xDpi = 0;                // dots per inch; 0: the file does not say
+  int32_t number = 1;                     // 1 for the file's first page
+  int32_t count = 1;                      // pages in the file
+  vorlanepic::frame::ScratchImage image;  // 1, 8 or 24 bits per pixel
+  int32_t xDpi = 0;                       // dots per inch; 0: the file does not say
   int32_t yDpi = 0;
   std::vector<std::string> notes;  // what reading it changed, in words
 };

@@ -8,9 +8,9 @@
 namespace vorlane::judging {
 
 // Why the search ended without an angle, in words.
-std::string BarFailureWords(const vorlanepic::BarRecords& bar);
+std::string BarFailureWords(const vorlanepic::omr::BarRecords& bar);
 
 // The test that rejected a candidate, or "chosen".
-const char* BarVerdictName(vorlanepic::BarVerdict verdict);
+const char* BarVerdictName(vorlanepic::omr::BarVerdict verdict);
 
 }  // namespace vorlane::judging

@@ -47,7 +47,8 @@ std::string Degrees(double degrees) {
 }
 
 // Whether the border scan takes a pixel for document.
-bool IsLight(const ImageRec& image, const vorlanepic::GreyBand& levels, int32_t x, int32_t y) {
+bool IsLight(const ImageRec& image, const vorlanepic::analysis::GreyBand& levels, int32_t x,
+             int32_t y) {
   const uint8_t* row = image.rows[y];
   switch (image.bitsPerPixel) {
     case 1:
@@ -68,7 +69,7 @@ struct LightCount {
   double lightOutside = 0;
 };
 
-LightCount CountLight(const ImageRec& image, const vorlanepic::GreyBand& levels,
+LightCount CountLight(const ImageRec& image, const vorlanepic::analysis::GreyBand& levels,
                       const CutRect& cut) {
   LightCount count;
   const int32_t step = std::max(1, std::max(image.width, image.height) / 300);

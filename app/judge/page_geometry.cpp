@@ -17,7 +17,7 @@ constexpr int32_t kVoteReach = 8;
 // A border point lies up to 3 pixels inside the edge that it marks.
 constexpr int32_t kFrameMargin = 4;
 
-bool IsOnFrame(const ImageRec& image, Side side, const vorlanepic::EdgePoint& p) {
+bool IsOnFrame(const ImageRec& image, Side side, const vorlanepic::analysis::EdgePoint& p) {
   switch (side) {
     case Side::kLeft:
       return p.x < kFrameMargin;
@@ -31,10 +31,10 @@ bool IsOnFrame(const ImageRec& image, Side side, const vorlanepic::EdgePoint& p)
 }
 
 // The direction of the points' longest extent, folded to the nearest page axis.
-void FitAcross(const std::vector<vorlanepic::EdgePoint>& points, SideMeasure* measure) {
+void FitAcross(const std::vector<vorlanepic::analysis::EdgePoint>& points, SideMeasure* measure) {
   double meanX = 0;
   double meanY = 0;
-  for (const vorlanepic::EdgePoint& p : points) {
+  for (const vorlanepic::analysis::EdgePoint& p : points) {
     meanX += p.x;
     meanY += p.y;
   }
@@ -45,7 +45,7 @@ void FitAcross(const std::vector<vorlanepic::EdgePoint>& points, SideMeasure* me
   double xx = 0;
   double xy = 0;
   double yy = 0;
-  for (const vorlanepic::EdgePoint& p : points) {
+  for (const vorlanepic::analysis::EdgePoint& p : points) {
     xx += (p.x - meanX) * (p.x - meanX);
     xy += (p.x - meanX) * (p.y - meanY);
     yy += (p.y - meanY) * (p.y - meanY);
@@ -58,7 +58,7 @@ void FitAcross(const std::vector<vorlanepic::EdgePoint>& points, SideMeasure* me
 
   double low = 0;
   double high = 0;
-  for (const vorlanepic::EdgePoint& p : points) {
+  for (const vorlanepic::analysis::EdgePoint& p : points) {
     const double along = (p.x - meanX) * std::cos(direction) + (p.y - meanY) * std::sin(direction);
     low = std::min(low, along);
     high = std::max(high, along);
@@ -75,37 +75,38 @@ const char* SideName(Side side) {
   return kNames[IndexOf(side)];
 }
 
-const vorlanepic::SideTrace& TraceOf(const vorlanepic::PageRecords& records, Side side) {
-  const std::array<const vorlanepic::SideTrace*, 4> traces = {
+const vorlanepic::analysis::SideTrace& TraceOf(const vorlanepic::deskew::PageRecords& records,
+                                               Side side) {
+  const std::array<const vorlanepic::analysis::SideTrace*, 4> traces = {
       &records.traces.left, &records.traces.right, &records.traces.top, &records.traces.bottom};
   return *traces[IndexOf(side)];
 }
 
-const vorlanepic::EdgeLine& EdgeOf(const vorlanepic::PageRecords& records, int32_t arrangement,
-                                   Side side) {
-  const vorlanepic::DocumentEdges& e = records.edges;
-  const std::array<const vorlanepic::EdgeLine*, 4> first = {&e.e2, &e.e4, &e.e1, &e.e3};
-  const std::array<const vorlanepic::EdgeLine*, 4> second = {&e.e1, &e.e3, &e.e4, &e.e2};
+const vorlanepic::analysis::EdgeLine& EdgeOf(const vorlanepic::deskew::PageRecords& records,
+                                             int32_t arrangement, Side side) {
+  const vorlanepic::analysis::DocumentEdges& e = records.edges;
+  const std::array<const vorlanepic::analysis::EdgeLine*, 4> first = {&e.e2, &e.e4, &e.e1, &e.e3};
+  const std::array<const vorlanepic::analysis::EdgeLine*, 4> second = {&e.e1, &e.e3, &e.e4, &e.e2};
   return *(arrangement == 2 ? second : first)[IndexOf(side)];
 }
 
-std::vector<vorlanepic::EdgePoint> SupportOf(const TurnOutcome& outcome, Side side) {
-  std::vector<vorlanepic::EdgePoint> points;
+std::vector<vorlanepic::analysis::EdgePoint> SupportOf(const TurnOutcome& outcome, Side side) {
+  std::vector<vorlanepic::analysis::EdgePoint> points;
   if (!outcome.page) return points;
   if (outcome.kind == TurnKind::kPruned) {
-    for (const vorlanepic::BorderSegment& segment :
+    for (const vorlanepic::analysis::BorderSegment& segment :
          EdgeOf(*outcome.page, outcome.arrangement, side).list.view()) {
       points.insert(points.end(), segment.first, segment.first + segment.count);
     }
     return points;
   }
-  const vorlanepic::BorderVote& vote = outcome.page->votes[IndexOf(side)];
-  const vorlanepic::SideTrace& trace = TraceOf(*outcome.page, side);
+  const vorlanepic::deskew::BorderVote& vote = outcome.page->votes[IndexOf(side)];
+  const vorlanepic::analysis::SideTrace& trace = TraceOf(*outcome.page, side);
   if (!vote.hasAngle) return points;
-  for (const vorlanepic::EdgePoint& p :
+  for (const vorlanepic::analysis::EdgePoint& p :
        trace.points.span().first(static_cast<size_t>(trace.pointCount))) {
     int32_t distance = 0;
-    if (vorlanepic::DistanceToLine(p.x, p.y, vote.line, &distance) != STATUS_OK) break;
+    if (vorlanepic::analysis::DistanceToLine(p.x, p.y, vote.line, &distance) != STATUS_OK) break;
     if (std::abs(distance) < kVoteReach) points.push_back(p);
   }
   return points;
@@ -114,13 +115,13 @@ std::vector<vorlanepic::EdgePoint> SupportOf(const TurnOutcome& outcome, Side si
 SideMeasure MeasureSide(const TurnOutcome& outcome, const ImageRec& image, Side side) {
   SideMeasure measure;
   measure.side = side;
-  const std::vector<vorlanepic::EdgePoint> points = SupportOf(outcome, side);
+  const std::vector<vorlanepic::analysis::EdgePoint> points = SupportOf(outcome, side);
   measure.points = static_cast<int32_t>(points.size());
   if (points.size() < 2) return measure;
   FitAcross(points, &measure);
-  const auto onFrame =
-      std::count_if(points.begin(), points.end(),
-                    [&](const vorlanepic::EdgePoint& p) { return IsOnFrame(image, side, p); });
+  const auto onFrame = std::count_if(
+      points.begin(), points.end(),
+      [&](const vorlanepic::analysis::EdgePoint& p) { return IsOnFrame(image, side, p); });
   measure.onFrameShare = static_cast<double>(onFrame) / static_cast<double>(points.size());
   return measure;
 }
@@ -147,10 +148,10 @@ std::vector<Place> CutRect::Corners() const {
 CutRect CutOf(const TurnOutcome& outcome) {
   CutRect cut;
   if (!outcome.page) return cut;
-  const vorlanepic::PageRecords& records = *outcome.page;
+  const vorlanepic::deskew::PageRecords& records = *outcome.page;
   if (outcome.kind == TurnKind::kPruned) {
-    const vorlanepic::DocumentGeometry& geometry = records.geometry;
-    if (records.stage < vorlanepic::PageStage::kCorners) return cut;
+    const vorlanepic::analysis::DocumentGeometry& geometry = records.geometry;
+    if (records.stage < vorlanepic::deskew::PageStage::kCorners) return cut;
     cut.isKnown = true;
     cut.center = {static_cast<double>(geometry.center.x), static_cast<double>(geometry.center.y)};
     cut.radians = geometry.angle;
@@ -160,8 +161,8 @@ CutRect CutOf(const TurnOutcome& outcome) {
     cut.bottom = cut.top + geometry.outHeight - 1;
     return cut;
   }
-  if (records.stage < vorlanepic::PageStage::kTurned) return cut;
-  const vorlanepic::ContentBounds& content = records.content;
+  if (records.stage < vorlanepic::deskew::PageStage::kTurned) return cut;
+  const vorlanepic::deskew::ContentBounds& content = records.content;
   cut.isKnown = true;
   cut.center = {content.left + std::floor((content.right - content.left + 1) / 2.0),
                 content.top + std::floor((content.bottom - content.top + 1) / 2.0)};

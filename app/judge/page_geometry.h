@@ -16,13 +16,14 @@ inline constexpr std::array<Side, 4> kSides = {Side::kLeft, Side::kRight, Side::
 const char* SideName(Side side);
 
 // The trace of a side, and its line among the four document edges.
-const vorlanepic::SideTrace& TraceOf(const vorlanepic::PageRecords& records, Side side);
-const vorlanepic::EdgeLine& EdgeOf(const vorlanepic::PageRecords& records, int32_t arrangement,
-                                   Side side);
+const vorlanepic::analysis::SideTrace& TraceOf(const vorlanepic::deskew::PageRecords& records,
+                                               Side side);
+const vorlanepic::analysis::EdgeLine& EdgeOf(const vorlanepic::deskew::PageRecords& records,
+                                             int32_t arrangement, Side side);
 
 // The border points that a side's line rests on: those of the segments its edge kept, or, for the
 // border vote, those near the winning line of that border.
-std::vector<vorlanepic::EdgePoint> SupportOf(const TurnOutcome& outcome, Side side);
+std::vector<vorlanepic::analysis::EdgePoint> SupportOf(const TurnOutcome& outcome, Side side);
 
 // The straight line through a side's supporting points, fitted by least squares across it.
 struct SideMeasure {

@@ -4,21 +4,21 @@
 
 namespace vorlane::judging {
 
-RecordScope::RecordScope(vorlanepic::PageRecords* page, vorlanepic::BarRecords* bar) {
-  vorlanepic::settings.pageRecords = page;
-  vorlanepic::settings.barRecords = bar;
+RecordScope::RecordScope(vorlanepic::deskew::PageRecords* page, vorlanepic::omr::BarRecords* bar) {
+  vorlanepic::frame::settings.pageRecords = page;
+  vorlanepic::frame::settings.barRecords = bar;
 }
 
 RecordScope::~RecordScope() {
-  vorlanepic::settings.pageRecords = nullptr;
-  vorlanepic::settings.barRecords = nullptr;
+  vorlanepic::frame::settings.pageRecords = nullptr;
+  vorlanepic::frame::settings.barRecords = nullptr;
 }
 
 // A straight page of border method 1 takes whole traces in the first arrangement and leaves the
 // setting alone.
-int32_t RecordScope::Arrangement(const vorlanepic::PageRecords& page) {
-  const bool isFixed = page.straightness == 0 && vorlanepic::settings.BorderMethod == 1;
-  return isFixed ? 1 : vorlanepic::settings.EdgeArrangement;
+int32_t RecordScope::Arrangement(const vorlanepic::deskew::PageRecords& page) {
+  const bool isFixed = page.straightness == 0 && vorlanepic::frame::settings.BorderMethod == 1;
+  return isFixed ? 1 : vorlanepic::frame::settings.EdgeArrangement;
 }
 
 }  // namespace vorlane::judging

@@ -11,16 +11,16 @@ std::string Level(const TurnOutcome& outcome) {
 
 // 496 at the stage after the last one that succeeded.
 std::string NoBorderWords(const TurnOutcome& outcome) {
-  switch (outcome.page ? outcome.page->stage : vorlanepic::PageStage::kNothing) {
-    case vorlanepic::PageStage::kNothing:
-    case vorlanepic::PageStage::kThreshold:
+  switch (outcome.page ? outcome.page->stage : vorlanepic::deskew::PageStage::kNothing) {
+    case vorlanepic::deskew::PageStage::kNothing:
+    case vorlanepic::deskew::PageStage::kThreshold:
       return "no page found: nothing in the picture is light enough (" + Level(outcome) +
              "); a lower --threshold may help";
-    case vorlanepic::PageStage::kBand:
-    case vorlanepic::PageStage::kRowScan:
+    case vorlanepic::deskew::PageStage::kBand:
+    case vorlanepic::deskew::PageStage::kRowScan:
       return "no page found: the light area has no border to follow (" + Level(outcome) +
              "); another --threshold may help";
-    case vorlanepic::PageStage::kEdges:
+    case vorlanepic::deskew::PageStage::kEdges:
       return "no page found: the four border lines do not make a page: they are not square to "
              "each other, or cross outside the picture";
     default:
@@ -36,7 +36,7 @@ std::string NoAngleWords(const TurnOutcome& outcome) {
 }
 
 std::string BadArgumentWords(const TurnOutcome& outcome) {
-  if (outcome.page && outcome.page->stage >= vorlanepic::PageStage::kColumnScan) {
+  if (outcome.page && outcome.page->stage >= vorlanepic::deskew::PageStage::kColumnScan) {
     return "no page found: a border is missing or only a few pixels long (" + Level(outcome) + ")";
   }
   return "the picture or a setting is out of range";

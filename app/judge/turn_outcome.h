@@ -33,12 +33,12 @@ struct TurnOutcome {
   double degrees = 0;     // the turn, clockwise as seen, above -180 up to 180; 0 on failure
   int32_t threshold = 0;  // in effect, given or estimated
   double milliseconds = 0;
-  vorlanepic::ScratchImage result;                // empty on failure and for angle-only calls
-  std::unique_ptr<vorlanepic::PageRecords> page;  // of the stages that ran
-  std::unique_ptr<vorlanepic::BarRecords> bar;    // kBar only
-  int32_t arrangement = 1;                        // kPruned: which side each edge code names
-  bool isFlipped = false;                         // the records' rows count from the page's bottom
-  Verdict verdict;                                // when status is 0
+  vorlanepic::frame::ScratchImage result;  // empty on failure and for angle-only calls
+  std::unique_ptr<vorlanepic::deskew::PageRecords> page;  // of the stages that ran
+  std::unique_ptr<vorlanepic::omr::BarRecords> bar;       // kBar only
+  int32_t arrangement = 1;  // kPruned: which side each edge code names
+  bool isFlipped = false;   // the records' rows count from the page's bottom
+  Verdict verdict;          // when status is 0
   std::vector<std::string> notes;
 };
 

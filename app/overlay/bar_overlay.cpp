@@ -18,12 +18,12 @@ constexpr Colour kSecondEdge{255, 140, 0};
 // Captions name the longest candidates only.
 constexpr size_t kMostNamed = 8;
 
-std::span<const vorlanepic::ExaminedBar> BarsOf(const vorlanepic::BarRecords& bar) {
+std::span<const vorlanepic::omr::ExaminedBar> BarsOf(const vorlanepic::omr::BarRecords& bar) {
   return bar.bars.span().first(bar.barCount);
 }
 
-void DrawCandidate(OverlayCanvas* canvas, const vorlanepic::ExaminedBar& bar, size_t number) {
-  const bool isChosen = bar.verdict == vorlanepic::BarVerdict::kChosen;
+void DrawCandidate(OverlayCanvas* canvas, const vorlanepic::omr::ExaminedBar& bar, size_t number) {
+  const bool isChosen = bar.verdict == vorlanepic::omr::BarVerdict::kChosen;
   const Colour colour = isChosen ? kChosen : kRejected;
   const double gap = 3 * canvas->unit();
   canvas->Box(bar.left - gap, bar.top - gap, bar.right + gap, bar.bottom + gap, 1.2, colour);
@@ -32,8 +32,8 @@ void DrawCandidate(OverlayCanvas* canvas, const vorlanepic::ExaminedBar& bar, si
 }
 
 // A line y = slope * x + intercept along the bar; a tall bar's slope may be infinite.
-void DrawEdge(OverlayCanvas* canvas, const vorlanepic::BarRecords& bar,
-              const vorlanepic::BarLine& line, bool isFirst) {
+void DrawEdge(OverlayCanvas* canvas, const vorlanepic::omr::BarRecords& bar,
+              const vorlanepic::omr::BarLine& line, bool isFirst) {
   const auto samples = bar.samples.span();
   if (samples.empty()) return;
   const double from = samples.front().position;
@@ -53,33 +53,33 @@ void DrawEdge(OverlayCanvas* canvas, const vorlanepic::BarRecords& bar,
 
 }  // namespace
 
-void DrawBar(OverlayCanvas* canvas, const vorlanepic::BarRecords& bar) {
-  if (bar.stage >= vorlanepic::BarStage::kSheet) {
+void DrawBar(OverlayCanvas* canvas, const vorlanepic::omr::BarRecords& bar) {
+  if (bar.stage >= vorlanepic::omr::BarStage::kSheet) {
     canvas->Box(bar.sheet.left, bar.sheet.top, bar.sheet.right, bar.sheet.bottom, 1.4, kSheet);
   }
   size_t number = 0;
-  for (const vorlanepic::ExaminedBar& candidate : BarsOf(bar))
+  for (const vorlanepic::omr::ExaminedBar& candidate : BarsOf(bar))
     DrawCandidate(canvas, candidate, ++number);
-  if (bar.stage < vorlanepic::BarStage::kFitted) return;
+  if (bar.stage < vorlanepic::omr::BarStage::kFitted) return;
   DrawEdge(canvas, bar, bar.lines.first, true);
   DrawEdge(canvas, bar, bar.lines.second, false);
 }
 
-void AddBarCaption(const vorlanepic::BarRecords& bar, std::vector<CaptionLine>* lines) {
-  if (bar.stage >= vorlanepic::BarStage::kSheet) lines->push_back({"sheet", true, kSheet});
+void AddBarCaption(const vorlanepic::omr::BarRecords& bar, std::vector<CaptionLine>* lines) {
+  if (bar.stage >= vorlanepic::omr::BarStage::kSheet) lines->push_back({"sheet", true, kSheet});
   size_t number = 0;
-  for (const vorlanepic::ExaminedBar& c : BarsOf(bar)) {
+  for (const vorlanepic::omr::ExaminedBar& c : BarsOf(bar)) {
     if (++number > kMostNamed) {
       lines->push_back({"and " + std::to_string(bar.barCount - kMostNamed) + " more"});
       break;
     }
-    const bool isChosen = c.verdict == vorlanepic::BarVerdict::kChosen;
+    const bool isChosen = c.verdict == vorlanepic::omr::BarVerdict::kChosen;
     char text[128];
     std::snprintf(text, sizeof(text), "%zu: length %d, thickness %d (%d..%d): %s", number, c.length,
                   c.thickness, c.thinnest, c.thickest, judging::BarVerdictName(c.verdict));
     lines->push_back({text, true, isChosen ? kChosen : kRejected});
   }
-  if (bar.stage < vorlanepic::BarStage::kFitted) return;
+  if (bar.stage < vorlanepic::omr::BarStage::kFitted) return;
   lines->push_back({bar.isTall ? "left edge" : "top edge", true, kFirstEdge});
   lines->push_back({bar.isTall ? "right edge" : "bottom edge", true, kSecondEdge});
 }

@@ -29,22 +29,22 @@ constexpr Colour ColourOf(judging::Side side) {
   }
 }
 
-Place At(const vorlanepic::EdgePoint& p) {
+Place At(const vorlanepic::analysis::EdgePoint& p) {
   return {static_cast<double>(p.x), static_cast<double>(p.y)};
 }
 
 // Across the whole page; the canvas clips it.
-void DrawLine(OverlayCanvas* canvas, const vorlanepic::BorderLine& line, double width,
+void DrawLine(OverlayCanvas* canvas, const vorlanepic::analysis::BorderLine& line, double width,
               Colour colour) {
   const double far = canvas->width() + canvas->height();
   switch (line.kind) {
-    case vorlanepic::kLineHorizontal:
+    case vorlanepic::analysis::kLineHorizontal:
       canvas->Line({-far, line.intercept}, {far, line.intercept}, width, colour);
       break;
-    case vorlanepic::kLineVertical:
+    case vorlanepic::analysis::kLineVertical:
       canvas->Line({line.intercept, -far}, {line.intercept, far}, width, colour);
       break;
-    case vorlanepic::kLineGeneral: {
+    case vorlanepic::analysis::kLineGeneral: {
       // From the page's middle row, so that a steep line keeps its precision.
       const double y = canvas->height() / 2.0;
       const double x = (y - line.intercept) / line.slope;
@@ -59,18 +59,18 @@ void DrawLine(OverlayCanvas* canvas, const vorlanepic::BorderLine& line, double 
   }
 }
 
-void DrawTrace(OverlayCanvas* canvas, const vorlanepic::SideTrace& trace, Colour colour) {
-  for (const vorlanepic::EdgePoint& p :
+void DrawTrace(OverlayCanvas* canvas, const vorlanepic::analysis::SideTrace& trace, Colour colour) {
+  for (const vorlanepic::analysis::EdgePoint& p :
        trace.points.span().first(static_cast<size_t>(trace.pointCount))) {
     canvas->Dot(At(p), 1.5, {0, 0, 0});
     canvas->Dot(At(p), 0.9, colour);
   }
 }
 
-void DrawSupport(OverlayCanvas* canvas, const std::vector<vorlanepic::EdgePoint>& points,
+void DrawSupport(OverlayCanvas* canvas, const std::vector<vorlanepic::analysis::EdgePoint>& points,
                  Colour colour) {
-  for (const vorlanepic::EdgePoint& p : points) canvas->Dot(At(p), 2.2, {0, 0, 0});
-  for (const vorlanepic::EdgePoint& p : points) canvas->Dot(At(p), 1.6, colour);
+  for (const vorlanepic::analysis::EdgePoint& p : points) canvas->Dot(At(p), 2.2, {0, 0, 0});
+  for (const vorlanepic::analysis::EdgePoint& p : points) canvas->Dot(At(p), 1.6, colour);
 }
 
 // Where the content's upper edge went, from the centre upwards as it stands on the turned page.
@@ -91,14 +91,14 @@ void DrawCenter(OverlayCanvas* canvas, const judging::CutRect& cut, double degre
 std::string SideCaption(const judging::TurnOutcome& outcome, const ImageRec& image,
                         judging::Side side) {
   const judging::SideMeasure measure = judging::MeasureSide(outcome, image, side);
-  const vorlanepic::SideTrace& trace = judging::TraceOf(*outcome.page, side);
+  const vorlanepic::analysis::SideTrace& trace = judging::TraceOf(*outcome.page, side);
   char text[160];
   int length = std::snprintf(text, sizeof(text), "%-6s %4d points, %4d kept",
                              judging::SideName(side), trace.pointCount, measure.points);
   std::string caption(text, static_cast<size_t>(std::max(length, 0)));
   if (outcome.kind == judging::TurnKind::kBorderVote) {
     const auto index = static_cast<size_t>(side);
-    const vorlanepic::BorderVote& vote = outcome.page->votes[index];
+    const vorlanepic::deskew::BorderVote& vote = outcome.page->votes[index];
     if (!vote.hasAngle) return caption + ", no vote";
     length =
         std::snprintf(text, sizeof(text), ", %d votes for %.2f deg%s", vote.votes, vote.angle,
@@ -115,11 +115,11 @@ std::string SideCaption(const judging::TurnOutcome& outcome, const ImageRec& ima
 }
 
 void DrawSides(OverlayCanvas* canvas, const judging::TurnOutcome& outcome) {
-  const vorlanepic::PageRecords& records = *outcome.page;
+  const vorlanepic::deskew::PageRecords& records = *outcome.page;
   for (const judging::Side side : judging::kSides)
     DrawTrace(canvas, judging::TraceOf(records, side), kDropped);
   if (outcome.kind == judging::TurnKind::kPruned) {
-    if (records.stage >= vorlanepic::PageStage::kCorners) {
+    if (records.stage >= vorlanepic::deskew::PageStage::kCorners) {
       for (const judging::Side side : judging::kSides) {
         DrawLine(canvas, judging::EdgeOf(records, outcome.arrangement, side).line, 0.8,
                  ColourOf(side));
@@ -139,10 +139,10 @@ void DrawSides(OverlayCanvas* canvas, const judging::TurnOutcome& outcome) {
 }
 
 void DrawContent(OverlayCanvas* canvas, const judging::TurnOutcome& outcome) {
-  const vorlanepic::PageRecords& records = *outcome.page;
-  if (records.stage < vorlanepic::PageStage::kContent) return;
+  const vorlanepic::deskew::PageRecords& records = *outcome.page;
+  if (records.stage < vorlanepic::deskew::PageStage::kContent) return;
   const double last = canvas->height() - 1;
-  const vorlanepic::ContentBounds& c = records.content;
+  const vorlanepic::deskew::ContentBounds& c = records.content;
   const double top = outcome.isFlipped ? last - c.bottom : c.top;
   const double bottom = outcome.isFlipped ? last - c.top : c.bottom;
   canvas->Box(c.left, top, c.right, bottom, 1.2, kContent);
@@ -180,14 +180,14 @@ std::vector<CaptionLine> Caption(const files::Page& page, const judging::TurnOut
       if (judging::TraceOf(*outcome.page, side).pointCount == 0) continue;
       lines.push_back({SideCaption(outcome, *page.image.rec(), side), true, ColourOf(side)});
     }
-    if (outcome.page->stage >= vorlanepic::PageStage::kRowScan) {
+    if (outcome.page->stage >= vorlanepic::deskew::PageStage::kRowScan) {
       lines.push_back({"border points that no line rests on", true, kDropped});
     }
   } else if (outcome.bar) {
     AddBarCaption(*outcome.bar, &lines);
   }
   if (outcome.kind != judging::TurnKind::kPruned &&
-      outcome.page->stage >= vorlanepic::PageStage::kContent) {
+      outcome.page->stage >= vorlanepic::deskew::PageStage::kContent) {
     lines.push_back({"content found before the turn", true, kContent});
   }
   if (judging::CutOf(outcome).isKnown)

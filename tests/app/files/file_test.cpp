@@ -93,7 +93,7 @@ TEST(ConversionTest, TellsWhatItConverted) {
     const files::PixPtr pix =
         files::ToServiceDepth(SmallPix(c.depth, c.hasPalette, c.isColoured), &notes);
     ASSERT_TRUE(pix);
-    vorlanepic::ScratchImage image;
+    vorlanepic::frame::ScratchImage image;
     ASSERT_EQ(files::PixToImage(pix, &image), 0);
     EXPECT_EQ(image.rec()->bitsPerPixel, c.bitsRead) << c.note;
     const std::vector<uint8_t> grey = files::ToGreyBuffer(*image.rec());
