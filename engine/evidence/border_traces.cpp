@@ -24,8 +24,8 @@ int32_t TraceBorders(const PageLevels& page, uint8_t threshold,
   vorlanepic::frame::PixelRect band{};
   vorlanepic::analysis::ExtremePoints extremes{};
   const vorlanepic::analysis::GreyBand levels{threshold, 255};
-  int32_t status = vorlanepic::analysis::FindBand(settings, image,
-                                                  static_cast<uint8_t>(threshold - 1), &band);
+  int32_t status =
+      vorlanepic::analysis::FindBand(settings, image, static_cast<uint8_t>(threshold - 1), &band);
   if (status != STATUS_OK) return status;
   status = vorlanepic::analysis::ScanRows(settings, image, band, levels, &traces->left,
                                           &traces->right, &extremes);

@@ -1,6 +1,5 @@
 // What vorlane_detect makes of drawn pages, whichever way their pixels come.
 #include <cmath>
-#include <cstring>
 #include <thread>
 #include <vector>
 
@@ -27,6 +26,11 @@ Picture Scan(double degrees, int32_t format, Layout layout) {
   return picture;
 }
 
+std::vector<uint8_t> BytesOf(const vorlane_finding& finding) {
+  const auto* bytes = reinterpret_cast<const uint8_t*>(&finding);
+  return {bytes, bytes + sizeof finding};
+}
+
 vorlane_finding Detect(const Picture& scan) {
   const Context context;
   vorlane_finding finding = EmptyFinding();
@@ -47,7 +51,7 @@ TEST(Detect, FindsThePageWhicheverWayItsPixelsCome) {
     for (const Layout layout : kLayouts) {
       const vorlane_finding found = Detect(Scan(2.5, format, layout));
       const vorlane_finding& expected = format <= VORLANE_BIT_DARK ? bits : grey;
-      EXPECT_EQ(std::memcmp(&found, &expected, sizeof found), 0)
+      EXPECT_TRUE(BytesOf(found) == BytesOf(expected))
           << "format " << format << ", layout " << static_cast<int>(layout);
     }
   }
@@ -92,9 +96,8 @@ std::vector<uint8_t> WorkThrough(const std::vector<Picture>& scans) {
     const vorlane_image image = scan.image();
     vorlane_finding finding = EmptyFinding();
     vorlane_detect(context.get(), &image, nullptr, &finding);
-    const auto* bytes = reinterpret_cast<const uint8_t*>(&finding);
-    all.insert(all.end(), bytes, bytes + sizeof finding);
-
+    const std::vector<uint8_t> found = BytesOf(finding);
+    all.insert(all.end(), found.begin(), found.end());
     std::vector<uint8_t> memory(2'000'000);
     vorlane_result result{memory.data(), 2000, 500, 1000};
     EXPECT_EQ(vorlane_apply(context.get(), &image, &finding, nullptr, &result), VORLANE_OK);
