@@ -45,7 +45,7 @@ int32_t FindSidesAt(const PageLevels& page, uint8_t threshold, SideSet* set) {
     SideLine& line = (*set)[i];
     status = FitSide(*order[i], kAllSides[i], page.width(), page.height(), &line);
     if (!line.isSeen) continue;
-    line.contrast = ContrastOf(page, kAllSides[i], line);
+    MeasureContrast(page, kAllSides[i], &line);
     line.isSeen = line.contrast >= kLeastContrast;
     line.isFrameLike = IsStreak(line, RunsAcross(kAllSides[i]) ? page.width() : page.height());
   }
