@@ -51,7 +51,7 @@ int32_t Threshold(const ImageRec* source, deskew::PageRecords&) {
 }
 
 int32_t Band(const ImageRec* source, deskew::PageRecords& found) {
-  analysis::ScanBand band{};
+  frame::PixelRect band{};
   return analysis::FindBand(source, &band, found.levels.low);
 }
 
@@ -91,26 +91,26 @@ int32_t SkewVote(const ImageRec*, deskew::PageRecords& found) {
 // The first search of method 2: columns, in the rows of the band.
 int32_t ContentColumns(const ImageRec* source, deskew::PageRecords& found) {
   const auto threshold = static_cast<uint8_t>(found.threshold);
-  deskew::ContentBounds bounds{0, 0, found.band.top, found.band.bottom};
+  frame::PixelRect bounds{0, 0, found.band.top, found.band.bottom};
   return deskew::FindContentBounds(source, {3, 5, threshold, deskew::kSearchColumns}, &bounds);
 }
 
 // The second search of method 2: rows and columns.
 int32_t ContentRowsAndColumns(const ImageRec* source, deskew::PageRecords& found) {
   const auto threshold = static_cast<uint8_t>(found.threshold);
-  deskew::ContentBounds bounds{};
+  frame::PixelRect bounds{};
   return deskew::FindContentBounds(source, {3, 8, threshold, deskew::kSearchRowsAndColumns},
                                    &bounds);
 }
 
 // The content of method 2, cut out without a turn.
 int32_t Cut(const ImageRec* source, deskew::PageRecords& found) {
-  const analysis::EdgePoint& center = found.geometry.center;
-  const int32_t width = source->width * 4 / 5;
-  const int32_t height = source->height * 4 / 5;
+  const frame::PixelPoint& center = found.geometry.center;
+  const int32_t left = center.x - source->width * 2 / 5;
+  const int32_t top = center.y - source->height * 2 / 5;
   frame::ScratchImage cut;
   return deskew::CopyImageRegion(source, cut.rec(),
-                                 {center.x - width / 2, center.y - height / 2, width, height});
+                                 {left, left + source->width * 4 / 5 - 1, top, top + source->height * 4 / 5 - 1});
 }
 
 template <int32_t kInterpolation>

@@ -23,7 +23,7 @@ const vorlanepic::analysis::EdgeLine& EdgeOf(const vorlanepic::deskew::PageRecor
 
 // The border points that a side's line rests on: those of the segments its edge kept, or, for the
 // border vote, those near the winning line of that border.
-std::vector<vorlanepic::analysis::EdgePoint> SupportOf(const TurnOutcome& outcome, Side side);
+std::vector<vorlanepic::frame::PixelPoint> SupportOf(const TurnOutcome& outcome, Side side);
 
 // The straight line through a side's supporting points, fitted by least squares across it.
 struct SideMeasure {

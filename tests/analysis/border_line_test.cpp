@@ -8,10 +8,10 @@ namespace vorlanepic::testing {
 using namespace analysis;
 namespace {
 
-BorderLine Level(double y) { return {y, 0, 0.0, kLineHorizontal, 0, 0}; }
-BorderLine Upright(double x) { return {x, 0, 90.0, kLineVertical, 0, 0}; }
+BorderLine Level(double y) { return {y, 0, 0.0, LineKind::kHorizontal, 0, 0}; }
+BorderLine Upright(double x) { return {x, 0, 90.0, LineKind::kVertical, 0, 0}; }
 BorderLine Slanted(double intercept, double slope) {
-  return {intercept, slope, slope > 0 ? 30.0 : -30.0, kLineGeneral, 0, 0};
+  return {intercept, slope, slope > 0 ? 30.0 : -30.0, LineKind::kGeneral, 0, 0};
 }
 
 TEST(DistanceToLine, IsSignedAndTruncated) {
@@ -20,7 +20,7 @@ TEST(DistanceToLine, IsSignedAndTruncated) {
   // The point x = 40 has y = 40; 15 rows below it is 15 / 1.25 = 12 away.
   const BorderLine slanted = Slanted(10, 0.75);
   struct Case {
-    EdgePoint point;
+    frame::PixelPoint point;
     BorderLine line;
     int32_t distance;
   };
@@ -33,20 +33,20 @@ TEST(DistanceToLine, IsSignedAndTruncated) {
   }
   BorderLine unfitted;
   EXPECT_EQ(DistanceToLine(1, 1, unfitted, &distance), BAD_ARGUMENT);
-  unfitted.kind = kLineNotFitted;
+  unfitted.kind = LineKind::kNotFitted;
   EXPECT_EQ(DistanceToLine(1, 1, unfitted, &distance), BAD_ARGUMENT);
   EXPECT_EQ(distance, -11);
 }
 
 struct FitCase {
   const char* name;
-  std::vector<EdgePoint> positions;
+  std::vector<frame::PixelPoint> positions;
   int32_t status;
   int32_t kind;
   double slope = 0;
   double angle = 0;
   double intercept = 0;
-  EdgePoint middle{};
+  frame::PixelPoint middle{};
 };
 
 // Fits lines to traces of `points` points at each position.
@@ -60,12 +60,12 @@ void ExpectFits(Fit fit, int32_t points, const FitCase (&cases)[N]) {
     EXPECT_EQ(fit(&line, side.list), c.status);
     EXPECT_EQ(line.kind, c.kind);
     if (c.status != STATUS_OK) continue;
-    if (c.kind == kLineGeneral) {
+    if (c.kind == LineKind::kGeneral) {
       EXPECT_DOUBLE_EQ(line.slope, c.slope);
     }
     EXPECT_NEAR(line.angle, c.angle, 1e-9);
     EXPECT_DOUBLE_EQ(line.intercept, c.intercept);
-    EXPECT_EQ((EdgePoint{line.midX, line.midY}), c.middle);
+    EXPECT_EQ((frame::PixelPoint{line.midX, line.midY}), c.middle);
   }
 }
 
@@ -124,13 +124,13 @@ TEST(AngleRelations, TreatSteepAnglesOfBothSignsAsNeighbours) {
 TEST(MakePerpendicular, TurnsByARightAngle) {
   BorderLine line = Slanted(5, 0.5);
   MakePerpendicular(&line, Level(3));
-  EXPECT_EQ(line.kind, kLineVertical);
+  EXPECT_EQ(line.kind, LineKind::kVertical);
   EXPECT_EQ(line.angle, 90.0);
   MakePerpendicular(&line, Upright(3));
-  EXPECT_EQ(line.kind, kLineHorizontal);
+  EXPECT_EQ(line.kind, LineKind::kHorizontal);
   EXPECT_EQ(line.angle, 0.0);
   MakePerpendicular(&line, Slanted(0, 0.5));
-  EXPECT_EQ(line.kind, kLineGeneral);
+  EXPECT_EQ(line.kind, LineKind::kGeneral);
   EXPECT_EQ(line.slope, -2.0);
   EXPECT_NEAR(line.angle, -63.434950, 1e-5);
   Anchor(&line, 10, 40);
@@ -142,9 +142,9 @@ TEST(Intersect, RoundsTheCrossing) {
     BorderLine a;
     BorderLine b;
     int32_t status;
-    EdgePoint point;
+    frame::PixelPoint point;
   };
-  const BorderLine unfitted{0, 0, 0, kLineNotFitted, 0, 0};
+  const BorderLine unfitted{0, 0, 0, LineKind::kNotFitted, 0, 0};
   const Case cases[] = {
       {Level(20.5), Upright(10.25), 0, {10, 21}},
       {Upright(9), Slanted(10, 0.5), 0, {9, 15}},
@@ -157,7 +157,7 @@ TEST(Intersect, RoundsTheCrossing) {
       {Level(3e9), Slanted(0, 1e-9), 0, {INT32_MIN, INT32_MIN}},
   };
   for (const auto& [a, b, status, expected] : cases) {
-    EdgePoint point{};
+    frame::PixelPoint point{};
     EXPECT_EQ(Intersect(a, b, &point), status);
     EXPECT_EQ(point, expected);
     EXPECT_EQ(Intersect(b, a, &point), status);

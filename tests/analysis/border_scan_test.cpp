@@ -37,7 +37,7 @@ TEST_F(FindBandTest, ReachesNineRowsBeyondTheSampledRowsOfThePage) {
     TestImage image(200, c.height, c.bitsPerPixel);
     FillRectangle(&image, 0, c.first, c.light - 1, c.last, 201);
     frame::settings.BorderMethod = c.method;
-    ScanBand band{};
+    frame::PixelRect band{};
     EXPECT_EQ(FindBand(image.rec(), &band, 200), c.top < 0 ? BORDER_NOT_FOUND : STATUS_OK);
     if (c.top < 0) continue;
     EXPECT_EQ(band.left, 0);
@@ -49,7 +49,7 @@ TEST_F(FindBandTest, ReachesNineRowsBeyondTheSampledRowsOfThePage) {
 
 TEST_F(FindBandTest, CountsOnlyWhatIsLighterThanTheThresholdAndNoPadding) {
   TestImage image(100, 10, 8);
-  ScanBand band{};
+  frame::PixelRect band{};
   image.Fill(200);
   EXPECT_EQ(FindBand(image.rec(), &band, 200), BORDER_NOT_FOUND);
   image.Fill(255);
@@ -62,7 +62,7 @@ TEST_F(FindBandTest, CountsOnlyWhatIsLighterThanTheThresholdAndNoPadding) {
 }
 
 TEST_F(FindBandTest, RefusesWhatItCannotRead) {
-  ScanBand band{};
+  frame::PixelRect band{};
   TestImage image(9, 9, 4);
   EXPECT_EQ(FindBand(nullptr, &band, 0), BAD_ARGUMENT);
   EXPECT_EQ(FindBand(image.rec(), nullptr, 0), BAD_ARGUMENT);
@@ -80,7 +80,7 @@ class BorderScanTest : public AnalysisTest {
     return ScanColumns(image.rec(), &band_, kLevels, &traces_.top, &traces_.bottom, &extremes_);
   }
 
-  ScanBand band_{0, 299, 15, 84};
+  frame::PixelRect band_{0, 299, 15, 84};
   BorderTraces traces_;
   ExtremePoints extremes_{};
 };
@@ -100,12 +100,12 @@ TEST_F(BorderScanTest, TracesTheSidesOfARectangle) {
     EXPECT_EQ(traces_.left.pointCount, 30);
     EXPECT_EQ(traces_.left.list.segmentCount, 5);
     EXPECT_EQ(traces_.left.list.segments[0].meanY, 26);
-    EXPECT_EQ(extremes_.leftmost, (EdgePoint{left, 21}));
-    EXPECT_EQ(extremes_.rightmost, (EdgePoint{right, 79}));
+    EXPECT_EQ(extremes_.leftmost, (frame::PixelPoint{left, 21}));
+    EXPECT_EQ(extremes_.rightmost, (frame::PixelPoint{right, 79}));
     ASSERT_EQ(Columns(image), STATUS_OK);
-    EXPECT_EQ(extremes_.topmost, (EdgePoint{right, 20}));
+    EXPECT_EQ(extremes_.topmost, (frame::PixelPoint{right, 20}));
     // From row 84 in steps of two: the run is rows 78 and 77.
-    EXPECT_EQ(extremes_.bottommost, (EdgePoint{right, 78}));
+    EXPECT_EQ(extremes_.bottommost, (frame::PixelPoint{right, 78}));
   }
   EXPECT_EQ(traces_.top.pointCount, 48);
   EXPECT_EQ(frame::settings.TopExtremeSegFirst, 0);
@@ -121,10 +121,10 @@ TEST_F(BorderScanTest, EqualExtremesNameTheirSegments) {
   }
   band_ = {0, 299, 0, 129};
   ASSERT_EQ(Rows(image), STATUS_OK);
-  EXPECT_EQ(extremes_.leftmost, (EdgePoint{98, 40}));
+  EXPECT_EQ(extremes_.leftmost, (frame::PixelPoint{98, 40}));
   EXPECT_EQ(frame::settings.LeftExtremeSegFirst, 3);
   EXPECT_EQ(frame::settings.LeftExtremeSegLast, 7);
-  EXPECT_EQ(extremes_.rightmost, (EdgePoint{201, 88}));
+  EXPECT_EQ(extremes_.rightmost, (frame::PixelPoint{201, 88}));
 }
 
 TEST_F(BorderScanTest, FindsNothingOnABlankImageOrInShortSegments) {

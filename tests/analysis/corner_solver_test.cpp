@@ -28,7 +28,7 @@ class SolveCornersTest : public AnalysisTest {
  protected:
   SolveCornersTest() { Upright(); }
 
-  void SetEdge(EdgeLine* edge, const std::vector<EdgePoint>& points, int32_t each = 2) {
+  void SetEdge(EdgeLine* edge, const std::vector<frame::PixelPoint>& points, int32_t each = 2) {
     SideTrace& trace = traces_.emplace_back();
     FillTrace(&trace, points, each);
     edge->list = std::move(trace.list);
@@ -64,7 +64,7 @@ class SolveCornersTest : public AnalysisTest {
     return SolveCorners(image_.rec(), cornerOption, &extremes_, straightness_, &edges_, &geometry_);
   }
 
-  void ExpectCorners(EdgePoint c14, EdgePoint c12, EdgePoint c43, EdgePoint c23) {
+  void ExpectCorners(frame::PixelPoint c14, frame::PixelPoint c12, frame::PixelPoint c43, frame::PixelPoint c23) {
     EXPECT_EQ(geometry_.corners.c14, c14);
     EXPECT_EQ(geometry_.corners.c12, c12);
     EXPECT_EQ(geometry_.corners.c43, c43);
@@ -78,7 +78,7 @@ class SolveCornersTest : public AnalysisTest {
     EXPECT_EQ(geometry_.spans.spans[80].right, box.right);
     EXPECT_EQ(geometry_.outWidth, box.right - box.left);
     EXPECT_EQ(geometry_.outHeight, box.bottom - box.top);
-    const EdgePoint center{(box.left + box.right + 1) / 2, (box.top + box.bottom + 1) / 2};
+    const frame::PixelPoint center{(box.left + box.right + 1) / 2, (box.top + box.bottom + 1) / 2};
     EXPECT_EQ(geometry_.center, center);
     EXPECT_EQ(geometry_.angle, 0.0);
   }
@@ -118,7 +118,7 @@ TEST_F(SolveCornersTest, MeasuresATurnedDocument) {
   // On the top edge x = 131.5 / 1.0025 = 131.17 and 31.5 / 1.0025 = 31.42, on the bottom edge
   // 137.25 / 1.0025 = 136.91 and 37.25 / 1.0025 = 37.16.
   ExpectCorners({131, 23}, {31, 28}, {137, 138}, {37, 143});
-  EXPECT_EQ(geometry_.center, (EdgePoint{84, 83}));
+  EXPECT_EQ(geometry_.center, (frame::PixelPoint{84, 83}));
   EXPECT_EQ(geometry_.outWidth, 100);   // sqrt(100^2 + 5^2) = 100.1
   EXPECT_EQ(geometry_.outHeight, 115);  // sqrt(6^2 + 115^2) = 115.2
   // Limits lie on the top edge, x = 100 at y = 25, the left one, and the bottom edge at y = 140.
@@ -136,10 +136,10 @@ TEST_F(SolveCornersTest, TurnsToTheNearestAxis) {
                                         {-2, 40, 357.137595},
                                         {30, 36, 39.805571},
                                         {-30, 36, 320.194429}}) {
-    const EdgePoint top{100 + dy - dx, 120 - dx - dy};
-    const EdgePoint left{100 - dx - dy, 120 - dy + dx};
-    const EdgePoint bottom{100 + dx - dy, 120 + dy + dx};
-    const EdgePoint right{100 + dx + dy, 120 + dy - dx};
+    const frame::PixelPoint top{100 + dy - dx, 120 - dx - dy};
+    const frame::PixelPoint left{100 - dx - dy, 120 - dy + dx};
+    const frame::PixelPoint bottom{100 + dx - dy, 120 + dy + dx};
+    const frame::PixelPoint right{100 + dx + dy, 120 + dy - dx};
     SetEdge(&edges_.e1, {top, left});
     SetEdge(&edges_.e2, {left, bottom});
     SetEdge(&edges_.e3, {right, bottom});
@@ -211,7 +211,7 @@ TEST_F(SolveCornersTest, PassesAFailedFitOfTheReferenceOrTheOtherPairOn) {
 
 // Slanted sides stand at arctan(100 / 15), 81.5 degrees, the slanted bottom at 14 degrees.
 TEST_F(SolveCornersTest, MakesOppositeEdgesParallel) {
-  using Points = std::vector<EdgePoint>;
+  using Points = std::vector<frame::PixelPoint>;
   struct Case {
     const char* name;
     Points left;

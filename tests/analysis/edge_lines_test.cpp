@@ -109,8 +109,8 @@ TEST_F(BuildEdgesTest, TakesWholeSidesOfAStraightPage) {
 // 10 segments 12 apart along x = 100; some lie 50 aside, paired so that the halves' means stay at
 // 100. With segments 1, 3, 6, 8 aside 6 of 10 are near, which is not more than 0.6 of them. With 1,
 // 3 and 6 aside the chord runs from (100, 44) to (110, 104), at 80.5 degrees, and 7 are near.
-std::vector<EdgePoint> Crooked(bool fourAside) {
-  std::vector<EdgePoint> side = Line(10, 100, 20, 0, 12);
+std::vector<frame::PixelPoint> Crooked(bool fourAside) {
+  std::vector<frame::PixelPoint> side = Line(10, 100, 20, 0, 12);
   side[1].x += 50;
   side[3].x -= 50;
   side[6].x += 50;
@@ -120,16 +120,16 @@ std::vector<EdgePoint> Crooked(bool fourAside) {
 
 TEST_F(BuildEdgesTest, StraightnessIsJudgedOnTheLongerSidesOrTheUprightOnes) {
   struct Case {
-    std::vector<EdgePoint> left;
-    std::vector<EdgePoint> top;
+    std::vector<frame::PixelPoint> left;
+    std::vector<frame::PixelPoint> top;
     int32_t width;  // of the page; it is 400 high
     int32_t topmost;
     int32_t straightness;
   };
-  const std::vector<EdgePoint> level = Line(10, 20, 100, 12, 0);
-  const std::vector<EdgePoint> upright = Line(10, 100, 20, 0, 12);
-  const std::vector<EdgePoint> slanted = Line(10, 100, 20, 12, 60);  // at 78.7 degrees
-  const std::vector<EdgePoint> crookedTop = Transposed(Crooked(true));
+  const std::vector<frame::PixelPoint> level = Line(10, 20, 100, 12, 0);
+  const std::vector<frame::PixelPoint> upright = Line(10, 100, 20, 0, 12);
+  const std::vector<frame::PixelPoint> slanted = Line(10, 100, 20, 12, 60);  // at 78.7 degrees
+  const std::vector<frame::PixelPoint> crookedTop = Transposed(Crooked(true));
   const Case cases[] = {
       {Crooked(true), level, 300, 9, 1},
       {Crooked(false), level, 300, 9, 0},

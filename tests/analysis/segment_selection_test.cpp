@@ -7,16 +7,16 @@ namespace vorlanepic::testing {
 using namespace analysis;
 namespace {
 
-using Points = std::vector<EdgePoint>;
+using Points = std::vector<frame::PixelPoint>;
 using SegmentSelectionTest = AnalysisTest;
 
 // The chord of (0, 0) and (20, 10) has y = 5 at x = 10, the one of (0, 10) and (20, 0) as well.
 TEST_F(SegmentSelectionTest, JudgeKeepsWhatIsInLineWithItsNeighbours) {
   struct Case {
     const char* name;
-    EdgePoint previous;
-    EdgePoint next;
-    EdgePoint tested;
+    frame::PixelPoint previous;
+    frame::PixelPoint next;
+    frame::PixelPoint tested;
     int32_t straightness;
     int32_t verdicts[4];  // for codes 1..4; 7 stands for a verdict left alone
   };
@@ -38,7 +38,7 @@ TEST_F(SegmentSelectionTest, JudgeKeepsWhatIsInLineWithItsNeighbours) {
   }
 }
 
-Points With(Points line, size_t index, EdgePoint point) {
+Points With(Points line, size_t index, frame::PixelPoint point) {
   line[index] = point;
   return line;
 }

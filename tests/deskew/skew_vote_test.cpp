@@ -32,16 +32,16 @@ class SkewVoteTest : public DeskewTest {
 
 TEST(FitLineByHalves, LaysALineThroughTheHalvesMeans) {
   struct Case {
-    std::vector<analysis::EdgePoint> points;
+    std::vector<frame::PixelPoint> points;
     analysis::BorderLine line;
   };
   const Case cases[] = {
-      {{{10, 5}, {10, 9}}, {10.0, 0.0, 90.0, analysis::kLineVertical}},
-      {{{3, 7}, {8, 7}}, {7.0, 0.0, 0.0, analysis::kLineHorizontal}},
+      {{{10, 5}, {10, 9}}, {10.0, 0.0, 90.0, analysis::LineKind::kVertical}},
+      {{{3, 7}, {8, 7}}, {7.0, 0.0, 0.0, analysis::LineKind::kHorizontal}},
       // Halves (0, 0) and (10, 5); the line descends: y = 0.5 x.
-      {{{0, 0}, {10, 5}}, {0.0, 0.5, DegreesOf(0.5), analysis::kLineGeneral}},
+      {{{0, 0}, {10, 5}}, {0.0, 0.5, DegreesOf(0.5), analysis::LineKind::kGeneral}},
       // One point against two; (4 + 5) / 2 and (7 + 8) / 2 are cut.
-      {{{0, 3}, {4, 7}, {5, 8}}, {3.0, 1.0, 45.0, analysis::kLineGeneral}},
+      {{{0, 3}, {4, 7}, {5, 8}}, {3.0, 1.0, 45.0, analysis::LineKind::kGeneral}},
   };
   for (const Case& c : cases) {
     analysis::BorderLine line;
@@ -52,9 +52,9 @@ TEST(FitLineByHalves, LaysALineThroughTheHalvesMeans) {
     EXPECT_NEAR(line.angle, c.line.angle, 1e-5);
   }
   analysis::BorderLine line;
-  EXPECT_EQ(FitLineByHalves(&line, std::vector<analysis::EdgePoint>{{1, 2}}), BAD_ARGUMENT);
+  EXPECT_EQ(FitLineByHalves(&line, std::vector<frame::PixelPoint>{{1, 2}}), BAD_ARGUMENT);
   EXPECT_EQ(
-      FitLineByHalves(&line, std::vector<analysis::EdgePoint>{{1, 2}, {5, 6}, {5, 6}, {1, 3}}),
+      FitLineByHalves(&line, std::vector<frame::PixelPoint>{{1, 2}, {5, 6}, {5, 6}, {1, 3}}),
       ANGLE_NOT_FOUND);
 }
 

@@ -156,6 +156,28 @@ TEST_F(RotateImageTest, AQuarterTurnIsClockwise) {
   }
 }
 
+TEST_F(RotateImageTest, QuarterTurnsOnTopOfAnAngleMoveFinishedPixels) {
+  for (const int32_t depth : {1, 8, 24}) {
+    const TestImage source = Gradient(60, 50, depth);
+    const RowSpans region = RectangleRegion(0, 59, 0, 49);
+    for (const int32_t interpolation : {INTERP_BICUBIC, INTERP_BILINEAR, INTERP_NEAREST}) {
+      ASSERT_EQ(Rotate(source, region, {-0.07, 29, 24, 41, 41, interpolation}), STATUS_OK);
+      const ScratchImage straight = std::move(target_);
+      for (int32_t quarters = 1; quarters < 4; ++quarters) {
+        const Turn turn{-0.07, 29, 24, 41, 41, interpolation, quarters};
+        ASSERT_EQ(Rotate(source, region, turn), STATUS_OK);
+        for (int32_t i = 0; i < 41 * 41; ++i) {
+          int32_t x = i % 41;
+          int32_t y = i / 41;
+          const std::vector<int> moved = PixelAt(*target_.rec(), x, y);
+          for (int32_t k = 0; k < quarters; ++k) x = std::exchange(y, 40 - x);
+          ASSERT_EQ(moved, PixelAt(*straight.rec(), x, y)) << depth << " bits, " << quarters;
+        }
+      }
+    }
+  }
+}
+
 // At 0.1 radians the pixel 3 right of and 2 above the centre has the offsets 2.79 and -2.28:
 // columns 52 and 53 at 7 tenths, rows 47 and 48 at 8 tenths. Upper row: 101 * 3 / 10 + 201 * 7 / 10
 // = 30 + 140; lower: 51 * 3 / 10 + 151 * 7 / 10 = 15 + 105; together 171 * 2 / 10 + 121 * 8 / 10 =

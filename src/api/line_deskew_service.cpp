@@ -1,0 +1,29 @@
+// Line-guided deskew of forms: ImageDeskewCropWithLine.
+#include "api/service_call.h"
+#include "deskew/deskew_settings.h"
+#include "deskew/line_deskew.h"
+#include "vorlanepic/vorlanepic.h"
+
+using namespace vorlanepic;
+
+int32_t VORLANEPIC_STDCALL ImageDeskewCropWithLine(const DibRec* inImages, int32_t interpolation,
+                                                   int32_t threshold, int32_t /*background*/,
+                                                   int32_t /*cornerOption*/, const uint8_t* fill,
+                                                   double* angleOut, DibRec* outImages,
+                                                   DeskewCropParam param, int32_t /*spare1*/,
+                                                   int32_t /*spare2*/, int32_t /*spare3*/,
+                                                   int32_t /*spare4*/, int32_t imageNum) noexcept {
+  const int32_t status = ImgbufCheck(inImages);
+  if (status != STATUS_OK) return status;
+  api::ServiceCall call;
+  frame::Settings& settings = call.settings();
+  const omr::BarLimits limits = deskew::AssignLineGuidedSettings(param, &settings);
+  omr::BarRecords bar;
+  const int32_t result =
+      deskew::RunLineDeskew(settings, inImages, imageNum, limits, {interpolation, threshold, fill},
+                            angleOut, outImages, call.page(), &bar);
+  if (call.page()->stage >= deskew::PageStage::kContent && angleOut != nullptr) {
+    settings.ImageNum = 1;  // the turning began
+  }
+  return result;
+}
