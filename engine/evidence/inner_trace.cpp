@@ -34,7 +34,7 @@ class InnerWalker {
   }
 
   // The point that the core's walk from the frame would stop at for an outermost light pixel.
-  vorlanepic::analysis::EdgePoint PointOf(int32_t along, int32_t light) const {
+  vorlanepic::frame::PixelPoint PointOf(int32_t along, int32_t light) const {
     if (RunsAcross(side_)) return {along, light};
     return {light - direction_, along};
   }

@@ -68,7 +68,7 @@ class PairPicker {
 // Where the page's edge lies for a traced point. The walks stop one pixel behind the first page
 // pixel from the left and from the right, at it from the top, and at it or one before it from the
 // bottom, which looks at every second row.
-double AcrossOf(Side side, vorlanepic::analysis::EdgePoint point) {
+double AcrossOf(Side side, vorlanepic::frame::PixelPoint point) {
   switch (side) {
     case Side::kTop:
       return point.y - 0.5;
@@ -114,7 +114,7 @@ class SideFitter {
     const auto traced = static_cast<size_t>(trace.pointCount);
     if (!storage_.Allocate(traced)) return false;
     size_t kept = 0;
-    for (const vorlanepic::analysis::EdgePoint& point : trace.points.span().first(traced)) {
+    for (const vorlanepic::frame::PixelPoint& point : trace.points.span().first(traced)) {
       const double across = AcrossOf(side_, point);
       if (IsAtFrame(across, acrossExtent_)) continue;
       storage_[kept++] = {static_cast<float>(RunsAcross(side_) ? point.x : point.y),

@@ -104,7 +104,7 @@ Thresholds ChooseThresholds(const PageLevels& page) {
   const Moments moments = MomentsOf(counts);
   AddLevel(SplitInTwo(moments), &thresholds);
   uint8_t margin = 0;
-  if (vorlanepic::analysis::EstimateThreshold(&page.image(), &margin) == STATUS_OK) {
+  if (vorlanepic::analysis::EstimateThreshold(page.image(), &margin) == STATUS_OK) {
     AddLevel(std::max<int32_t>(margin, kDarkestMargin), &thresholds);
   }
   for (const int32_t level : SplitInThree(moments)) AddLevel(level, &thresholds);
