@@ -118,9 +118,13 @@ class Cutter {
       const double gap = GapBeyond(side, region);
       if (std::isfinite(gap)) {
         beyond = gap;
+        ++cut->sidesUnseen;
       } else if (RunsOff(side)) {
+        ++cut->sidesOffFrame;
         beyond = 2.0 * page_.size();
         cut->isBelieved = cut->isBelieved && NeighboursReachFrame(side);
+      } else {
+        ++cut->sidesUnseen;
       }
     }
     cut->rect = Bound(region, outwards, cut);
@@ -344,7 +348,6 @@ class Cutter {
         cut->widened = std::max(cut->widened, beyond_[i] / page_.size());
       } else {
         plane.c -= beyond_[i] + kLightSlack * page_.size();
-        ++cut->sidesUnseen;
       }
       polygon = Clip(polygon, plane);
     }
