@@ -19,5 +19,5 @@ add_executable(vorlane-compare
   label_ours.cpp label_peers.cpp)
 target_include_directories(vorlane-compare SYSTEM PRIVATE ${OPENCV_INCLUDE_DIR})
 target_link_libraries(vorlane-compare PRIVATE
-  vorlanepic_core imgbuf Vorlane::vorlane vorlanepic_samples vorlanepic_options
+  vorlanepic_api imgbuf Vorlane::vorlane vorlanepic_samples vorlanepic_options
   PkgConfig::LEPTONICA ${OPENCV_IMGPROC} ${OPENCV_CORE})

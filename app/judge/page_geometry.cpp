@@ -83,11 +83,12 @@ const vorlanepic::analysis::SideTrace& TraceOf(const vorlanepic::deskew::PageRec
 }
 
 const vorlanepic::analysis::EdgeLine& EdgeOf(const vorlanepic::deskew::PageRecords& records,
-                                             int32_t arrangement, Side side) {
-  const vorlanepic::analysis::DocumentEdges& e = records.edges;
-  const std::array<const vorlanepic::analysis::EdgeLine*, 4> first = {&e.e2, &e.e4, &e.e1, &e.e3};
-  const std::array<const vorlanepic::analysis::EdgeLine*, 4> second = {&e.e1, &e.e3, &e.e4, &e.e2};
-  return *(arrangement == 2 ? second : first)[IndexOf(side)];
+                                             Side side) {
+  const vorlanepic::analysis::DocumentEdges& edges = records.edges;
+  for (const vorlanepic::analysis::EdgeLine* edge : {&edges.e1, &edges.e2, &edges.e3}) {
+    if (edge->side == side) return *edge;
+  }
+  return edges.e4;
 }
 
 std::vector<vorlanepic::frame::PixelPoint> SupportOf(const TurnOutcome& outcome, Side side) {
@@ -95,7 +96,7 @@ std::vector<vorlanepic::frame::PixelPoint> SupportOf(const TurnOutcome& outcome,
   if (!outcome.page) return points;
   if (outcome.kind == TurnKind::kPruned) {
     for (const vorlanepic::analysis::BorderSegment& segment :
-         EdgeOf(*outcome.page, outcome.arrangement, side).list.view()) {
+         EdgeOf(*outcome.page, side).list.view()) {
       points.insert(points.end(), segment.first, segment.first + segment.count);
     }
     return points;

@@ -121,8 +121,7 @@ void DrawSides(OverlayCanvas* canvas, const judging::TurnOutcome& outcome) {
   if (outcome.kind == judging::TurnKind::kPruned) {
     if (records.stage >= vorlanepic::deskew::PageStage::kCorners) {
       for (const judging::Side side : judging::kSides) {
-        DrawLine(canvas, judging::EdgeOf(records, outcome.arrangement, side).line, 0.8,
-                 ColourOf(side));
+        DrawLine(canvas, judging::EdgeOf(records, side).line, 0.8, ColourOf(side));
       }
     }
   } else {

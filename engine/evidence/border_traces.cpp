@@ -1,6 +1,10 @@
 #include "engine/evidence/border_traces.h"
 
+#include <array>
+#include <cmath>
+
 #include "analysis/border_scan.h"
+#include "deskew/skew_vote.h"
 #include "frame/settings.h"
 
 namespace vorlane::evidence {
@@ -9,17 +13,24 @@ namespace {
 // Light pixels in a row that are more than dust.
 constexpr int32_t kBorderPixels = 2;
 
-}  // namespace
-
-int32_t TraceBorders(const PageLevels& page, uint8_t threshold,
-                     vorlanepic::analysis::BorderTraces* traces) {
+vorlanepic::frame::Settings ScanSettings() {
   vorlanepic::frame::Settings settings{};
   settings.SearchBorderPixelNum = kBorderPixels;
   settings.BorderMethod = 2;
   settings.SegmentMaxGap = 1;
   settings.SegmentPointNum = 1;
   settings.SegmentMinPointNum = 1;
+  settings.SegmentLen = 10;
+  settings.ToLineDistance = 8;
+  settings.GroupAngle = 2.0;
+  return settings;
+}
 
+}  // namespace
+
+int32_t TraceBorders(const PageLevels& page, uint8_t threshold,
+                     vorlanepic::analysis::BorderTraces* traces) {
+  const vorlanepic::frame::Settings settings = ScanSettings();
   const ImageRec& image = page.image();
   vorlanepic::frame::PixelRect band{};
   vorlanepic::analysis::ExtremePoints extremes{};
@@ -32,6 +43,17 @@ int32_t TraceBorders(const PageLevels& page, uint8_t threshold,
   if (status != STATUS_OK) return status;
   return vorlanepic::analysis::ScanColumns(settings, image, band, levels, &traces->top,
                                            &traces->bottom, &extremes);
+}
+
+int32_t LetBordersVote(const vorlanepic::analysis::BorderTraces& traces, double* degrees) {
+  std::array<vorlanepic::deskew::BorderVote, 4> votes;
+  int32_t best = 0;
+  double angle = 0.0;
+  const int32_t status =
+      vorlanepic::deskew::EstimateSkewFromBorders(ScanSettings(), traces, votes, &best, &angle);
+  // A border down the page tells the same as one across it.
+  if (status == STATUS_OK) *degrees = angle - 90.0 * std::round(angle / 90.0);
+  return status;
 }
 
 }  // namespace vorlane::evidence

@@ -22,6 +22,7 @@ constexpr double kSteepPrint = 15.0;
 constexpr double kStraightSpread = 0.45;
 constexpr double kWeakAgreeing = 0.4;
 constexpr double kWeakSideAgreeing = 0.3;
+constexpr double kBarAgreeing = 0.3;
 
 constexpr double kRivalSpread = 0.15;  // by which a rival's sides may lie further apart
 constexpr double kParallel = 0.15;
@@ -42,16 +43,73 @@ constexpr double kLoneConfidence = 5.0;
 
 class Judge {
  public:
-  explicit Judge(const Evidence& evidence) : sides_(evidence.sides), print_(evidence.print) {}
+  explicit Judge(const Evidence& evidence)
+      : sides_(evidence.sides), print_(evidence.print), bars_(evidence.bars) {}
 
-  Decision Decide() const {
+  Decision Decide(By by) const {
+    switch (by) {
+      case By::kPaper:
+        return DecidePaper();
+      case By::kPrint:
+        return DecidePrint();
+      case By::kBar:
+        return DecideBar();
+      default:
+        return DecideAuto();
+    }
+  }
+
+ private:
+  Decision DecideAuto() const {
     const bool hasPrint = print_.strength >= PrintStrength::kFair;
     const Decision decision = hasPrint ? DecideWithPrint() : DecideWithoutPrint();
     return decision.confidence == Confidence::kDoubtful && sides_.hasQuad ? DecideQuad(decision)
                                                                           : decision;
   }
 
- private:
+  // The paper is to stand straight, however the print lies on it.
+  Decision DecidePaper() const {
+    Decision decision = DecideAuto();
+    if (decision.group == nullptr) decision = DecideWithoutPrint();
+    if (decision.group == nullptr) return Refused(Reason::kFewSides);
+    decision.degrees = decision.group->degrees;
+    return decision;
+  }
+
+  Decision DecidePrint() const {
+    if (print_.strength == PrintStrength::kNone) return Refused(Reason::kWeakPrint);
+    const ReasonReport reason{Reason::kPrintAlone, print_.whole.confidence};
+    if (print_.strength == PrintStrength::kWeak) return ByPrint(Confidence::kDoubtful, reason);
+    const Decision decision = DecideWithPrint();
+    const bool isSame = std::abs(decision.degrees - PrintDegrees()) <= kAgreeing;
+    Decision print = ByPrint(Confidence::kLikely, isSame ? decision.reason : reason);
+    if (isSame) print.confidence = decision.confidence;
+    print.group = decision.group;
+    return print;
+  }
+
+  // Sure when every bar and the print lie alike.
+  Decision DecideBar() const {
+    if (bars_.count == 0) return Refused(Reason::kNothingSeen);
+    Decision decision = DecideAuto();
+    const bool hasPrint = print_.strength >= PrintStrength::kFair;
+    const bool agrees = hasPrint && std::abs(PrintDegrees() - bars_.degrees) <= kBarAgreeing;
+    if (bars_.spread > kBarAgreeing || (hasPrint && !agrees)) {
+      decision.confidence = Confidence::kDoubtful;
+    } else {
+      decision.confidence = agrees ? Confidence::kSure : Confidence::kLikely;
+    }
+    decision.degrees = bars_.degrees;
+    decision.reason = {Reason::kBarAgrees, static_cast<double>(bars_.count)};
+    return decision;
+  }
+
+  static Decision Refused(Reason reason) {
+    Decision decision;
+    decision.reason = {reason, 0.0};
+    return decision;
+  }
+
   double PrintDegrees() const { return print_.whole.degrees; }
   double OffPrint(const SideGroup& group) const { return std::abs(group.degrees - PrintDegrees()); }
   bool IsStrong() const { return print_.strength == PrintStrength::kStrong; }
@@ -85,7 +143,6 @@ class Judge {
     decision.confidence = confidence;
     decision.degrees = group.degrees;
     decision.group = &group;
-    decision.printAgrees = print_.strength != PrintStrength::kNone && Agrees(group);
     decision.reason = reason;
     return decision;
   }
@@ -94,8 +151,6 @@ class Judge {
     Decision decision;
     decision.confidence = confidence;
     decision.degrees = PrintDegrees();
-    decision.isByPrint = true;
-    decision.printAgrees = true;
     decision.reason = reason;
     return decision;
   }
@@ -256,20 +311,17 @@ class Judge {
   }
 
   Decision DecideNothing() const {
-    if (print_.strength == PrintStrength::kNone) {
-      Decision decision;
-      decision.reason = {Reason::kNothingSeen, 0.0};
-      return decision;
-    }
+    if (print_.strength == PrintStrength::kNone) return Refused(Reason::kNothingSeen);
     return ByPrint(Confidence::kDoubtful, {Reason::kWeakPrint, print_.whole.confidence});
   }
 
   const PaperSides& sides_;
   const evidence::PrintSkew& print_;
+  const evidence::FormBars& bars_;
 };
 
 }  // namespace
 
-Decision Decide(const Evidence& evidence) { return Judge(evidence).Decide(); }
+Decision Decide(const Evidence& evidence, By by) { return Judge(evidence).Decide(by); }
 
 }  // namespace vorlane::judge

@@ -57,14 +57,14 @@ struct ExtremeSegments {
 // Extreme border points, each picked from a full segment. A side without a full segment leaves the
 // last segment as the caller set it.
 struct ExtremePoints {
-  frame::PixelPoint leftmost;
-  frame::PixelPoint rightmost;
-  frame::PixelPoint topmost;
-  frame::PixelPoint bottommost;
-  ExtremeSegments leftSegments;
-  ExtremeSegments rightSegments;
-  ExtremeSegments topSegments;
-  ExtremeSegments bottomSegments;
+  frame::PixelPoint leftmost{};
+  frame::PixelPoint rightmost{};
+  frame::PixelPoint topmost{};
+  frame::PixelPoint bottommost{};
+  ExtremeSegments leftSegments{};
+  ExtremeSegments rightSegments{};
+  ExtremeSegments topSegments{};
+  ExtremeSegments bottomSegments{};
 };
 
 // Grey levels low..high that count as document, both inclusive.

@@ -1,11 +1,10 @@
 // Mark-sheet blocks: the markers, the labelling functions and the block set.
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
 
 #include "frame/arithmetic.h"
-#include "frame/prefetch.h"
 #include "omr/block_marking.h"
+#include "omr/block_set.h"
 #include "omr/selection_order.h"
 #include "vorlanepic/vorlanepic.h"
 
@@ -13,8 +12,6 @@ using namespace vorlanepic;
 using namespace vorlanepic::omr;
 
 namespace {
-
-constexpr int32_t kListsAhead = 8;
 
 template <typename Foreground>
 int32_t MarkForHost(const Foreground& foreground, const GreyView& image,
@@ -105,14 +102,6 @@ double VORLANEPIC_CDECL block_distance(const BlockRec* blockA, const BlockRec* b
 
 int32_t VORLANEPIC_CDECL DestoryBlockSetRec(BlockSetRec* set) noexcept {
   if (set == nullptr) return BAD_ARGUMENT;
-  if (set->blocks == nullptr) return STATUS_OK;
-  for (int32_t i = 0; i < set->count; ++i) {
-    // The heap keeps its notes just before each list: out of the cache by now, so call them early.
-    if (i + kListsAhead < set->count) frame::Prefetch(set->blocks[i + kListsAhead].points);
-    std::free(set->blocks[i].children);
-    std::free(set->blocks[i].points);
-  }
-  std::free(set->blocks);
-  *set = {};
+  ReleaseBlocks(set);
   return STATUS_OK;
 }

@@ -22,8 +22,8 @@ int32_t VORLANEPIC_STDCALL ImageDeskewCropWithLine(const DibRec* inImages, int32
   const int32_t result =
       deskew::RunLineDeskew(settings, inImages, imageNum, limits, {interpolation, threshold, fill},
                             angleOut, outImages, call.page(), &bar);
-  if (call.page()->stage >= deskew::PageStage::kContent && angleOut != nullptr) {
-    settings.ImageNum = 1;  // the turning began
-  }
+  const bool beganToTurn = call.page()->stage >= deskew::PageStage::kContent &&
+                           angleOut != nullptr && settings.AngleOnlyFlag != 1;
+  if (beganToTurn) settings.ImageNum = 1;
   return result;
 }

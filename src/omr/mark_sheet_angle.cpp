@@ -4,6 +4,7 @@
 
 #include "frame/trigonometry.h"
 #include "omr/block_marking.h"
+#include "omr/block_set.h"
 #include "omr/dib_to_gray.h"
 #include "omr/reference_bar.h"
 #include "omr/sheet_area.h"
@@ -21,7 +22,7 @@ class ScratchBlocks {
   ScratchBlocks() = default;
   ScratchBlocks(const ScratchBlocks&) = delete;
   ScratchBlocks& operator=(const ScratchBlocks&) = delete;
-  ~ScratchBlocks() { DestoryBlockSetRec(&set_); }
+  ~ScratchBlocks() { ReleaseBlocks(&set_); }
 
   BlockSetRec* set() { return &set_; }
 

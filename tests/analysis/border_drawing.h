@@ -14,34 +14,32 @@
 #include "support/page_drawing.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic::analysis {
+namespace vorlanepic::frame {
 
-inline bool operator==(frame::PixelPoint a, frame::PixelPoint b) { return a.x == b.x && a.y == b.y; }
 inline void PrintTo(frame::PixelPoint point, std::ostream* out) {
   *out << "(" << point.x << ", " << point.y << ")";
 }
 
-}  // namespace vorlanepic::analysis
+}  // namespace vorlanepic::frame
 
 namespace vorlanepic::testing {
 
 using namespace analysis;
 
-// The settings of the pruned rotation, for as long as a test runs.
+// The settings of the pruned rotation.
 class AnalysisTest : public ::testing::Test {
  protected:
   AnalysisTest() {
-    frame::settings = {};
-    frame::settings.SearchBorderPixelNum = 2;
-    frame::settings.SegmentMaxGap = 6;
-    frame::settings.SegmentPointNum = 6;
-    frame::settings.SegmentMinPointNum = 4;
-    frame::settings.BorderMethod = 1;
-    frame::settings.parallel = 3.5;
-    frame::settings.perpendicular = 2.0;
-    frame::settings.ImageNum = 1;
+    settings_.SearchBorderPixelNum = 2;
+    settings_.SegmentMaxGap = 6;
+    settings_.SegmentPointNum = 6;
+    settings_.SegmentMinPointNum = 4;
+    settings_.BorderMethod = 1;
+    settings_.parallel = 3.5;
+    settings_.perpendicular = 2.0;
   }
-  ~AnalysisTest() override { frame::settings = {}; }
+
+  frame::Settings settings_{};
 };
 
 // Runs `operation` with every heap request of it failing in turn, and then undisturbed. Returns how
@@ -60,7 +58,8 @@ int32_t ExpectOutOfMemoryAtEveryRequest(Operation operation) {
 }
 
 // A trace of segments of `points` equal points each.
-inline void FillTrace(SideTrace* side, const std::vector<frame::PixelPoint>& means, int32_t points = 2) {
+inline void FillTrace(SideTrace* side, const std::vector<frame::PixelPoint>& means,
+                      int32_t points = 2) {
   const auto count = static_cast<int32_t>(means.size());
   ASSERT_TRUE(side->points.Allocate(means.size() * static_cast<size_t>(points)));
   ASSERT_TRUE(side->list.segments.Allocate(means.size()));
@@ -75,7 +74,8 @@ inline void FillTrace(SideTrace* side, const std::vector<frame::PixelPoint>& mea
 }
 
 // `count` positions from (x, y) in steps of (dx, dy).
-inline std::vector<frame::PixelPoint> Line(int32_t count, int32_t x, int32_t y, int32_t dx, int32_t dy) {
+inline std::vector<frame::PixelPoint> Line(int32_t count, int32_t x, int32_t y, int32_t dx,
+                                           int32_t dy) {
   std::vector<frame::PixelPoint> points;
   points.reserve(static_cast<size_t>(count));
   for (int32_t i = 0; i < count; ++i) points.push_back({x + i * dx, y + i * dy});

@@ -42,7 +42,7 @@ struct FitCase {
   const char* name;
   std::vector<frame::PixelPoint> positions;
   int32_t status;
-  int32_t kind;
+  LineKind kind;
   double slope = 0;
   double angle = 0;
   double intercept = 0;
@@ -77,20 +77,34 @@ constexpr double kFall = -10.0 / 21;
 TEST(FitChordLine, PassesThroughTheMeansOfTheHalves) {
   const FitCase cases[] = {
       // Halves (1, 1) and (11, 11), truncated from 1.5 and 11.5.
-      {"rising", {{0, 0}, {3, 3}, {10, 10}, {13, 13}}, 0, 3, 1, kAngleOf1, 0, {6, 6}},
+      {"rising",
+       {{0, 0}, {3, 3}, {10, 10}, {13, 13}},
+       0,
+       LineKind::kGeneral,
+       1,
+       kAngleOf1,
+       0,
+       {6, 6}},
       // The angle is never negative; the intercept is that of the first half's mean.
-      {"falling", {{0, 21}, {21, 11}}, 0, 3, kFall, 25.463345496229, 21, {10, 16}},
+      {"falling", {{0, 21}, {21, 11}}, 0, LineKind::kGeneral, kFall, 25.463345496229, 21, {10, 16}},
       // Halves (0, 0) and (4, 2): the middle segment belongs to the second.
-      {"odd count", {{0, 0}, {2, 1}, {6, 3}}, 0, 3, 0.5, kAngleOfHalf, 0, {2, 1}},
-      {"upright", {{7, 0}, {7, 9}}, 0, 2, 0, 90, 7, {7, 4}},
-      {"level", {{0, 7}, {9, 7}}, 0, 1, 0, 0, 7, {4, 7}},
+      {"odd count", {{0, 0}, {2, 1}, {6, 3}}, 0, LineKind::kGeneral, 0.5, kAngleOfHalf, 0, {2, 1}},
+      {"upright", {{7, 0}, {7, 9}}, 0, LineKind::kVertical, 0, 90, 7, {7, 4}},
+      {"level", {{0, 7}, {9, 7}}, 0, LineKind::kHorizontal, 0, 0, 7, {4, 7}},
       // 1 in 200 is 0.29 degrees, 1 in 100 is 0.57.
-      {"nearly level", {{0, 10}, {200, 11}}, 0, 1, 0, 0, 10, {100, 10}},
-      {"nearly upright", {{10, 0}, {11, 200}}, 0, 2, 0, 90, 10, {10, 100}},
-      {"steep enough", {{10, 0}, {11, 100}}, 0, 3, 100, 89.427062827778, -1000, {10, 50}},
-      {"halves meet", {{5, 5}, {5, 5}}, ANGLE_NOT_FOUND, 0},
-      {"one segment", {{5, 5}}, BAD_ARGUMENT, 0},
-      {"no segment", {}, BAD_ARGUMENT, 0},
+      {"nearly level", {{0, 10}, {200, 11}}, 0, LineKind::kHorizontal, 0, 0, 10, {100, 10}},
+      {"nearly upright", {{10, 0}, {11, 200}}, 0, LineKind::kVertical, 0, 90, 10, {10, 100}},
+      {"steep enough",
+       {{10, 0}, {11, 100}},
+       0,
+       LineKind::kGeneral,
+       100,
+       89.427062827778,
+       -1000,
+       {10, 50}},
+      {"halves meet", {{5, 5}, {5, 5}}, ANGLE_NOT_FOUND, LineKind::kUnset},
+      {"one segment", {{5, 5}}, BAD_ARGUMENT, LineKind::kUnset},
+      {"no segment", {}, BAD_ARGUMENT, LineKind::kUnset},
   };
   ExpectFits(FitChordLine, 2, cases);
 }
@@ -98,13 +112,27 @@ TEST(FitChordLine, PassesThroughTheMeansOfTheHalves) {
 TEST(FitPointLine, PassesThroughTheMeansOfTheHalves) {
   const FitCase cases[] = {
       // The angle is signed; the intercept is that of the middle: 16 + 10 * 10 / 21.
-      {"falling", {{0, 21}, {21, 11}}, 0, 3, kFall, -25.463345496229, 436.0 / 21, {10, 16}},
+      {"falling",
+       {{0, 21}, {21, 11}},
+       0,
+       LineKind::kGeneral,
+       kFall,
+       -25.463345496229,
+       436.0 / 21,
+       {10, 16}},
       // The third point is not used.
-      {"odd total", {{0, 0}, {4, 2}, {90, 0}}, 0, 3, 0.5, kAngleOfHalf, 0, {2, 1}},
-      {"nearly level", {{0, 10}, {200, 11}}, 0, 3, 0.005, 0.286476515164, 9.5, {100, 10}},
-      {"halves meet", {{5, 5}, {5, 5}}, ANGLE_NOT_FOUND, 4},
-      {"one point", {{5, 5}}, BAD_ARGUMENT, 4},
-      {"no segment", {}, BAD_ARGUMENT, 4},
+      {"odd total", {{0, 0}, {4, 2}, {90, 0}}, 0, LineKind::kGeneral, 0.5, kAngleOfHalf, 0, {2, 1}},
+      {"nearly level",
+       {{0, 10}, {200, 11}},
+       0,
+       LineKind::kGeneral,
+       0.005,
+       0.286476515164,
+       9.5,
+       {100, 10}},
+      {"halves meet", {{5, 5}, {5, 5}}, ANGLE_NOT_FOUND, LineKind::kNotFitted},
+      {"one point", {{5, 5}}, BAD_ARGUMENT, LineKind::kNotFitted},
+      {"no segment", {}, BAD_ARGUMENT, LineKind::kNotFitted},
   };
   ExpectFits(FitPointLine, 1, cases);
 }

@@ -64,7 +64,8 @@ std::vector<TestImage> Images(int32_t width, int32_t height, int32_t depth) {
 template <typename Pixel>
 class BorderWalksTest : public ::testing::Test {
  protected:
-  void CompareRows(const TestImage& image, const frame::PixelRect& band, GreyBand levels, int32_t run) {
+  void CompareRows(const TestImage& image, const frame::PixelRect& band, GreyBand levels,
+                   int32_t run) {
     for (int32_t y = 0; y < image.rec()->height; ++y) {
       const uint8_t* row = image.row(y);
       ASSERT_EQ(WalkFromLeft<Pixel>(row, band, levels, run),
@@ -74,7 +75,8 @@ class BorderWalksTest : public ::testing::Test {
     }
   }
 
-  void CompareColumns(const TestImage& image, const frame::PixelRect& band, GreyBand levels, int32_t run) {
+  void CompareColumns(const TestImage& image, const frame::PixelRect& band, GreyBand levels,
+                      int32_t run) {
     const ColumnRange columns{band.left, band.right};
     std::vector<int32_t> top(columns.count());
     std::vector<int32_t> bottom(top);

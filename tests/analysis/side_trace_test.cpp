@@ -34,7 +34,7 @@ TEST_F(AnalysisTest, TraceCutsTheBorderIntoSegments) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(&c - cases);
-    TraceBuilder builder;
+    TraceBuilder builder(settings_);
     for (const frame::PixelPoint point : c.points) ASSERT_EQ(builder.Add(point), STATUS_OK);
     ASSERT_EQ(builder.Finish(), STATUS_OK);
     const SideTrace side = builder.Take();
@@ -53,15 +53,15 @@ TEST_F(AnalysisTest, TraceCutsTheBorderIntoSegments) {
 }
 
 TEST_F(AnalysisTest, TraceRefusesNegativeCoordinates) {
-  TraceBuilder builder;
+  TraceBuilder builder(settings_);
   EXPECT_EQ(builder.Add({-1, 0}), BAD_ARGUMENT);
   EXPECT_EQ(builder.Add({0, -1}), BAD_ARGUMENT);
   EXPECT_TRUE(builder.IsEmpty());
 }
 
 TEST_F(AnalysisTest, TraceReportsExhaustedMemoryAtEveryStep) {
-  const int32_t requests = ExpectOutOfMemoryAtEveryRequest([] {
-    TraceBuilder builder;
+  const int32_t requests = ExpectOutOfMemoryAtEveryRequest([this] {
+    TraceBuilder builder(settings_);
     int32_t status = STATUS_OK;
     // 6500 points in segments of 6: points grow six times, segments twice.
     for (int32_t i = 0; i < 6500 && status == STATUS_OK; ++i) status = builder.Add({i, i});

@@ -18,9 +18,11 @@ void Fill(TestImage* image, const frame::PixelRect& area) {
 
 class FindContentBoundsTest : public DeskewTest, public ::testing::WithParamInterface<int32_t> {
  protected:
-  static frame::PixelRect Find(const TestImage& image, uint32_t searchLimit, uint32_t pixelCount) {
+  static frame::PixelRect Find(const TestImage& image, uint32_t searchLimit, uint32_t pixelCount,
+                               bool takesShare = false) {
     frame::PixelRect bounds{-1, -1, -1, -1};
-    EXPECT_EQ(FindContentBounds(image.rec(), {searchLimit, pixelCount, 100, kSearchRowsAndColumns},
+    EXPECT_EQ(FindContentBounds(*image.rec(),
+                                {searchLimit, pixelCount, 100, kSearchRowsAndColumns, takesShare},
                                 &bounds),
               STATUS_OK);
     return bounds;
@@ -39,8 +41,8 @@ TEST_P(FindContentBoundsTest, LooksElevenLinesBeyondTheRun) {
     int32_t frame::PixelRect::*paperStart;  // where the paper's limit is set
     int32_t paper;
     int32_t frame::PixelRect::*lineOther;  // the other limit of the bright line
-    int32_t beyond;                     // a bright line here is not seen, ...
-    int32_t within;                     // ... one here is
+    int32_t beyond;                        // a bright line here is not seen, ...
+    int32_t within;                        // ... one here is
   };
   for (const Case& c : {Case{&frame::PixelRect::top, 100, &frame::PixelRect::bottom, 91, 92},
                         Case{&frame::PixelRect::bottom, 99, &frame::PixelRect::top, 108, 107},
@@ -81,8 +83,7 @@ TEST_P(FindContentBoundsTest, ACountBeyondTheImageBecomesAShareOfIt) {
   EXPECT_EQ(Find(image, 0, 101), (frame::PixelRect{30, 60, 0, 7}));
 }
 
-TEST_P(FindContentBoundsTest, TheFlagAsksForAShareOfTheLine) {
-  frame::settings.CropPixelFlag = 1;
+TEST_P(FindContentBoundsTest, TakesAShareOfTheLine) {
   const int32_t rowShare = GetParam() == 1 ? 40 : 30;  // of 100
   TestImage image(100, 210, GetParam());
   Fill(&image, {10, 9 + rowShare, 16, 16});
@@ -90,8 +91,7 @@ TEST_P(FindContentBoundsTest, TheFlagAsksForAShareOfTheLine) {
   // Of the 100 rows 20..119 a column takes 31.
   Fill(&image, {5, 5, 20, 49});
   Fill(&image, {7, 7, 20, 50});
-  EXPECT_EQ(Find(image, 0, 1), (frame::PixelRect{7, 10 + rowShare, 20, 119}));
-  frame::settings.CropPixelFlag = 2;
+  EXPECT_EQ(Find(image, 0, 1, true), (frame::PixelRect{7, 10 + rowShare, 20, 119}));
   EXPECT_EQ(Find(image, 0, 1).top, 16);
 }
 
@@ -101,16 +101,17 @@ TEST_P(FindContentBoundsTest, LooksForColumnsInTheGivenRows) {
   Fill(&image, {30, 49, 10, 39});
   frame::PixelRect bounds{-1, -1, 10, 49};
   const ContentSearch search{0, 5, 100, kSearchColumns};
-  ASSERT_EQ(FindContentBounds(image.rec(), search, &bounds), STATUS_OK);
+  ASSERT_EQ(FindContentBounds(*image.rec(), search, &bounds), STATUS_OK);
   EXPECT_EQ(bounds, (frame::PixelRect{30, 49, 10, 49}));
 
   for (const frame::PixelRect& refused :
-       {frame::PixelRect{0, 0, -1, 40}, frame::PixelRect{0, 0, 0, -1}, frame::PixelRect{0, 0, 0, 50}}) {
+       {frame::PixelRect{0, 0, -1, 40}, frame::PixelRect{0, 0, 0, -1},
+        frame::PixelRect{0, 0, 0, 50}}) {
     bounds = refused;
-    EXPECT_EQ(FindContentBounds(image.rec(), search, &bounds), BAD_ARGUMENT);
+    EXPECT_EQ(FindContentBounds(*image.rec(), search, &bounds), BAD_ARGUMENT);
   }
   bounds = {0, 0, INT32_MAX, 40};  // no row at all
-  EXPECT_EQ(FindContentBounds(image.rec(), search, &bounds), STATUS_OK);
+  EXPECT_EQ(FindContentBounds(*image.rec(), search, &bounds), STATUS_OK);
   EXPECT_EQ(bounds, (frame::PixelRect{0, 99, INT32_MAX, 40}));
 }
 
@@ -119,9 +120,9 @@ TEST_P(FindContentBoundsTest, ABitColumnEndsAboveTheLastRow) {
   TestImage image(100, 20, GetParam());
   Fill(&image, {40, 59, 14, 19});
   frame::PixelRect bounds{0, 0, 0, 19};
-  ASSERT_EQ(FindContentBounds(image.rec(), {0, 5, 100, kSearchColumns}, &bounds), STATUS_OK);
+  ASSERT_EQ(FindContentBounds(*image.rec(), {0, 5, 100, kSearchColumns}, &bounds), STATUS_OK);
   EXPECT_EQ(bounds.left, GetParam() == 1 ? 0 : 40);
-  ASSERT_EQ(FindContentBounds(image.rec(), {0, 4, 100, kSearchColumns}, &bounds), STATUS_OK);
+  ASSERT_EQ(FindContentBounds(*image.rec(), {0, 4, 100, kSearchColumns}, &bounds), STATUS_OK);
   EXPECT_EQ(bounds.left, 40);
 }
 

@@ -47,9 +47,8 @@ TEST_F(CopyImageRegionTest, RefusesWhatLiesOutsideAndPassesTheImageLibrarysCodeO
   const TestImage image(10, 8, 8);
   ImageRec out{};
   for (const frame::PixelRect& region :
-       {Rect(-1, 0, 2, 2), Rect(0, -1, 2, 2), Rect(0, 0, 2, -1),
-        Rect(1, 0, 10, 8), Rect(0, 1, 10, 8), Rect(5, 5, INT32_MAX, 1),
-        Rect(5, 5, 1, INT32_MAX), Rect(3, 3, 0, 2)}) {
+       {Rect(-1, 0, 2, 2), Rect(0, -1, 2, 2), Rect(0, 0, 2, -1), Rect(1, 0, 10, 8),
+        Rect(0, 1, 10, 8), Rect(5, 5, INT32_MAX, 1), Rect(5, 5, 1, INT32_MAX), Rect(3, 3, 0, 2)}) {
     EXPECT_EQ(CopyImageRegion(image.rec(), &out, region), BAD_ARGUMENT);
   }
   imgbuf_.FailNew(0, 77);
@@ -60,8 +59,6 @@ TEST_F(CopyImageRegionTest, RefusesWhatLiesOutsideAndPassesTheImageLibrarysCodeO
 
 class RotateImageRegionTest : public DeskewTest {
  protected:
-  RotateImageRegionTest() { frame::settings.ImageNum = 1; }
-
   int32_t Rotate(const TestImage& image, const frame::PixelRect& region, double degrees,
                  int32_t interpolation = INTERP_NEAREST) {
     turned_.Release();
@@ -114,9 +111,9 @@ TEST_F(RotateImageRegionTest, TurnsAboutTheRegionsCentre) {
 TEST_F(RotateImageRegionTest, RefusesWhatItCannotTurn) {
   const TestImage image(20, 20, 8);
   for (const frame::PixelRect& region :
-       {Rect(0, 5, 10, 1), Rect(0, 0, 0, 10), Rect(-1, 0, 10, 10),
-        Rect(0, -1, 10, 10), Rect(0, 15, 10, 6), Rect(25, 0, 10, 10),
-        Rect(0, 5, 10, INT32_MAX), Rect(5, 0, INT32_MAX, 10)}) {
+       {Rect(0, 5, 10, 1), Rect(0, 0, 0, 10), Rect(-1, 0, 10, 10), Rect(0, -1, 10, 10),
+        Rect(0, 15, 10, 6), Rect(25, 0, 10, 10), Rect(0, 5, 10, INT32_MAX),
+        Rect(5, 0, INT32_MAX, 10)}) {
     EXPECT_EQ(Rotate(image, region, 1.0), BAD_ARGUMENT);
   }
 }

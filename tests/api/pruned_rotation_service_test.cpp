@@ -3,8 +3,7 @@
 #include <tuple>
 #include <vector>
 
-#include "deskew/deskew_fixture.h"
-#include "deskew/page_records.h"
+#include "api/service_fixture.h"
 #include "deskew/pruned_rotation.h"
 #include "frame/scratch.h"
 
@@ -13,13 +12,14 @@ namespace vorlanepic::testing {
 using namespace deskew;
 namespace {
 
-class VorlaneEntryTest : public DeskewTest {
+class PrunedRotationServiceTest : public ServiceTest {
  protected:
   // What the driver makes of the same page with the given filling; settings as the call left them.
   void RunDriver(const TestImage& page, int32_t mode, int32_t threshold, const uint8_t* fill) {
-    frame::settings.ExtremeAnchorFlag = 0.0;
-    ASSERT_EQ(RunPrunedRotation(std::span(page.rec(), 1), {mode, threshold, 0, 0, fill}, &angle_,
-                                std::span(expected_.rec(), 1)),
+    deskew::PageRecords records;
+    ASSERT_EQ(deskew::RunPrunedRotation(api::settings, std::span(page.rec(), 1),
+                                        {mode, threshold, 0, 0, fill}, &angle_,
+                                        std::span(expected_.rec(), 1), &records),
               STATUS_OK);
   }
 
@@ -35,7 +35,7 @@ class VorlaneEntryTest : public DeskewTest {
   int32_t height_ = 500;
 };
 
-TEST_F(VorlaneEntryTest, WritesTheStraightPageOverTheCallersBuffer) {
+TEST_F(PrunedRotationServiceTest, WritesTheStraightPageOverTheCallersBuffer) {
   constexpr uint8_t kBlue[3] = {255, 0, 0};
   for (const int32_t depth : {1, 8, 24}) {
     const TestImage page = DrawPage({.bitsPerPixel = depth, .degrees = 5});
@@ -54,7 +54,7 @@ TEST_F(VorlaneEntryTest, WritesTheStraightPageOverTheCallersBuffer) {
   }
 }
 
-TEST_F(VorlaneEntryTest, AFailedRunLeavesTheBufferAlone) {
+TEST_F(PrunedRotationServiceTest, AFailedRunLeavesTheBufferAlone) {
   const TestImage blank(400, 500, 8);
   const TestImage page = DrawPage({});
   const auto expectFailure = [&](const TestImage& image) {
@@ -73,7 +73,7 @@ TEST_F(VorlaneEntryTest, AFailedRunLeavesTheBufferAlone) {
   }
 }
 
-TEST_F(VorlaneEntryTest, GivesTheStraightPageAndItsAngle) {
+TEST_F(PrunedRotationServiceTest, GivesTheStraightPageAndItsAngle) {
   const TestImage page = DrawPage({.bitsPerPixel = 24, .degrees = -7});
   frame::ScratchImage result;
   frame::ScratchImage again;
@@ -86,49 +86,36 @@ TEST_F(VorlaneEntryTest, GivesTheStraightPageAndItsAngle) {
   EXPECT_TRUE(SamePixels(*again.rec(), *expected_.rec()));
 }
 
-// A light background of 120: with the band about it the background itself is what is found, with
-// the threshold alone the page and the background are one.
-TEST_F(VorlaneEntryTest, BackgroundChoosesTheBandOfLevels) {
-  PageRecords records;
-  frame::settings.pageRecords = &records;
-  const TestImage page = DrawPage({.background = 120});
-  frame::ScratchImage result;
-  ImageVorlaneEx(page.rec(), INTERP_NEAREST, 225, 255, &angle_, result.rec());
-  EXPECT_EQ(records.stage, PageStage::kTurned);
-  EXPECT_EQ(records.levels.low, 216);
-  EXPECT_EQ(records.levels.high, 234);
-}
-
-TEST_F(VorlaneEntryTest, AssignsItsSettingsWhenTheArgumentsPass) {
+TEST_F(PrunedRotationServiceTest, AssignsItsSettingsWhenTheArgumentsPass) {
   const TestImage blank(400, 500, 8);
   ImageRec result{};
-  frame::settings.ExtremeAnchorFlag = 1.0;
-  frame::settings.SegmentLen = 17;
+  api::settings.ExtremeAnchorFlag = 1.0;
+  api::settings.SegmentLen = 17;
   EXPECT_EQ(ImageVorlaneEx(blank.rec(), INTERP_NEAREST, 256, 0, &angle_, &result), BAD_ARGUMENT);
-  EXPECT_EQ(frame::settings.BorderMethod, 0);
-  EXPECT_EQ(frame::settings.ExtremeAnchorFlag, 1.0);
+  EXPECT_EQ(api::settings.BorderMethod, 0);
+  EXPECT_EQ(api::settings.ExtremeAnchorFlag, 1.0);
   EXPECT_EQ(ImageVorlaneEx(blank.rec(), INTERP_NEAREST, 0, 0, &angle_, &result), BORDER_NOT_FOUND);
   EXPECT_EQ(angle_, -1);
-  EXPECT_EQ(std::tie(frame::settings.BorderMethod, frame::settings.ExtremeAnchorFlag,
-                     frame::settings.SegmentLen),
+  EXPECT_EQ(std::tie(api::settings.BorderMethod, api::settings.ExtremeAnchorFlag,
+                     api::settings.SegmentLen),
             std::tuple(1, 0.0, 17));
-  EXPECT_EQ(std::tie(frame::settings.SegmentMaxGap, frame::settings.SegmentPointNum,
-                     frame::settings.SegmentMinPointNum),
+  EXPECT_EQ(std::tie(api::settings.SegmentMaxGap, api::settings.SegmentPointNum,
+                     api::settings.SegmentMinPointNum),
             std::tuple(6, 6, 4));
-  EXPECT_EQ(std::tie(frame::settings.SearchBorderPixelNum, frame::settings.parallel,
-                     frame::settings.perpendicular),
+  EXPECT_EQ(std::tie(api::settings.SearchBorderPixelNum, api::settings.parallel,
+                     api::settings.perpendicular),
             std::tuple(2, 3.5, 2.0));
 }
 
-TEST_F(VorlaneEntryTest, TheSimplerCallsCountOneImageEvenWhenRefused) {
-  frame::settings.ImageNum = 5;
+TEST_F(PrunedRotationServiceTest, TheSimplerCallsCountOneImageEvenWhenRefused) {
+  api::settings.ImageNum = 5;
   EXPECT_EQ(VorlanePic(nullptr, nullptr, nullptr, 8, INTERP_NEAREST, 0), 1);
-  EXPECT_EQ(frame::settings.ImageNum, 5);
+  EXPECT_EQ(api::settings.ImageNum, 5);
   EXPECT_EQ(VorlanePicEx(nullptr, nullptr, nullptr, 8, INTERP_NEAREST), 1);
-  EXPECT_EQ(frame::settings.ImageNum, 1);
-  frame::settings.ImageNum = 5;
+  EXPECT_EQ(api::settings.ImageNum, 1);
+  api::settings.ImageNum = 5;
   EXPECT_EQ(ImageVorlane(nullptr, INTERP_NEAREST, 0, 0, nullptr), BAD_ARGUMENT);
-  EXPECT_EQ(frame::settings.ImageNum, 1);
+  EXPECT_EQ(api::settings.ImageNum, 1);
 }
 
 }  // namespace

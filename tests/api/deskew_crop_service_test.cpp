@@ -1,17 +1,17 @@
 #include <algorithm>
 #include <cmath>
 
-#include "deskew/deskew_fixture.h"
-#include "deskew/page_records.h"
+#include "api/service_fixture.h"
 #include "support/dib_image.h"
 #include "support/failing_heap.h"
+#include "support/profile_file.h"
 
 namespace vorlanepic::testing {
 
 using namespace deskew;
 namespace {
 
-class DeskewEntryTest : public DeskewTest {
+class DeskewCropServiceTest : public ServiceTest {
  protected:
   int32_t RunEx(const ImageRec* images, const DeskewCropParam& param, ImageRec* out,
                 int32_t imageNum = 1) {
@@ -25,7 +25,7 @@ class DeskewEntryTest : public DeskewTest {
   }
 };
 
-TEST_F(DeskewEntryTest, EveryMethodStraightensThePage) {
+TEST_F(DeskewCropServiceTest, EveryMethodStraightensThePage) {
   for (const double degrees : {-12.0, -3.0, 0.0, 5.0}) {
     const TestImage page = DrawPage({.degrees = degrees});
     for (const int32_t method : {1, 2, 3, 7}) {
@@ -41,23 +41,23 @@ TEST_F(DeskewEntryTest, EveryMethodStraightensThePage) {
   }
 }
 
-TEST_F(DeskewEntryTest, ACountOutOfRangeLeavesTheSettingsAndASettingOutOfRangeIsLeft) {
+TEST_F(DeskewCropServiceTest, ACountOutOfRangeLeavesTheSettingsAndASettingOutOfRangeIsLeft) {
   const TestImage page = DrawPage({});
   ImageRec out{};
   DeskewCropParam param = kParam;
   param.SegmentLen = 51;
-  frame::settings.ImageNum = 7;
+  api::settings.ImageNum = 7;
   EXPECT_EQ(RunEx(page.rec(), param, &out, 0), BAD_ARGUMENT);
-  EXPECT_EQ(frame::settings.SegmentLen, 0);
-  EXPECT_EQ(frame::settings.ImageNum, 7);
+  EXPECT_EQ(api::settings.SegmentLen, 0);
+  EXPECT_EQ(api::settings.ImageNum, 7);
   EXPECT_EQ(RunEx(page.rec(), param, &out, 4), BAD_ARGUMENT);
-  EXPECT_EQ(frame::settings.ImageNum, 4);
-  EXPECT_EQ(frame::settings.SegmentLen, 51);
+  EXPECT_EQ(api::settings.ImageNum, 4);
+  EXPECT_EQ(api::settings.SegmentLen, 51);
 }
 
 // A page of which no row has more than 85 light pixels is none for method 1. Method 2 asks for two
 // pixels a row, but for 85 after a call of method 1.
-TEST_F(DeskewEntryTest, MethodTwoSeesTheBorderMethodOfTheCallBefore) {
+TEST_F(DeskewCropServiceTest, MethodTwoSeesTheBorderMethodOfTheCallBefore) {
   const TestImage strip = DrawPage({.pageWidth = 80, .pageHeight = 300});
   ImageRec out{};
   ASSERT_EQ(RunEx(strip.rec(), ForMethod(2), &out), STATUS_OK);
@@ -70,7 +70,7 @@ TEST_F(DeskewEntryTest, MethodTwoSeesTheBorderMethodOfTheCallBefore) {
   Imgbuf_Destory(&out);
 }
 
-TEST_F(DeskewEntryTest, TurnsSetsByTheirFirstImage) {
+TEST_F(DeskewCropServiceTest, TurnsSetsByTheirFirstImage) {
   const TestImage first = DrawPage({.degrees = 3});
   const TestImage second = DrawPage({.degrees = -8});
   const TestImage colour = DrawPage({.bitsPerPixel = 24, .degrees = -8});
@@ -79,7 +79,7 @@ TEST_F(DeskewEntryTest, TurnsSetsByTheirFirstImage) {
     const size_t count = method == 2 ? 3 : 2;  // depths are mixed by method 2 only
     ImageRec out[3] = {};
     ASSERT_EQ(RunEx(images, ForMethod(method), out, static_cast<int32_t>(count)), STATUS_OK);
-    EXPECT_EQ(frame::settings.ImageNum, method == 2 ? 1 : 2);
+    EXPECT_EQ(api::settings.ImageNum, method == 2 ? 1 : 2);
     for (size_t i = 0; i < count; ++i) {
       EXPECT_EQ(out[i].bitsPerPixel, images[i].bitsPerPixel);
       EXPECT_EQ(out[i].width, out[0].width);
@@ -89,7 +89,7 @@ TEST_F(DeskewEntryTest, TurnsSetsByTheirFirstImage) {
   }
 }
 
-TEST_F(DeskewEntryTest, GivesTheRowsThatTheRecordsGive) {
+TEST_F(DeskewCropServiceTest, GivesTheRowsThatTheRecordsGive) {
   for (const int32_t depth : {1, 8, 24}) {
     const TestImage page = DrawPage({.bitsPerPixel = depth, .degrees = -4, .text = true});
     const TestDib dib(page);
@@ -111,12 +111,12 @@ TEST_F(DeskewEntryTest, GivesTheRowsThatTheRecordsGive) {
   EXPECT_EQ(imgbuf_.aliveImages(), 0);
 }
 
-TEST_F(DeskewEntryTest, PassesTheImageLibrarysCodesOn) {
+TEST_F(DeskewCropServiceTest, PassesTheImageLibrarysCodesOn) {
   const TestDib dib(DrawPage({.degrees = 3}));
   DibRec out{};
   imgbuf_.FailDibCheck(0, 61);
   EXPECT_EQ(RunDib(dib.rec(), kParam, &out), 61);
-  EXPECT_EQ(frame::settings.ImageNum, 0);
+  EXPECT_EQ(api::settings.ImageNum, 0);
   imgbuf_.FailDibNew(0, 62);
   EXPECT_EQ(RunDib(dib.rec(), kParam, &out), 62);
   imgbuf_.FailNew(1, 63);
@@ -129,7 +129,7 @@ TEST_F(DeskewEntryTest, PassesTheImageLibrarysCodesOn) {
 }
 
 // The first image is measured; the second is never read.
-TEST_F(DeskewEntryTest, ALaterImageThatCannotBeUsedFailsTheSet) {
+TEST_F(DeskewCropServiceTest, ALaterImageThatCannotBeUsedFailsTheSet) {
   const TestDib first(DrawPage({.degrees = 3}));
   for (const int32_t method : {1, 2}) {
     for (int32_t spoil = 0; spoil < 3; ++spoil) {
@@ -145,7 +145,29 @@ TEST_F(DeskewEntryTest, ALaterImageThatCannotBeUsedFailsTheSet) {
   }
 }
 
-TEST_F(DeskewEntryTest, ReleasesEverythingWhenTheHeapIsExhausted) {
+// The flag of a profile is 0 for the search in the source and asked for again in the turned image.
+TEST_F(DeskewCropServiceTest, LeavesTheFlagAtZeroUntilTheFirstTurn) {
+  const ProfileOnDisk profile("[ImageDeskew2]\nCropPixelFlag=1\n");
+  const ProfileOnDisk longChunks("[ImageDeskew2]\nCropPixelFlag=1\nSegmentLen=50\n");
+  const TestImage page = DrawPage({.degrees = 4});
+  const auto expectFlag = [&](const ProfileOnDisk& file, int32_t status, int32_t flag) {
+    DeskewCropParam param = kParam;
+    param.useProfile = 1;
+    param.profilePath = file.path();
+    ImageRec out{};
+    EXPECT_EQ(RunEx(page.rec(), param, &out), status);
+    EXPECT_EQ(api::settings.CropPixelFlag, flag);
+    if (out.pixels != nullptr) Imgbuf_Destory(&out);
+  };
+  expectFlag(profile, STATUS_OK, 1);
+  imgbuf_.FailNew(0, 9);  // the turned image
+  expectFlag(profile, 9, 0);
+  imgbuf_.FailNew(1, 9);  // the cut image
+  expectFlag(profile, 9, 1);
+  expectFlag(longChunks, ANGLE_NOT_FOUND, 1);  // a vote without an angle comes before the search
+}
+
+TEST_F(DeskewCropServiceTest, ReleasesEverythingWhenTheHeapIsExhausted) {
   const TestDib dib(DrawPage({.degrees = 3}));
   for (const int32_t method : {1, 2}) {
     DibRec out{};
@@ -168,26 +190,18 @@ TEST_F(DeskewEntryTest, ReleasesEverythingWhenTheHeapIsExhausted) {
   }
 }
 
-TEST_F(DeskewEntryTest, TheAngleAloneMakesNoImageAndLeavesTheServiceAsItWas) {
+TEST_F(DeskewCropServiceTest, TheAngleAloneMakesNoImageAndLeavesTheServiceAsItWas) {
   const TestDib dib(DrawPage({.degrees = 6}));
   const TestDib dark(TestImage(100, 100, 8));
   for (const int32_t method : {1, 2}) {
     ASSERT_EQ(ImageDeskewAngle(dib.rec(), 120, &angle_, ForMethod(method)), STATUS_OK);
     // Upside down in memory, the page is turned the other way.
     EXPECT_NEAR(method == 1 ? angle_ * 57.29578 : angle_, 6.0, 0.3);
-    EXPECT_EQ(frame::settings.AngleOnlyFlag, 0);
+    EXPECT_EQ(api::settings.AngleOnlyFlag, 0);
     EXPECT_EQ(ImageDeskewAngle(dark.rec(), 120, &angle_, ForMethod(method)), BORDER_NOT_FOUND);
-    EXPECT_EQ(frame::settings.AngleOnlyFlag, 0);
+    EXPECT_EQ(api::settings.AngleOnlyFlag, 0);
   }
   EXPECT_EQ(imgbuf_.newCalls(), 0);
-}
-
-TEST_F(DeskewEntryTest, NothingOfAnEarlierCallIsLeftInTheHostsRecords) {
-  PageRecords records;
-  records.stage = PageStage::kCropped;
-  frame::settings.pageRecords = &records;
-  EXPECT_EQ(RunDib(nullptr, kParam, nullptr), BAD_ARGUMENT);
-  EXPECT_EQ(records.stage, PageStage::kNothing);
 }
 
 }  // namespace

@@ -1,5 +1,4 @@
-#include "deskew/deskew_fixture.h"
-#include "deskew/page_records.h"
+#include "api/service_fixture.h"
 #include "support/dib_image.h"
 #include "support/failing_heap.h"
 #include "support/profile_file.h"
@@ -24,7 +23,7 @@ DrawnBarSheet Sheet(double degrees, int32_t depth = 8) {
           .barY = -150};
 }
 
-class ImageDeskewCropWithLineTest : public DeskewTest {
+class ImageDeskewCropWithLineTest : public ServiceTest {
  protected:
   int32_t Run(const DibRec* images, DibRec* out, const DeskewCropParam& param = kParam,
               int32_t imageNum = 1) {
@@ -92,12 +91,12 @@ TEST_F(ImageDeskewCropWithLineTest, TakesItsLimitsFromTheProfile) {
   DibRec out{};
   EXPECT_EQ(Run(dib.rec(), &out, param), -1);
   param.profilePath = "no/such/file.ini";  // 500 by default
-  frame::settings.CropPixelFlag = 1;
+  api::settings.CropPixelFlag = 1;
   EXPECT_EQ(Run(dib.rec(), &out, param), STATUS_OK);
   ImgbufDestory(&out);
-  EXPECT_EQ(frame::settings.CropPixelNum, 200);
-  EXPECT_EQ(frame::settings.CropPixelFlag, 1);
-  EXPECT_EQ(frame::settings.ImageNum, 1);
+  EXPECT_EQ(api::settings.CropPixelNum, 200);
+  EXPECT_EQ(api::settings.CropPixelFlag, 1);
+  EXPECT_EQ(api::settings.ImageNum, 1);
 }
 
 TEST_F(ImageDeskewCropWithLineTest, TurnsASetByTheFirstOnesBar) {
@@ -112,17 +111,14 @@ TEST_F(ImageDeskewCropWithLineTest, TurnsASetByTheFirstOnesBar) {
   EXPECT_EQ(imgbuf_.aliveImages(), 0);
 }
 
-TEST_F(ImageDeskewCropWithLineTest, StopsAfterTheAngleWhenToldToAndLeavesRecords) {
-  PageRecords records;
-  frame::settings.pageRecords = &records;
+TEST_F(ImageDeskewCropWithLineTest, StopsAfterTheAngleWhenToldTo) {
   const TestDib dib(DrawBarSheet(Sheet(2)));
-  frame::settings.AngleOnlyFlag = 1;
-  frame::settings.ImageNum = 5;
+  api::settings.AngleOnlyFlag = 1;
+  api::settings.ImageNum = 5;
   EXPECT_EQ(Run(dib.rec(), nullptr), STATUS_OK);
   EXPECT_NEAR(angle_, 2.0, 0.1);
-  EXPECT_EQ(records.degrees, angle_);
   EXPECT_EQ(imgbuf_.newCalls(), 0);
-  EXPECT_EQ(frame::settings.ImageNum, 5);
+  EXPECT_EQ(api::settings.ImageNum, 5);
 }
 
 TEST_F(ImageDeskewCropWithLineTest, ReportsWhatFailed) {
