@@ -26,6 +26,17 @@ vorlanepic::frame::Settings ScanSettings() {
   return settings;
 }
 
+// The walk from the bottom looks at every second row: where the row below the one it stopped at is
+// light too, the border lies there.
+void MoveDownByOne(const PageLevels& page, uint8_t threshold,
+                   vorlanepic::analysis::SideTrace* bottom) {
+  const auto count = static_cast<size_t>(bottom->pointCount);
+  for (auto& point : bottom->points.span().first(count)) {
+    const int32_t below = point.y + 1;
+    if (below < page.height() && page.Row(below)[point.x] >= threshold) point.y = below;
+  }
+}
+
 }  // namespace
 
 int32_t TraceBorders(const PageLevels& page, uint8_t threshold,
@@ -41,8 +52,10 @@ int32_t TraceBorders(const PageLevels& page, uint8_t threshold,
   status = vorlanepic::analysis::ScanRows(settings, image, band, levels, &traces->left,
                                           &traces->right, &extremes);
   if (status != STATUS_OK) return status;
-  return vorlanepic::analysis::ScanColumns(settings, image, band, levels, &traces->top,
-                                           &traces->bottom, &extremes);
+  status = vorlanepic::analysis::ScanColumns(settings, image, band, levels, &traces->top,
+                                             &traces->bottom, &extremes);
+  if (status == STATUS_OK) MoveDownByOne(page, threshold, &traces->bottom);
+  return status;
 }
 
 int32_t LetBordersVote(const vorlanepic::analysis::BorderTraces& traces, double* degrees) {

@@ -230,7 +230,9 @@ class Cutter {
 
   uint8_t Threshold() const { return sides_.thresholds.levels[group_->threshold]; }
 
-  bool RunsOff(Side side) const { return sides_.SidesOf(*group_)[Index(side)].onFrame >= kOnFrame; }
+  bool RunsOff(Side side) const {
+    return isBar_[Index(side)] || sides_.SidesOf(*group_)[Index(side)].onFrame >= kOnFrame;
+  }
 
   bool HasNeighbour(Side side) const {
     return lines_[(Index(side) + 1) % kSides] || lines_[(Index(side) + 3) % kSides];

@@ -40,6 +40,7 @@ constexpr double kWhollyOnFrame = 0.9;
 constexpr double kSharpContrast = 30.0;
 constexpr double kSteepConfidence = 6.0;
 constexpr double kLoneConfidence = 5.0;
+constexpr double kHintConfidence = 1.3;
 
 class Judge {
  public:
@@ -245,10 +246,7 @@ class Judge {
       case 2:
         return DecideTwoSides(best);
       default:
-        return ByGroup(
-            best,
-            WeakPrintAgrees(best, kWeakSideAgreeing) ? Confidence::kLikely : Confidence::kDoubtful,
-            {Reason::kFewSides, 1.0});
+        return DecideOneSide(best);
     }
   }
 
@@ -289,19 +287,30 @@ class Judge {
         best.HasBothDirections() && (WeakPrintAgrees(best, kWeakAgreeing) || SidesSeen(best) == 2);
     const bool isStrip = best.HasOpposites() && best.spread <= kParallel &&
                          best.straight >= kExactShare && OthersRunOff(best, kOnFrame);
-    const bool isLikely = isCorner || isStrip;
+    const bool isConfirmed = best.HasOpposites() && WeakPrintAgrees(best, kWeakSideAgreeing);
+    const bool isLikely = isCorner || isStrip || isConfirmed;
     return ByGroup(best, isLikely ? Confidence::kLikely : Confidence::kDoubtful,
                    {isLikely ? Reason::kSidesAgree : Reason::kFewSides, 2.0});
   }
 
-  // A whole, sharp side of a page that runs off the picture everywhere else.
+  // The one side of a group of one.
+  const evidence::SideLine& LineOf(const SideGroup& group) const {
+    const auto side = std::ranges::find_if(evidence::kAllSides,
+                                           [&](Side candidate) { return group.Has(candidate); });
+    return sides_.SidesOf(group)[static_cast<size_t>(*side)];
+  }
+
+  // A whole, sharp side that nothing contradicts: of a page that runs off the picture everywhere
+  // else, or of one whose print, too weak to be believed by itself, lies alike.
   bool IsLoneEdge(const SideGroup& best) const {
-    const evidence::SideSet& set = sides_.SidesOf(best);
-    const auto line =
-        std::ranges::find_if(evidence::kAllSides, [&](Side side) { return best.Has(side); });
-    const evidence::SideLine& side = set[static_cast<size_t>(*line)];
-    return !best.isRim && side.straight >= kWholeShare && side.filled >= kWholeShare &&
-           side.contrast >= kSharpContrast && OthersRunOff(best, kWhollyOnFrame);
+    const evidence::SideLine& line = LineOf(best);
+    if (best.isRim || line.straight < kWholeShare || line.filled < kWholeShare ||
+        line.contrast < kSharpContrast) {
+      return false;
+    }
+    const bool isHinted = print_.whole.confidence >= kHintConfidence &&
+                          OffPrint(best) <= kWeakSideAgreeing && SidesSeen(best) == 1;
+    return isHinted || OthersRunOff(best, kWhollyOnFrame);
   }
 
   Decision DecideOneSide(const SideGroup& best) const {
