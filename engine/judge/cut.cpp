@@ -115,17 +115,16 @@ class Cutter {
         if (IsClosed(side, region)) beyond = 0.0;
         continue;
       }
+      const bool runsOff = RunsOff(side);
       const double gap = GapBeyond(side, region);
       if (std::isfinite(gap)) {
         beyond = gap;
-        ++cut->sidesUnseen;
-      } else if (RunsOff(side)) {
-        ++cut->sidesOffFrame;
+      } else if (runsOff || !HasNeighbour(side)) {
+        // Nothing tells where the page ends before the picture does.
         beyond = 2.0 * page_.size();
         cut->isBelieved = cut->isBelieved && NeighboursReachFrame(side);
-      } else {
-        ++cut->sidesUnseen;
       }
+      ++(std::isfinite(gap) || !runsOff ? cut->sidesUnseen : cut->sidesOffFrame);
     }
     cut->rect = Bound(region, outwards, cut);
     cut->inkOutside = InkOutside(ink, cut->rect);
