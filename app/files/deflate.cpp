@@ -24,10 +24,8 @@ libdeflate_result Unpack(std::span<const uint8_t> packed, std::span<uint8_t> out
                                     out.size(), count);
 }
 
-}  // namespace
-
-void Inflate(std::span<const uint8_t> packed, std::span<uint8_t> out) {
-  switch (Unpack(packed, out, nullptr)) {
+void ThrowUnlessWhole(libdeflate_result result) {
+  switch (result) {
     case LIBDEFLATE_SUCCESS:
       return;
     case LIBDEFLATE_SHORT_OUTPUT:
@@ -37,6 +35,23 @@ void Inflate(std::span<const uint8_t> packed, std::span<uint8_t> out) {
     default:
       throw DecodeError("its compressed data is damaged");
   }
+}
+
+}  // namespace
+
+void Inflate(std::span<const uint8_t> packed, std::span<uint8_t> out) {
+  ThrowUnlessWhole(Unpack(packed, out, nullptr));
+}
+
+void InflateStrip(std::span<const uint8_t> packed, std::span<uint8_t> out, size_t whole) {
+  const libdeflate_result result = Unpack(packed, out, nullptr);
+  if (result != LIBDEFLATE_INSUFFICIENT_SPACE || whole <= out.size()) {
+    ThrowUnlessWhole(result);
+    return;
+  }
+  std::vector<uint8_t> filled(whole);
+  Inflate(packed, filled);
+  std::copy_n(filled.begin(), out.size(), out.begin());
 }
 
 std::vector<uint8_t> InflateText(std::span<const uint8_t> packed, size_t most) {

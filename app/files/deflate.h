@@ -11,6 +11,10 @@ namespace vorlane::files {
 // another number of bytes.
 void Inflate(std::span<const uint8_t> packed, std::span<uint8_t> out);
 
+// The same for a strip of rows, where a writer may have filled up its last strip to `whole` bytes:
+// those behind the rows are left out.
+void InflateStrip(std::span<const uint8_t> packed, std::span<uint8_t> out, size_t whole);
+
 // Unpacks a stream of unknown length, up to `most` bytes; empty when it is damaged or longer.
 std::vector<uint8_t> InflateText(std::span<const uint8_t> packed, size_t most);
 

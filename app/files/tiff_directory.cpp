@@ -160,7 +160,11 @@ class DirectoryReader {
     } else if (source_.ReadAt(OffsetAt(value, header_), entry.data) < entry.data.size()) {
       return std::nullopt;
     }
-    if (header_.isSwapped) SwapUnits(entry.data.data(), entry.data.size(), sizes.unit);
+    // Writers call IPTC data longs, but it is a row of bytes.
+    constexpr uint16_t kIptc = 33723;
+    if (header_.isSwapped && entry.tag != kIptc) {
+      SwapUnits(entry.data.data(), entry.data.size(), sizes.unit);
+    }
     if (PointsToDirectory(entry.tag) && !ReadBelow(&entry, depth)) return std::nullopt;
     return entry;
   }

@@ -72,17 +72,6 @@ TiffPtr OpenForWriting(MemoryFile* file, TiffMessages* messages) {
   return tiff;
 }
 
-bool IsFax(uint16_t compression) {
-  return compression == COMPRESSION_CCITTRLE || compression == COMPRESSION_CCITTFAX3 ||
-         compression == COMPRESSION_CCITTFAX4 || compression == COMPRESSION_CCITTRLEW;
-}
-
-bool HasPredictor(uint16_t compression) {
-  return compression == COMPRESSION_LZW || compression == COMPRESSION_ADOBE_DEFLATE ||
-         compression == COMPRESSION_DEFLATE || compression == COMPRESSION_LZMA ||
-         compression == COMPRESSION_ZSTD;
-}
-
 // How the new page is stored.
 struct TiffPlan {
   uint16_t compression = COMPRESSION_NONE;

@@ -41,6 +41,17 @@ TIFFOpenOptions* MessageOptions(TiffMessages* messages) {
   return options;
 }
 
+bool HasPredictor(uint16_t compression) {
+  return compression == COMPRESSION_LZW || compression == COMPRESSION_ADOBE_DEFLATE ||
+         compression == COMPRESSION_DEFLATE || compression == COMPRESSION_LZMA ||
+         compression == COMPRESSION_ZSTD;
+}
+
+bool IsFax(uint16_t compression) {
+  return compression == COMPRESSION_CCITTRLE || compression == COMPRESSION_CCITTFAX3 ||
+         compression == COMPRESSION_CCITTFAX4 || compression == COMPRESSION_CCITTRLEW;
+}
+
 std::string FirstError(const TiffMessages& messages) {
   return messages.errors.empty() ? "the TIFF library gives no reason" : messages.errors[0];
 }

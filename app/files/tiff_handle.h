@@ -47,6 +47,12 @@ class TiffHandle {
 // Options that send a handle's messages to `messages`; freed by the caller.
 TIFFOpenOptions* MessageOptions(TiffMessages* messages);
 
+// Whether pages of a compression scheme may be stored as differences.
+bool HasPredictor(uint16_t compression);
+
+// Whether it is one of the fax schemes.
+bool IsFax(uint16_t compression);
+
 // The first error, as words for people.
 std::string FirstError(const TiffMessages& messages);
 

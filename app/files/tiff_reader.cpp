@@ -5,8 +5,11 @@
 #include <memory>
 #include <optional>
 
+#include "app/files/deflate.h"
+#include "app/files/fax_strip.h"
 #include "app/files/jpeg_tables.h"
 #include "app/files/page_image.h"
+#include "app/files/predictor.h"
 #include "app/files/row_converter.h"
 #include "app/files/strip_checks.h"
 #include "app/files/tiff_handle.h"
@@ -14,6 +17,9 @@
 
 namespace vorlane::files {
 namespace {
+
+// Below, opening each strip by itself would cost more than decoding it.
+constexpr uint32_t kFewestFaxRows = 16;
 
 // What the tags say about the pixels.
 struct TiffShape {
@@ -27,6 +33,9 @@ struct TiffShape {
   uint16_t planes = PLANARCONFIG_CONTIG;
   uint16_t orientation = ORIENTATION_TOPLEFT;
   uint16_t fillOrder = FILLORDER_MSB2LSB;
+  uint16_t predictor = PREDICTOR_NONE;
+  uint32_t faxOptions = 0;
+  bool isSwapped = false;  // against this machine's byte order
   bool isTiled = false;
   uint32_t blockWidth = 0;  // of a strip or tile
   uint32_t blockHeight = 0;
@@ -41,9 +50,7 @@ T TagOf(TIFF* tiff, uint32_t tag, T otherwise) {
 // A file that does not say how its greys run: fax pages are white where they are 0.
 uint16_t GuessedPhotometric(const TiffShape& shape) {
   if (shape.samples >= 3) return PHOTOMETRIC_RGB;
-  const bool isFax =
-      shape.compression >= COMPRESSION_CCITTRLE && shape.compression <= COMPRESSION_CCITTFAX4;
-  return isFax ? PHOTOMETRIC_MINISWHITE : PHOTOMETRIC_MINISBLACK;
+  return IsFax(shape.compression) ? PHOTOMETRIC_MINISWHITE : PHOTOMETRIC_MINISBLACK;
 }
 
 TiffShape ShapeOf(TIFF* tiff) {
@@ -60,6 +67,13 @@ TiffShape ShapeOf(TIFF* tiff) {
   if (TIFFGetField(tiff, TIFFTAG_PHOTOMETRIC, &shape.photometric) != 1) {
     shape.photometric = GuessedPhotometric(shape);
   }
+  if (HasPredictor(shape.compression)) {
+    shape.predictor = TagOf<uint16_t>(tiff, TIFFTAG_PREDICTOR, PREDICTOR_NONE);
+  }
+  if (shape.compression == COMPRESSION_CCITTFAX3) {
+    shape.faxOptions = TagOf<uint32_t>(tiff, TIFFTAG_GROUP3OPTIONS, 0);
+  }
+  shape.isSwapped = TIFFIsByteSwapped(tiff) != 0;
   shape.isTiled = TIFFIsTiled(tiff) != 0;
   if (shape.isTiled) {
     shape.blockWidth = TagOf<uint32_t>(tiff, TIFFTAG_TILEWIDTH, 0);
@@ -243,6 +257,14 @@ class BlockReader {
   }
 
   void ReadBlock(uint32_t index, std::span<uint8_t> to, uint32_t rows) {
+    if (IsUnpackedHere()) {
+      UnpackBlock(index, to, rows);
+      return;
+    }
+    if (IsFax(shape_.compression) && rows >= kFewestFaxRows && !shape_.isTiled) {
+      DecodeFax(index, to, rows);
+      return;
+    }
     CheckEnd(index, to.size(), rows);
     const auto wanted = static_cast<tmsize_t>(to.size());
     messages_->warningsAreErrors = true;
@@ -253,15 +275,60 @@ class BlockReader {
     if (got != wanted) throw DecodeError(BlockName(index) + " is too short");
   }
 
+  // The TIFF library stops at the last pixel and does not compare the checksum behind it.
+  bool IsUnpackedHere() const {
+    const bool isDeflate = shape_.compression == COMPRESSION_ADOBE_DEFLATE ||
+                           shape_.compression == COMPRESSION_DEFLATE;
+    const bool isPlain = shape_.predictor == PREDICTOR_NONE ||
+                         (shape_.predictor == PREDICTOR_HORIZONTAL && shape_.bits >= 8);
+    return isDeflate && isPlain && shape_.fillOrder == FILLORDER_MSB2LSB;
+  }
+
+  void UnpackBlock(uint32_t index, std::span<uint8_t> to, uint32_t rows) {
+    ReadStored(index);
+    const size_t rowBytes = to.size() / rows;
+    try {
+      InflateStrip(stored_, to, rowBytes * shape_.blockHeight);
+    } catch (const DecodeError& error) {
+      throw DecodeError(BlockName(index) + ": " + error.what());
+    }
+    if (shape_.isSwapped && shape_.bits == 16) {
+      for (size_t i = 0; i + 1 < to.size(); i += 2) std::swap(to[i], to[i + 1]);
+    }
+    if (shape_.predictor == PREDICTOR_HORIZONTAL) {
+      UndoDifferences(to, rowBytes, PlaneCount() == 1 ? shape_.samples : 1, shape_.bits);
+    }
+  }
+
+  void DecodeFax(uint32_t index, std::span<uint8_t> to, uint32_t rows) {
+    ReadStored(index);
+    FaxStrip strip;
+    strip.stored = stored_;
+    strip.width = shape_.width;
+    strip.rows = rows;
+    strip.compression = shape_.compression;
+    strip.options = shape_.faxOptions;
+    strip.fillOrder = shape_.fillOrder;
+    try {
+      DecodeFaxStrip(strip, to);
+    } catch (const DecodeError& error) {
+      throw DecodeError(BlockName(index) + ": " + error.what());
+    }
+  }
+
+  void ReadStored(uint32_t index) {
+    stored_.resize(static_cast<size_t>(TIFFGetStrileByteCount(tiff_, index)));
+    if (source_.ReadAt(TIFFGetStrileOffset(tiff_, index), stored_) < stored_.size()) {
+      throw DecodeError(BlockName(index) + " was cut short");
+    }
+  }
+
   // Schemes without a checksum whose decoder does not look whether it came to the end.
   void CheckEnd(uint32_t index, uint64_t expected, uint32_t rows) {
     const bool isLzw = shape_.compression == COMPRESSION_LZW;
     if (!isLzw && shape_.compression != COMPRESSION_PACKBITS) return;
     if (shape_.fillOrder != FILLORDER_MSB2LSB) return;
-    stored_.resize(static_cast<size_t>(TIFFGetStrileByteCount(tiff_, index)));
-    if (source_.ReadAt(TIFFGetStrileOffset(tiff_, index), stored_) < stored_.size()) {
-      throw DecodeError(BlockName(index) + " was cut short");
-    }
+    ReadStored(index);
     const uint64_t whole = expected / rows * shape_.blockHeight;
     const bool isRight = isLzw ? LzwStripEndsRight(stored_, expected, whole)
                                : PackBitsStripEndsRight(stored_, expected, whole);
@@ -348,13 +415,8 @@ void FillCoding(TIFF* tiff, const TiffShape& shape, const TiffHeader& header, Pa
   } else {
     coding->tiff.rowsPerStrip = shape.blockHeight;
   }
-  const bool hasPredictor = shape.compression == COMPRESSION_LZW ||
-                            shape.compression == COMPRESSION_ADOBE_DEFLATE ||
-                            shape.compression == COMPRESSION_DEFLATE;
-  if (hasPredictor) coding->tiff.predictor = TagOf<uint16_t>(tiff, TIFFTAG_PREDICTOR, 1);
-  if (shape.compression == COMPRESSION_CCITTFAX3) {
-    coding->tiff.faxOptions = TagOf<uint32_t>(tiff, TIFFTAG_GROUP3OPTIONS, 0);
-  }
+  if (HasPredictor(shape.compression)) coding->tiff.predictor = shape.predictor;
+  coding->tiff.faxOptions = shape.faxOptions;
   if (shape.compression != COMPRESSION_JPEG) return;
   uint32_t count = 0;
   void* tables = nullptr;
