@@ -48,7 +48,7 @@ int32_t Scaled(int32_t given, int32_t atBaseDpi, int32_t dpi) {
 
 void Measure(const BarOptions& options, const files::Page& page, BarCall* call) {
   const ImageRec& image = *page.image.rec();
-  const int32_t known = options.dpi > 0 ? options.dpi : page.xDpi;
+  const int32_t known = options.dpi > 0 ? options.dpi : page.Dpi();
   const int32_t dpi = known > 0 ? known : kBaseDpi;
   call->threshold = options.threshold >= 0 ? options.threshold : judging::SplitLevel(image);
   call->minLength = Scaled(options.minLength, kBarLength, dpi);
@@ -132,7 +132,8 @@ int RunFile(const BarOptions& options, const files::PlannedInput& input) {
     BarCall call;
     Measure(options, page, &call);
     if (call.status != STATUS_OK) exit = batch::kExitPagesLeft;
-    (void)batch::WriteOverlay(input, page, [&] { return DrawBarOverlay(page, call); });
+    (void)batch::WriteOverlay(options.batch, input, page,
+                              [&] { return DrawBarOverlay(page, call); });
     Print(options, page, call);
   });
   return exit;

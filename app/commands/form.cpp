@@ -33,7 +33,7 @@ judging::TurnOutcome StraightenForm(const FormOptions& options, const files::Pag
 
   ScratchDib source;
   outcome.status =
-      MakeDib(image, options.dpi > 0 ? options.dpi : page.xDpi, RowOrder::kBottomFirst, &source);
+      MakeDib(image, options.dpi > 0 ? options.dpi : page.Dpi(), RowOrder::kBottomFirst, &source);
   if (outcome.status != STATUS_OK) return outcome;
   ScratchDib result;
   const DeskewCropParam param = ParamOf(options.deskew);
