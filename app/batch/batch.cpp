@@ -9,8 +9,9 @@
 #include "app/batch/exit_codes.h"
 #include "app/batch/report.h"
 #include "app/files/file_formats.h"
-#include "app/files/page_reader.h"
-#include "app/files/page_writer.h"
+#include "app/files/image_convert.h"
+#include "app/files/picture_file.h"
+#include "app/files/picture_writer.h"
 #include "app/overlay/page_overlay.h"
 
 namespace vorlane::batch {
@@ -18,8 +19,13 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// Overlays are losslessly drawn; the writer asks for a quality all the same.
-constexpr int32_t kOverlayQuality = 92;
+void ForEachPage(const files::PlannedInput& input, const files::PictureFile& file,
+                 const std::function<void(const files::Page&)>& run) {
+  if (file.count() != input.pages) {
+    throw files::FileError(input.path + ": was changed while other files were worked on");
+  }
+  for (int32_t number = 1; number <= file.count(); ++number) run(file.Read(number));
+}
 
 void MakeFolder(const std::string& name) {
   if (name.empty() || name.back() != '/' || name.find('{') != std::string::npos) return;
@@ -36,7 +42,8 @@ class InputRun {
       : request_(request), service_(service), input_(input) {}
 
   int Run() {
-    ForEachPage(input_, [this](const files::Page& page) { RunPage(page); });
+    file_ = std::make_unique<files::PictureFile>(input_.path);
+    ForEachPage(input_, *file_, [this](const files::Page& page) { RunPage(page); });
     if (shared_) CommitShared();
     return exit_;
   }
@@ -53,19 +60,24 @@ class InputRun {
 
   void WritePage(const files::Page& page, const judging::TurnOutcome& outcome, PageWay* way) {
     const std::string& path = input_.output.Of(page.number);
-    const ImageRec& image = way->isTrusted ? *outcome.result.rec() : *page.image.rec();
-    if (!input_.output.isShared) {
-      if (!way->isTrusted) return;
-      files::PageWriter writer(path, request_.jpegQuality);
-      writer.Add(image, page.xDpi, page.yDpi);
-      writer.Commit();
-    } else {
-      if (!shared_) shared_ = std::make_unique<files::PageWriter>(path, request_.jpegQuality);
-      shared_->Add(image, page.xDpi, page.yDpi);
-      if (way->isTrusted) ++straightened_;
-      way->keptAsItWas = !way->isTrusted;
+    const ImageRec& image = *outcome.result.rec();
+    if (!input_.output.isShared && !way->isTrusted) return;
+    const files::FileFormat format = *files::FormatOfName(path);
+    const files::WriteOptions options{request_.jpegQuality};
+    files::EncodedPage encoded = Encode(path, [&] {
+      return way->isTrusted ? files::EncodePage(format, image, page, options, &way->notes)
+                            : files::KeepPage(format, *file_, page, options, &way->notes);
+    });
+    if (!shared_) {
+      shared_ = std::make_unique<files::PictureWriter>(path, format, ReplacingOf(request_),
+                                                       files::Durability::kSynced,
+                                                       files::NeedsBigTiff(*file_));
     }
+    shared_->Add(std::move(encoded));
+    if (way->isTrusted) ++straightened_;
+    way->keptAsItWas = !way->isTrusted;
     way->output = path;
+    if (!input_.output.isShared) CommitShared();
   }
 
   // A file that would be a mere copy of its input is not written.
@@ -83,7 +95,8 @@ class InputRun {
   const BatchRequest& request_;
   const PageService& service_;
   const files::PlannedInput& input_;
-  std::unique_ptr<files::PageWriter> shared_;  // the file of several pages
+  std::unique_ptr<files::PictureFile> file_;
+  std::unique_ptr<files::PictureWriter> shared_;  // the file that is being written
   int32_t straightened_ = 0;
   int exit_ = kExitAllDone;
 };
@@ -98,7 +111,7 @@ PageFate FateOf(const BatchRequest& request, const judging::TurnOutcome& outcome
 // 0 for an input that cannot be read: it is told when its turn comes, and the others go on.
 int32_t CountPages(const std::string& path) {
   try {
-    return files::PageReader(path).count();
+    return files::PictureFile(path).count();
   } catch (const files::FileError&) {
     return 0;
   }
@@ -114,18 +127,34 @@ void RefuseSharedOverlay(const BatchRequest& request, const files::PlannedInput&
 
 }  // namespace
 
+files::Replacing ReplacingOf(const BatchRequest& request) {
+  const bool isAllowed = request.overwriting.outputs || request.overwriting.inputs;
+  return isAllowed ? files::Replacing::kAllowed : files::Replacing::kNever;
+}
+
+files::EncodedPage Encode(const std::string& path,
+                          const std::function<files::EncodedPage()>& encode) {
+  try {
+    return encode();
+  } catch (const files::EncodeError& error) {
+    throw files::FileError(path + ": " + error.what());
+  }
+}
+
 bool IsTrusted(const BatchRequest& request, const judging::TurnOutcome& outcome) {
   return outcome.status == STATUS_OK &&
          (request.acceptDoubtful || outcome.verdict.confidence != judging::Confidence::kDoubtful);
 }
 
-std::string WriteOverlay(const files::PlannedInput& input, const files::Page& page,
-                         const std::function<files::PixPtr()>& draw) {
+std::string WriteOverlay(const BatchRequest& request, const files::PlannedInput& input,
+                         const files::Page& page, const std::function<files::PixPtr()>& draw) {
   if (input.overlay.names.empty()) return "";
   const std::string& path = input.overlay.Of(page.number);
-  files::PageWriter writer(path, kOverlayQuality);
-  writer.Add(draw());
-  writer.Commit();
+  vorlanepic::frame::ScratchImage image;
+  if (files::PixToImage(draw(), &image) != STATUS_OK) {
+    throw files::FileError(path + ": there is not enough memory for the overlay");
+  }
+  files::WritePicture(path, *image.rec(), files::Page{}, ReplacingOf(request));
   return path;
 }
 
@@ -136,7 +165,9 @@ void ReportPage(const BatchRequest& request, const files::PlannedInput& input,
   report.fate = FateOf(request, outcome, way);
   report.output = way.output;
   report.keptAsItWas = way.keptAsItWas;
-  report.overlay = WriteOverlay(input, page, [&] { return overlay::DrawOverlay(page, outcome); });
+  report.notes = way.notes;
+  report.overlay =
+      WriteOverlay(request, input, page, [&] { return overlay::DrawOverlay(page, outcome); });
   if (request.json) {
     PrintJson(JsonLine(page, outcome, report));
   } else {
@@ -184,12 +215,7 @@ int ForEachFile(const BatchRequest& request,
 
 void ForEachPage(const files::PlannedInput& input,
                  const std::function<void(const files::Page&)>& run) {
-  files::PageReader reader(input.path);
-  if (reader.count() != input.pages) {
-    throw files::FileError(input.path + ": was changed while other files were worked on");
-  }
-  files::Page page;
-  while (reader.Next(&page)) run(page);
+  ForEachPage(input, files::PictureFile(input.path), run);
 }
 
 int RunBatch(const BatchRequest& request, const PageService& service) {

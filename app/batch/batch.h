@@ -7,6 +7,7 @@
 
 #include "app/files/output_plan.h"
 #include "app/files/page.h"
+#include "app/files/picture_writer.h"
 #include "app/files/pix_owner.h"
 #include "app/judge/turn_outcome.h"
 
@@ -20,7 +21,7 @@ struct BatchRequest {
   files::Overwriting overwriting;
   bool json = false;
   bool acceptDoubtful = false;
-  int32_t jpegQuality = 92;
+  int32_t jpegQuality = 0;  // 0: as the input had it
 };
 
 // Measures or straightens one page; the verdict is part of the outcome.
@@ -49,19 +50,27 @@ void ForEachPage(const files::PlannedInput& input,
 
 // Writes the picture that `draw` makes to the page's overlay file. Returns the file's name, empty
 // when no overlay is wanted; throws FileError.
-std::string WriteOverlay(const files::PlannedInput& input, const files::Page& page,
-                         const std::function<files::PixPtr()>& draw);
+std::string WriteOverlay(const BatchRequest& request, const files::PlannedInput& input,
+                         const files::Page& page, const std::function<files::PixPtr()>& draw);
 
 // Where a page of a run went.
 struct PageWay {
-  bool isTrusted = false;    // good enough to be written
-  bool keptAsItWas = false;  // it went to its file unchanged
-  std::string output;        // empty: nowhere
+  bool isTrusted = false;          // good enough to be written
+  bool keptAsItWas = false;        // it went to its file unchanged
+  std::string output;              // empty: nowhere
+  std::vector<std::string> notes;  // what writing it could not keep
 };
 
 // Writes the page's overlay and prints its line.
 void ReportPage(const BatchRequest& request, const files::PlannedInput& input,
                 const files::Page& page, const judging::TurnOutcome& outcome, const PageWay& way);
+
+// Whether the files of a run may replace others.
+files::Replacing ReplacingOf(const BatchRequest& request);
+
+// What `encode` makes; what it cannot encode is told with the name of the file that it is for.
+files::EncodedPage Encode(const std::string& path,
+                          const std::function<files::EncodedPage()>& encode);
 
 // Whether an outcome is good enough to be written.
 bool IsTrusted(const BatchRequest& request, const judging::TurnOutcome& outcome);

@@ -6,16 +6,17 @@
 
 #include "app/batch/exit_codes.h"
 #include "app/batch/report.h"
-#include "app/files/page_reader.h"
-#include "app/files/page_writer.h"
+#include "app/files/file_formats.h"
+#include "app/files/picture_file.h"
+#include "app/files/picture_writer.h"
 
 namespace vorlane::batch {
 namespace {
 
 std::vector<files::Page> ReadAll(const files::PlannedInput& input) {
-  files::PageReader reader(input.path);
-  std::vector<files::Page> pages(static_cast<size_t>(reader.count()));
-  for (files::Page& page : pages) (void)reader.Next(&page);
+  const files::PictureFile file(input.path);
+  std::vector<files::Page> pages;
+  for (int32_t number = 1; number <= file.count(); ++number) pages.push_back(file.Read(number));
   const ImageRec& first = *pages[0].image.rec();
   for (const files::Page& page : pages) {
     const ImageRec& image = *page.image.rec();
@@ -29,17 +30,28 @@ std::vector<files::Page> ReadAll(const files::PlannedInput& input) {
   return pages;
 }
 
-void WriteSet(const BatchRequest& request, const files::PageFiles& output,
-              const std::vector<files::Page>& pages, const std::vector<ImageRec>& results) {
-  std::unique_ptr<files::PageWriter> writer;
+// Returns what writing each page could not keep.
+std::vector<std::vector<std::string>> WriteSet(const BatchRequest& request,
+                                               const files::PageFiles& output,
+                                               const std::vector<files::Page>& pages,
+                                               const std::vector<ImageRec>& results) {
+  std::vector<std::vector<std::string>> notes(pages.size());
+  std::unique_ptr<files::PictureWriter> writer;
   for (size_t i = 0; i < pages.size(); ++i) {
+    const std::string& path = output.Of(pages[i].number);
+    const files::FileFormat format = *files::FormatOfName(path);
     if (!writer || !output.isShared) {
       if (writer) writer->Commit();
-      writer = std::make_unique<files::PageWriter>(output.Of(pages[i].number), request.jpegQuality);
+      writer = std::make_unique<files::PictureWriter>(path, format, ReplacingOf(request),
+                                                      files::Durability::kSynced,
+                                                      pages[i].coding.tiff.isBig);
     }
-    writer->Add(results[i], pages[i].xDpi, pages[i].yDpi);
+    writer->Add(Encode(path, [&] {
+      return files::EncodePage(format, results[i], pages[i], {request.jpegQuality}, &notes[i]);
+    }));
   }
   writer->Commit();
+  return notes;
 }
 
 int RunSet(const BatchRequest& request, const SetService& service,
@@ -53,14 +65,16 @@ int RunSet(const BatchRequest& request, const SetService& service,
 
   PageWay way;
   way.isTrusted = IsTrusted(request, outcome);
+  std::vector<std::vector<std::string>> notes(pages.size());
   try {
-    if (way.isTrusted) WriteSet(request, input.output, pages, results);
+    if (way.isTrusted) notes = WriteSet(request, input.output, pages, results);
   } catch (...) {
     ReleaseAll(&results);
     throw;
   }
   for (size_t i = 0; i < pages.size(); ++i) {
     *outcome.result.rec() = std::exchange(results[i], ImageRec{});
+    way.notes = notes[i];
     if (way.isTrusted) way.output = input.output.Of(pages[i].number);
     ReportPage(request, input, pages[i], outcome, way);
     (void)outcome.result.Release();

@@ -30,10 +30,19 @@ std::string Format(const char* format, Values... values) {
   return text;
 }
 
-std::string Notes(const files::Page& page, const judging::TurnOutcome& outcome) {
+std::vector<std::string> AllNotes(const files::Page& page, const judging::TurnOutcome& outcome,
+                                  const PageReport& report) {
   std::vector<std::string> notes = page.notes;
   notes.insert(notes.end(), outcome.notes.begin(), outcome.notes.end());
-  return notes.empty() ? "" : " (" + Joined(notes) + ")";
+  notes.insert(notes.end(), report.notes.begin(), report.notes.end());
+  return notes;
+}
+
+// A whole number without a fraction where it is one.
+nlohmann::ordered_json Number(double value) {
+  const auto whole = static_cast<int64_t>(value);
+  if (static_cast<double>(whole) == value) return whole;
+  return value;
 }
 
 // Angle, sizes, time and confidence of a page on which the service succeeded.
@@ -67,7 +76,8 @@ std::string TextLine(const files::Page& page, const judging::TurnOutcome& outcom
       line += FoundLine(page, outcome);
   }
   if (report.keptAsItWas) line += ", kept unchanged in " + report.output;
-  return line + Notes(page, outcome);
+  const std::vector<std::string> notes = AllNotes(page, outcome, report);
+  return notes.empty() ? line : line + " (" + Joined(notes) + ")";
 }
 
 nlohmann::ordered_json JsonHead(const std::string& command, const files::Page& page,
@@ -88,7 +98,7 @@ nlohmann::ordered_json JsonLine(const files::Page& page, const judging::TurnOutc
   json["width"] = before.width;
   json["height"] = before.height;
   json["depth"] = before.bitsPerPixel;
-  json["dpi"] = {page.xDpi, page.yDpi};
+  json["dpi"] = {Number(page.metadata.resolution.x), Number(page.metadata.resolution.y)};
   json["threshold"] = outcome.threshold;
   json["milliseconds"] = outcome.milliseconds;
   if (outcome.status == STATUS_OK) {
@@ -105,9 +115,7 @@ nlohmann::ordered_json JsonLine(const files::Page& page, const judging::TurnOutc
   if (!report.output.empty()) json["output"] = report.output;
   if (report.keptAsItWas) json["unchanged"] = true;
   if (!report.overlay.empty()) json["overlay"] = report.overlay;
-  std::vector<std::string> notes = page.notes;
-  notes.insert(notes.end(), outcome.notes.begin(), outcome.notes.end());
-  json["notes"] = notes;
+  json["notes"] = AllNotes(page, outcome, report);
   return json;
 }
 

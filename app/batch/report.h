@@ -21,8 +21,9 @@ enum class PageFate {
 struct PageReport {
   std::string command;
   PageFate fate = PageFate::kFailed;
-  std::string output;        // where the page went; empty: nowhere
-  std::string overlay;       // likewise
+  std::string output;              // where the page went; empty: nowhere
+  std::string overlay;             // likewise
+  std::vector<std::string> notes;  // what writing it could not keep
   bool keptAsItWas = false;  // the page went there unchanged, so that the file keeps all pages
 };
 

@@ -8,9 +8,9 @@
 #include "app/commands/commands.h"
 #include "app/commands/dib_image.h"
 #include "app/judge/bar_words.h"
-#include "app/judge/record_scope.h"
 #include "app/judge/threshold_choice.h"
 #include "app/overlay/bar_overlay.h"
+#include "omr/mark_sheet_angle.h"
 
 namespace vorlane::commands {
 namespace {
@@ -48,29 +48,29 @@ int32_t Scaled(int32_t given, int32_t atBaseDpi, int32_t dpi) {
 
 void Measure(const BarOptions& options, const files::Page& page, BarCall* call) {
   const ImageRec& image = *page.image.rec();
-  const int32_t known = options.dpi > 0 ? options.dpi : page.xDpi;
+  const int32_t known = options.dpi > 0 ? options.dpi : page.Dpi();
   const int32_t dpi = known > 0 ? known : kBaseDpi;
   call->threshold = options.threshold >= 0 ? options.threshold : judging::SplitLevel(image);
   call->minLength = Scaled(options.minLength, kBarLength, dpi);
   call->minThickness = Scaled(options.minThickness, kBarMinThickness, dpi);
   call->maxThickness = Scaled(options.maxThickness, kBarMaxThickness, dpi);
-  const judging::RecordScope scope(nullptr, &call->records);
   ScratchDib dib;
   call->status = MakeDib(image, dpi, RowOrder::kBottomFirst, &dib);
   if (call->status != STATUS_OK) return;
   double radians = 0;
   call->milliseconds = Timed([&] {
-    call->status = GetAngleOMR(dib.rec(), call->threshold, call->minLength, call->minThickness,
-                               call->maxThickness, &radians);
+    call->status = vorlanepic::omr::MeasureBarOfDib(
+        dib.rec(), call->threshold, {call->minLength, call->minThickness, call->maxThickness},
+        &call->records, &radians);
   });
   call->degrees = radians * 57.29577951308232;
 }
 
 nlohmann::ordered_json CandidateJson(const vorlanepic::omr::ExaminedBar& bar) {
-  return {{"left", bar.left},
-          {"top", bar.top},
-          {"right", bar.right},
-          {"bottom", bar.bottom},
+  return {{"left", bar.box.left},
+          {"top", bar.box.top},
+          {"right", bar.box.right},
+          {"bottom", bar.box.bottom},
           {"length", bar.length},
           {"thickness", bar.thickness},
           {"thinnest", bar.thinnest},
@@ -132,7 +132,8 @@ int RunFile(const BarOptions& options, const files::PlannedInput& input) {
     BarCall call;
     Measure(options, page, &call);
     if (call.status != STATUS_OK) exit = batch::kExitPagesLeft;
-    (void)batch::WriteOverlay(input, page, [&] { return DrawBarOverlay(page, call); });
+    (void)batch::WriteOverlay(options.batch, input, page,
+                              [&] { return DrawBarOverlay(page, call); });
     Print(options, page, call);
   });
   return exit;

@@ -158,7 +158,8 @@ void RunPage(const BlockOptions& options, const files::PlannedInput& input,
         batch::NameOf(page) +
         ": the rectangle begins outside the page, or there is not enough memory");
   }
-  (void)batch::WriteOverlay(input, page, [&] { return overlay::DrawBlocks(page, set.blocks()); });
+  (void)batch::WriteOverlay(options.batch, input, page,
+                            [&] { return overlay::DrawBlocks(page, set.blocks()); });
   if (options.csv) {
     PrintCsv(page, set.blocks());
   } else if (options.batch.json) {

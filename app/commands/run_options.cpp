@@ -23,9 +23,9 @@ void AddBatchOptions(CLI::App* app, batch::BatchRequest* request) {
                   "File, folder, or pattern with {name}, {ext} and {page}. The extension chooses "
                   "the format; 1-bit TIFF is written as G4; a TIFF of several pages stays one")
       ->required();
-  app->add_option("--quality", request->jpegQuality, "Quality of JPEG outputs")
-      ->check(CLI::Range(1, 100))
-      ->capture_default_str();
+  app->add_option("--quality", request->jpegQuality,
+                  "Quality of JPEG outputs [that of the input; 92 for others]")
+      ->check(CLI::Range(1, 100));
   app->add_flag("--accept-doubtful", request->acceptDoubtful,
                 "Write doubtful results too; otherwise such a page is left as it is");
 }

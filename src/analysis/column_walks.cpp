@@ -126,8 +126,8 @@ class ColumnSweep {
 }  // namespace
 
 template <typename Pixel>
-int32_t WalkColumns(const ImageRec& image, const ScanBand& band, GreyBand levels, int32_t run,
-                    ColumnRange columns, ColumnBorders borders) {
+int32_t WalkColumns(const ImageRec& image, const frame::PixelRect& band, GreyBand levels,
+                    int32_t run, ColumnRange columns, ColumnBorders borders) {
   ColumnSweep<Pixel> sweep(image, levels, run, columns);
   if (!sweep.Prepare()) return OUT_OF_MEMORY;
   const int32_t steps = band.bottom - band.top;
@@ -136,11 +136,11 @@ int32_t WalkColumns(const ImageRec& image, const ScanBand& band, GreyBand levels
   return STATUS_OK;
 }
 
-template int32_t WalkColumns<Bit1>(const ImageRec&, const ScanBand&, GreyBand, int32_t, ColumnRange,
-                                   ColumnBorders);
-template int32_t WalkColumns<Grey8>(const ImageRec&, const ScanBand&, GreyBand, int32_t,
+template int32_t WalkColumns<Bit1>(const ImageRec&, const frame::PixelRect&, GreyBand, int32_t,
+                                   ColumnRange, ColumnBorders);
+template int32_t WalkColumns<Grey8>(const ImageRec&, const frame::PixelRect&, GreyBand, int32_t,
                                     ColumnRange, ColumnBorders);
-template int32_t WalkColumns<Colour24>(const ImageRec&, const ScanBand&, GreyBand, int32_t,
+template int32_t WalkColumns<Colour24>(const ImageRec&, const frame::PixelRect&, GreyBand, int32_t,
                                        ColumnRange, ColumnBorders);
 
 }  // namespace vorlanepic::analysis

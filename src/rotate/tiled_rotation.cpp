@@ -69,7 +69,7 @@ class TiledRotation::RowWriter {
 
 void TiledRotation::RowWriter::Visit(int32_t first, int32_t last) {
   if (first > last) return;
-  const SourceRect basePixels = rotation_.BasePixelsOf({first, last, y_, y_});
+  const frame::PixelRect basePixels = rotation_.BasePixelsOf({first, last, y_, y_});
   if (rotation_.index_.Misses(basePixels)) {
     if (rotation_.rule_.bitsPerPixel == 1) return;  // the row was filled before
     FillPixels(rotation_.job_, rotation_.job_.target.rows[y_], first, last);
@@ -154,7 +154,7 @@ int32_t TiledRotation::OffsetY(int32_t x, int32_t y) const {
 }
 
 // Steps are monotone along either axis, so the extremes lie at the corners.
-SourceRect TiledRotation::OffsetsOf(const OutputRect& rect) const {
+frame::PixelRect TiledRotation::OffsetsOf(const OutputRect& rect) const {
   const auto [leastX, greatestX] =
       std::minmax({OffsetX(rect.left, rect.top), OffsetX(rect.right, rect.top),
                    OffsetX(rect.left, rect.bottom), OffsetX(rect.right, rect.bottom)});
@@ -164,18 +164,18 @@ SourceRect TiledRotation::OffsetsOf(const OutputRect& rect) const {
   return {leastX, greatestX, leastY, greatestY};
 }
 
-SourceRect TiledRotation::BasePixelsOf(const OutputRect& rect) const {
-  const SourceRect offsets = OffsetsOf(rect);
+frame::PixelRect TiledRotation::BasePixelsOf(const OutputRect& rect) const {
+  const frame::PixelRect offsets = OffsetsOf(rect);
   return {job_.turn.centerX + offsets.left / 100, job_.turn.centerX + offsets.right / 100,
           job_.turn.centerY + offsets.top / 100, job_.turn.centerY + offsets.bottom / 100};
 }
 
 bool TiledRotation::IsOneSided(const OutputRect& rect) const {
-  const SourceRect offsets = OffsetsOf(rect);
+  const frame::PixelRect offsets = OffsetsOf(rect);
   return (offsets.left < 0) == (offsets.right < 0) && (offsets.top < 0) == (offsets.bottom < 0);
 }
 
-bool TiledRotation::HoldsTapsOf(const SourceRect& basePixels) const {
+bool TiledRotation::HoldsTapsOf(const frame::PixelRect& basePixels) const {
   if (basePixels.top - rule_.reach < job_.region.top) return false;
   if (basePixels.bottom + rule_.reach > lastSafeRow_) return false;
   return index_.Holds({basePixels.left - rule_.reach, basePixels.right + rule_.reach,

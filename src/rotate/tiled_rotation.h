@@ -48,11 +48,11 @@ class TiledRotation {
   int32_t OffsetX(int32_t x, int32_t y) const;
   int32_t OffsetY(int32_t x, int32_t y) const;
   // The extremes of both offsets in a rectangle of the output.
-  SourceRect OffsetsOf(const OutputRect& rect) const;
-  SourceRect BasePixelsOf(const OutputRect& rect) const;
+  frame::PixelRect OffsetsOf(const OutputRect& rect) const;
+  frame::PixelRect BasePixelsOf(const OutputRect& rect) const;
   // Whether all taps of these base pixels lie in the region, and where a kernel may read them. May
   // be cautious for more than one source row.
-  bool HoldsTapsOf(const SourceRect& basePixels) const;
+  bool HoldsTapsOf(const frame::PixelRect& basePixels) const;
   bool IsInside(int32_t x, int32_t y) const;
   bool IsInner(int32_t x, int32_t y) const;
 
