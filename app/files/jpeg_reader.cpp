@@ -21,7 +21,6 @@ constexpr unsigned kLongest = 0xFFFF;
 
 constexpr std::string_view kExifName = "Exif\0\0"sv;
 constexpr std::string_view kXmpName = "http://ns.adobe.com/xap/1.0/\0"sv;
-constexpr std::string_view kIccName = "ICC_PROFILE\0"sv;
 constexpr std::string_view kPhotoshopName = "Photoshop 3.0\0"sv;
 
 // Every call of the library stands in a function of its own that holds no object with a
