@@ -152,6 +152,11 @@ std::vector<TiffEntry> TiffEntriesOf(const Metadata& metadata) {
                      [&](const TextTag& tag) { return text.keyword == tag.keyword; });
     if (known != std::end(kTextTags)) AddUnlessThere(TextEntryOf(known->tag, text.text), &entries);
   }
+  for (const TextEntry& text : metadata.texts) {
+    if (text.keyword == "Comment") {
+      AddUnlessThere(TextEntryOf(TIFFTAG_IMAGEDESCRIPTION, text.text), &entries);
+    }
+  }
   for (TiffEntry& entry : EntriesOfExif(metadata.exif)) {
     if (IsExifTag(entry.tag)) AddUnlessThere(std::move(entry), &entries);
   }
