@@ -8,7 +8,6 @@
 #include <benchmark/benchmark.h>
 
 #include "frame/scratch.h"
-#include "frame/settings.h"
 #include "rotate/kernels.h"
 #include "rotate/plain_rotation.h"
 #include "rotate/rotate_image.h"
@@ -92,7 +91,6 @@ void CountPixels(benchmark::State& state, const Scan& scan) {
 }
 
 void RunRotateImage(benchmark::State& state, const Scan& scan) {
-  frame::settings.ImageNum = 1;
   const uint8_t fill[3] = {255, 0, 0};
   for ([[maybe_unused]] auto iteration : state) {
     frame::ScratchImage target;

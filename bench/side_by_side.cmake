@@ -15,9 +15,9 @@ endif()
 
 add_executable(vorlane-compare
   side_by_side.cpp contest.cpp peak_memory.cpp
-  straighten_ours.cpp straighten_opencv.cpp straighten_leptonica.cpp
+  straighten_ours.cpp straighten_engine.cpp straighten_opencv.cpp straighten_leptonica.cpp
   label_ours.cpp label_peers.cpp)
 target_include_directories(vorlane-compare SYSTEM PRIVATE ${OPENCV_INCLUDE_DIR})
 target_link_libraries(vorlane-compare PRIVATE
-  vorlanepic_core imgbuf vorlanepic_samples vorlanepic_options
+  vorlanepic_api imgbuf Vorlane::vorlane vorlanepic_samples vorlanepic_options
   PkgConfig::LEPTONICA ${OPENCV_IMGPROC} ${OPENCV_CORE})

@@ -1,7 +1,7 @@
 // vorlane-compare: runs VorlanePic and its peers in turn in one process on the same pages, and
 // prints what it measured as Markdown tables.
 //
-//   vorlane-compare [--rounds N] [memory] [straighten] [rotation] [blocks]
+//   vorlane-compare [--rounds N] [memory] [straighten] [rotation] [blocks] [engine]
 //
 // Without a section all are run. Wants an otherwise idle machine.
 #include <algorithm>
@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <malloc.h>
 #include <map>
 #include <stdexcept>
 #include <string>
@@ -114,6 +115,14 @@ std::string Verdict(const Straightener& straightener, int32_t bitsPerPixel) {
     if (std::abs(levels[i] - wanted[bitsPerPixel][i]) > 20) return verdict + " (content off)";
   }
   return verdict;
+}
+
+std::vector<Straightener> EngineContestantsOf(const Job& job) {
+  const testing::TestImage& scan = Scan(job.bitsPerPixel);
+  std::vector<Straightener> all = EngineStraighteners(scan, job.interpolation);
+  all.push_back(OpenCvOutline(scan, job.interpolation));
+  all.push_back(OpenCvStraighteners(scan, job.interpolation).front());
+  return all;
 }
 
 void PrintRows(const char* job, const std::vector<Contender>& contenders,
@@ -229,7 +238,7 @@ Options ReadOptions(int argc, char** argv) {
     if (argument == "--rounds" && i + 1 < argc) {
       options.rounds = std::max(1, std::atoi(argv[++i]));
     } else if (argument == "memory" || argument == "straighten" || argument == "rotation" ||
-               argument == "blocks") {
+               argument == "blocks" || argument == "engine") {
       options.sections.push_back(argument);
     } else {
       throw std::runtime_error("unknown argument " + argument);
@@ -252,6 +261,11 @@ int main(int argc, char** argv) try {
     ComparePages("The turn alone", RotationsOf, false, options.rounds);
   }
   if (options.Wants("blocks")) CompareAllBlocks(options.rounds);
+  // Last, because every large request is fresh memory from here on, for all alike.
+  if (options.Wants("engine")) {
+    mallopt(M_MMAP_THRESHOLD, 128 * 1024);
+    ComparePages("Detect and apply in fresh memory", EngineContestantsOf, true, options.rounds);
+  }
   return 0;
 } catch (const std::exception& error) {
   std::fprintf(stderr, "vorlane-compare: %s\n", error.what());

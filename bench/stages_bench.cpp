@@ -12,30 +12,19 @@
 #include "deskew/image_region.h"
 #include "deskew/page_records.h"
 #include "deskew/skew_vote.h"
+#include "found_page.h"
 #include "frame/scratch.h"
-#include "frame/settings.h"
 #include "rotate/rotate_image.h"
 
 namespace vorlanepic::bench {
 namespace {
-
-// What a whole call found on a frame; the settings are left as that call left them.
-deskew::PageRecords FindPage(const Frame& frame) {
-  deskew::PageRecords records;
-  double angle = 0;
-  frame::ScratchImage upright;
-  frame::settings.pageRecords = &records;
-  ImageVorlaneEx(ScanOf(frame).rec(), INTERP_NEAREST, 0, 0, &angle, upright.rec());
-  frame::settings.pageRecords = nullptr;
-  return records;
-}
 
 // A stage: returns its status.
 using Stage = int32_t (*)(const ImageRec* source, deskew::PageRecords& found);
 
 void Measure(benchmark::State& state, const Frame& frame, Stage stage) {
   const ImageRec* source = ScanOf(frame).rec();
-  deskew::PageRecords found = FindPage(frame);
+  deskew::PageRecords found = FindPage(*source);
   while (state.KeepRunning()) {
     const int32_t status = stage(source, found);
     if (status != STATUS_OK) {
@@ -47,70 +36,78 @@ void Measure(benchmark::State& state, const Frame& frame, Stage stage) {
 
 int32_t Threshold(const ImageRec* source, deskew::PageRecords&) {
   uint8_t threshold = 0;
-  return analysis::EstimateThreshold(source, &threshold);
+  return analysis::EstimateThreshold(*source, &threshold);
 }
 
 int32_t Band(const ImageRec* source, deskew::PageRecords& found) {
-  analysis::ScanBand band{};
-  return analysis::FindBand(source, &band, found.levels.low);
+  frame::PixelRect band{};
+  return analysis::FindBand(PageSettings(), *source, found.levels.low, &band);
 }
 
 int32_t RowScan(const ImageRec* source, deskew::PageRecords& found) {
   analysis::SideTrace left;
   analysis::SideTrace right;
   analysis::ExtremePoints extremes = found.extremes;
-  return analysis::ScanRows(source, &found.band, found.levels, &left, &right, &extremes);
+  return analysis::ScanRows(PageSettings(), *source, found.band, found.levels, &left, &right,
+                            &extremes);
 }
 
 int32_t ColumnScan(const ImageRec* source, deskew::PageRecords& found) {
   analysis::SideTrace top;
   analysis::SideTrace bottom;
   analysis::ExtremePoints extremes = found.extremes;
-  return analysis::ScanColumns(source, &found.band, found.levels, &top, &bottom, &extremes);
+  return analysis::ScanColumns(PageSettings(), *source, found.band, found.levels, &top, &bottom,
+                               &extremes);
 }
 
 int32_t Edges(const ImageRec* source, deskew::PageRecords& found) {
   analysis::DocumentEdges edges;
-  int32_t straightness = 1;
-  return analysis::BuildEdges(source, &found.extremes, &straightness, &found.traces, &edges);
+  analysis::EdgeOrigin origin;
+  return analysis::BuildEdges(PageSettings(), *source, found.extremes, found.traces, &origin,
+                              &edges);
 }
 
 int32_t Corners(const ImageRec* source, deskew::PageRecords& found) {
   analysis::DocumentGeometry geometry;
-  return analysis::SolveCorners(source, 0, &found.extremes, found.straightness, &found.edges,
-                                &geometry);
+  return analysis::SolveCorners(PageSettings(), *source, 0, found.extremes, found.edgeOrigin,
+                                &found.edges, &geometry);
 }
 
 int32_t SkewVote(const ImageRec*, deskew::PageRecords& found) {
   deskew::BorderVote votes[4];
   int32_t bestBorder = -1;
   double degrees = 0;
-  return deskew::EstimateSkewFromBorders(found.traces, 10, 2.0, votes, &bestBorder, &degrees);
+  frame::Settings settings{};
+  settings.SegmentLen = 10;
+  settings.GroupAngle = 2.0;
+  settings.ToLineDistance = 8;
+  return deskew::EstimateSkewFromBorders(settings, found.traces, votes, &bestBorder, &degrees);
 }
 
 // The first search of method 2: columns, in the rows of the band.
 int32_t ContentColumns(const ImageRec* source, deskew::PageRecords& found) {
   const auto threshold = static_cast<uint8_t>(found.threshold);
-  deskew::ContentBounds bounds{0, 0, found.band.top, found.band.bottom};
-  return deskew::FindContentBounds(source, {3, 5, threshold, deskew::kSearchColumns}, &bounds);
+  frame::PixelRect bounds{0, 0, found.band.top, found.band.bottom};
+  return deskew::FindContentBounds(*source, {3, 5, threshold, deskew::kSearchColumns}, &bounds);
 }
 
 // The second search of method 2: rows and columns.
 int32_t ContentRowsAndColumns(const ImageRec* source, deskew::PageRecords& found) {
   const auto threshold = static_cast<uint8_t>(found.threshold);
-  deskew::ContentBounds bounds{};
-  return deskew::FindContentBounds(source, {3, 8, threshold, deskew::kSearchRowsAndColumns},
+  frame::PixelRect bounds{};
+  return deskew::FindContentBounds(*source, {3, 8, threshold, deskew::kSearchRowsAndColumns},
                                    &bounds);
 }
 
 // The content of method 2, cut out without a turn.
 int32_t Cut(const ImageRec* source, deskew::PageRecords& found) {
-  const analysis::EdgePoint& center = found.geometry.center;
-  const int32_t width = source->width * 4 / 5;
-  const int32_t height = source->height * 4 / 5;
+  const frame::PixelPoint& center = found.geometry.center;
+  const int32_t left = center.x - source->width * 2 / 5;
+  const int32_t top = center.y - source->height * 2 / 5;
   frame::ScratchImage cut;
-  return deskew::CopyImageRegion(source, cut.rec(),
-                                 {center.x - width / 2, center.y - height / 2, width, height});
+  return deskew::CopyImageRegion(
+      source, cut.rec(),
+      {left, left + source->width * 4 / 5 - 1, top, top + source->height * 4 / 5 - 1});
 }
 
 template <int32_t kInterpolation>

@@ -17,6 +17,12 @@ namespace {
 
 constexpr int kReduction = 8;
 
+// How the search for the page sees the scan.
+struct Search {
+  int reduction;  // times smaller along either side; 1: the scan itself
+  int reduceBy;   // cv::INTER_AREA or cv::INTER_NEAREST
+};
+
 // Where the page lies in the scan, in pixels, and how far it is turned clockwise.
 struct PagePlace {
   cv::Point2d center;
@@ -44,14 +50,19 @@ int InterpolationFlag(int32_t interpolation) {
 }
 
 // The largest outline of the thresholded, reduced scan, and the rectangle around it.
-std::optional<PagePlace> FindPage(const cv::Mat& scan, int reduceBy) {
-  cv::Mat small;
-  cv::resize(scan, small, cv::Size(scan.cols / kReduction, scan.rows / kReduction), 0, 0, reduceBy);
+std::optional<PagePlace> FindPage(const cv::Mat& scan, const Search& search) {
+  const int reduction = search.reduction;
+  cv::Mat small = scan;
+  if (reduction > 1) {
+    cv::resize(scan, small, cv::Size(scan.cols / reduction, scan.rows / reduction), 0, 0,
+               search.reduceBy);
+  }
   if (small.channels() == 3) cv::cvtColor(small, small, cv::COLOR_BGR2GRAY);
-  cv::threshold(small, small, 0, 255, cv::THRESH_BINARY | cv::THRESH_OTSU);
+  cv::Mat light;
+  cv::threshold(small, light, 0, 255, cv::THRESH_BINARY | cv::THRESH_OTSU);
 
   std::vector<std::vector<cv::Point>> outlines;
-  cv::findContours(small, outlines, cv::RETR_EXTERNAL, cv::CHAIN_APPROX_SIMPLE);
+  cv::findContours(light, outlines, cv::RETR_EXTERNAL, cv::CHAIN_APPROX_SIMPLE);
   if (outlines.empty()) return std::nullopt;
   const auto page = std::max_element(
       outlines.begin(), outlines.end(),
@@ -63,11 +74,10 @@ std::optional<PagePlace> FindPage(const cv::Mat& scan, int reduceBy) {
     std::swap(box.size.width, box.size.height);
   }
   // Outlines run through the pixels' centres, half a pixel inside the page on every side.
-  const auto length = [](float reduced) { return cvRound((reduced + 1) * kReduction); };
-  return PagePlace{
-      {(box.center.x + 0.5) * kReduction - 0.5, (box.center.y + 0.5) * kReduction - 0.5},
-      {length(box.size.width), length(box.size.height)},
-      box.angle};
+  const auto length = [=](float reduced) { return cvRound(double{reduced + 1} * reduction); };
+  return PagePlace{{(box.center.x + 0.5) * reduction - 0.5, (box.center.y + 0.5) * reduction - 0.5},
+                   {length(box.size.width), length(box.size.height)},
+                   box.angle};
 }
 
 // One pass over the full scan: turns the page upright and cuts it out.
@@ -129,26 +139,25 @@ void PackBits(const cv::Mat& bytes, cv::Mat& bits) {
   }
 }
 
-bool StraightenBytes(const cv::Mat& scan, int reduceBy, int32_t interpolation, cv::Mat& upright,
-                     StraightPage* check) {
-  const std::optional<PagePlace> place = FindPage(scan, reduceBy);
+bool StraightenBytes(const cv::Mat& scan, const Search& search, int32_t interpolation,
+                     cv::Mat& upright, StraightPage* check) {
+  const std::optional<PagePlace> place = FindPage(scan, search);
   if (!place) return false;
   TurnPage(scan, *place, interpolation, upright);
   if (check != nullptr) *check = {place->degrees, CopyOf(upright)};
   return true;
 }
 
-bool StraightenBits(const ImageRec& scan, int reduceBy, cv::Mat& bytes, cv::Mat& uprightBytes,
-                    cv::Mat& upright, StraightPage* check) {
+bool StraightenBits(const ImageRec& scan, const Search& search, cv::Mat& bytes,
+                    cv::Mat& uprightBytes, cv::Mat& upright, StraightPage* check) {
   UnpackBits(scan, bytes);
-  if (!StraightenBytes(bytes, reduceBy, INTERP_NEAREST, uprightBytes, check)) return false;
+  if (!StraightenBytes(bytes, search, INTERP_NEAREST, uprightBytes, check)) return false;
   PackBits(uprightBytes, upright);
   return true;
 }
 
-Straightener OneOf(const TestImage& scan, int32_t interpolation, int reduceBy, bool keepsBuffers) {
-  const std::string name =
-      keepsBuffers ? "OpenCV, sampled search, buffers kept" : "OpenCV, averaged search";
+Straightener OneOf(const TestImage& scan, int32_t interpolation, const std::string& name,
+                   const Search& search, bool keepsBuffers) {
   const ImageRec* image = scan.rec();
   const cv::Mat view = View(scan);
   auto kept = std::make_shared<std::array<cv::Mat, 3>>();
@@ -156,22 +165,28 @@ Straightener OneOf(const TestImage& scan, int32_t interpolation, int reduceBy, b
             std::array<cv::Mat, 3> fresh;
             std::array<cv::Mat, 3>& buffers = keepsBuffers ? *kept : fresh;
             if (image->bitsPerPixel == 1) {
-              return StraightenBits(*image, reduceBy, buffers[0], buffers[1], buffers[2], check);
+              return StraightenBits(*image, search, buffers[0], buffers[1], buffers[2], check);
             }
-            return StraightenBytes(view, reduceBy, interpolation, buffers[0], check);
+            return StraightenBytes(view, search, interpolation, buffers[0], check);
           }};
 }
 
 }  // namespace
 
 std::vector<Straightener> OpenCvStraighteners(const TestImage& scan, int32_t interpolation) {
-  return {OneOf(scan, interpolation, cv::INTER_AREA, false),
-          OneOf(scan, interpolation, cv::INTER_NEAREST, true)};
+  return {
+      OneOf(scan, interpolation, "OpenCV, averaged search", {kReduction, cv::INTER_AREA}, false),
+      OneOf(scan, interpolation, "OpenCV, sampled search, buffers kept",
+            {kReduction, cv::INTER_NEAREST}, true)};
+}
+
+Straightener OpenCvOutline(const TestImage& scan, int32_t interpolation) {
+  return OneOf(scan, interpolation, "OpenCV, outline at full size", {1, cv::INTER_AREA}, false);
 }
 
 Straightener OpenCvRotation(const TestImage& scan, int32_t interpolation) {
   const cv::Mat view = View(scan);
-  const PagePlace place = *FindPage(view, cv::INTER_AREA);
+  const PagePlace place = *FindPage(view, {kReduction, cv::INTER_AREA});
   auto upright = std::make_shared<cv::Mat>();
   return {"OpenCV, buffer kept", [=](StraightPage* check) {
             TurnPage(view, place, interpolation, *upright);

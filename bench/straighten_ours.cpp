@@ -1,9 +1,8 @@
 #include <algorithm>
 #include <stdexcept>
 
-#include "deskew/page_records.h"
+#include "found_page.h"
 #include "frame/scratch.h"
-#include "frame/settings.h"
 #include "frame/trigonometry.h"
 #include "rotate/rotate_image.h"
 #include "straighteners.h"
@@ -45,13 +44,10 @@ Straightener Ours(const TestImage& scan, int32_t interpolation) {
 
 Straightener OurRotation(const TestImage& scan, int32_t interpolation) {
   const ImageRec* source = scan.rec();
-  auto records = std::make_shared<deskew::PageRecords>();
-  double angle = 0;
-  frame::ScratchImage upright;
-  frame::settings.pageRecords = records.get();
-  const int32_t found = ImageVorlaneEx(source, interpolation, 0, 0, &angle, upright.rec());
-  frame::settings.pageRecords = nullptr;
-  if (found != STATUS_OK) throw std::runtime_error("no page found on the drawn scan");
+  auto records = std::make_shared<deskew::PageRecords>(FindPage(*source));
+  if (records->stage != deskew::PageStage::kCorners) {
+    throw std::runtime_error("no page found on the drawn scan");
+  }
 
   return {"VorlanePic", [source, interpolation, records](StraightPage* check) {
             const analysis::DocumentGeometry& geometry = records->geometry;

@@ -34,6 +34,10 @@ struct Straightener {
 Straightener Ours(const testing::TestImage& scan, int32_t interpolation);
 std::vector<Straightener> OpenCvStraighteners(const testing::TestImage& scan,
                                               int32_t interpolation);
+// The page engine, and what a script does with OpenCV: an outline of the scan at its full size.
+std::vector<Straightener> EngineStraighteners(const testing::TestImage& scan,
+                                              int32_t interpolation);
+Straightener OpenCvOutline(const testing::TestImage& scan, int32_t interpolation);
 // None for bicubic sampling, which Leptonica does not have.
 std::vector<Straightener> LeptonicaStraighteners(const testing::TestImage& scan,
                                                  int32_t interpolation);

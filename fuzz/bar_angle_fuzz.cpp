@@ -2,7 +2,6 @@
 #include <cmath>
 #include <vector>
 
-#include "frame/settings.h"
 #include "fuzz_pages.h"
 #include "vorlanepic/vorlanepic.h"
 
@@ -34,7 +33,6 @@ void RequireSoundAngle(int32_t status, double angle) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  frame::settings = frame::Settings{};
   FuzzInput input(data, size);
   const BarLimits limits(input);
   const testing::TestImage form = DrawFuzzForm(input);

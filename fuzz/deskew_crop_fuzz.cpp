@@ -2,8 +2,8 @@
 #include <memory>
 #include <vector>
 
+#include "api/service_call.h"
 #include "frame/scratch.h"
-#include "frame/settings.h"
 #include "fuzz_crop_param.h"
 #include "fuzz_pages.h"
 #include "support/profile_file.h"
@@ -65,7 +65,7 @@ void CropDibs(const std::vector<DibRec>& images, const CropCall& call) {
   double measured = 0;
   const int32_t angleStatus =
       ImageDeskewAngle(images.data(), call.threshold, &measured, call.param);
-  Require(frame::settings.AngleOnlyFlag == 0, "the angle alone leaves later calls to make images");
+  Require(api::settings.AngleOnlyFlag == 0, "the angle alone leaves later calls to make images");
   if (status == STATUS_OK && call.background == 0 && call.cornerOption == 0) {
     Require(angleStatus == STATUS_OK && measured == angle, "the angle alone is the same angle");
   }
@@ -74,7 +74,7 @@ void CropDibs(const std::vector<DibRec>& images, const CropCall& call) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  frame::settings = frame::Settings{};
+  api::settings = {};
   FuzzInput input(data, size);
   std::vector<testing::TestImage> pages;
   pages.reserve(kMaxImages);

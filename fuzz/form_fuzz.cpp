@@ -1,5 +1,5 @@
 // Line-guided deskew of forms, with any arguments and any profile.
-#include "frame/settings.h"
+#include "api/service_call.h"
 #include "fuzz_crop_param.h"
 #include "fuzz_pages.h"
 #include "support/profile_file.h"
@@ -8,14 +8,14 @@ using namespace vorlanepic;
 using namespace vorlanepic::fuzz;
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  frame::settings = frame::Settings{};
+  api::settings = {};
   FuzzInput input(data, size);
   const testing::TestImage form = DrawFuzzForm(input);
   const FuzzDib dib(*form.rec(), input);
   const int32_t interpolation = input.MostlyIn(1, 3);
   const int32_t threshold = input.MostlyIn(0, 255);
   const uint8_t fill[3] = {input.Byte(), input.Byte(), input.Byte()};
-  frame::settings.CropPixelFlag = input.Flag() ? 1 : 0;
+  api::settings.CropPixelFlag = input.Flag() ? 1 : 0;
 
   FuzzInput fields = input;
   for (int skipped = 0; skipped < 60; ++skipped) input.Byte();

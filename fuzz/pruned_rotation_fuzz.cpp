@@ -3,8 +3,8 @@
 #include <cmath>
 #include <vector>
 
+#include "api/service_call.h"
 #include "frame/scratch.h"
-#include "frame/settings.h"
 #include "fuzz_pages.h"
 #include "vorlanepic/vorlanepic.h"
 
@@ -56,7 +56,7 @@ void StraightenInPlace(const ImageRec& page, FuzzInput& input) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  frame::settings = frame::Settings{};
+  api::settings = {};
   FuzzInput input(data, size);
   const testing::TestImage page = DrawFuzzPage(input);
   StraightenToNewImage(*page.rec(), input);

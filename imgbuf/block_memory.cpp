@@ -6,6 +6,8 @@
 
 #if defined(__linux__)
 #include <sys/mman.h>
+
+#include "frame/large_pages.h"
 #endif
 
 namespace imgbuf {
@@ -27,7 +29,7 @@ void* PlaceBlock(void* base, size_t mappedBytes) {
 }
 
 #if defined(__linux__)
-constexpr size_t kLargePage = size_t{2} << 20;
+using vorlanepic::frame::kLargePage;
 
 // A mapping that begins on a large page, so that the system can back all of it with such pages.
 void* MapLargePages(size_t bytes) {

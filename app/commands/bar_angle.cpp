@@ -8,9 +8,9 @@
 #include "app/commands/commands.h"
 #include "app/commands/dib_image.h"
 #include "app/judge/bar_words.h"
-#include "app/judge/record_scope.h"
 #include "app/judge/threshold_choice.h"
 #include "app/overlay/bar_overlay.h"
+#include "omr/mark_sheet_angle.h"
 
 namespace vorlane::commands {
 namespace {
@@ -54,23 +54,23 @@ void Measure(const BarOptions& options, const files::Page& page, BarCall* call) 
   call->minLength = Scaled(options.minLength, kBarLength, dpi);
   call->minThickness = Scaled(options.minThickness, kBarMinThickness, dpi);
   call->maxThickness = Scaled(options.maxThickness, kBarMaxThickness, dpi);
-  const judging::RecordScope scope(nullptr, &call->records);
   ScratchDib dib;
   call->status = MakeDib(image, dpi, RowOrder::kBottomFirst, &dib);
   if (call->status != STATUS_OK) return;
   double radians = 0;
   call->milliseconds = Timed([&] {
-    call->status = GetAngleOMR(dib.rec(), call->threshold, call->minLength, call->minThickness,
-                               call->maxThickness, &radians);
+    call->status = vorlanepic::omr::MeasureBarOfDib(
+        dib.rec(), call->threshold, {call->minLength, call->minThickness, call->maxThickness},
+        &call->records, &radians);
   });
   call->degrees = radians * 57.29577951308232;
 }
 
 nlohmann::ordered_json CandidateJson(const vorlanepic::omr::ExaminedBar& bar) {
-  return {{"left", bar.left},
-          {"top", bar.top},
-          {"right", bar.right},
-          {"bottom", bar.bottom},
+  return {{"left", bar.box.left},
+          {"top", bar.box.top},
+          {"right", bar.box.right},
+          {"bottom", bar.box.bottom},
           {"length", bar.length},
           {"thickness", bar.thickness},
           {"thinnest", bar.thinnest},

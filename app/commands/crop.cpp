@@ -7,10 +7,9 @@
 #include "app/batch/page_set.h"
 #include "app/commands/commands.h"
 #include "app/commands/deskew_options.h"
-#include "app/commands/dib_image.h"
 #include "app/commands/fill_colour.h"
 #include "app/judge/page_geometry.h"
-#include "app/judge/record_scope.h"
+#include "app/judge/service_runs.h"
 #include "app/judge/threshold_choice.h"
 #include "frame/trigonometry.h"
 
@@ -31,7 +30,6 @@ void FinishOutcome(int32_t method, double angle, const ImageRec& image,
                    judging::TurnOutcome* outcome) {
   outcome->kind = method == 2 ? judging::TurnKind::kBorderVote : judging::TurnKind::kPruned;
   outcome->threshold = outcome->page->threshold;
-  if (method != 2) outcome->arrangement = judging::RecordScope::Arrangement(*outcome->page);
   if (outcome->status != STATUS_OK) return;
   outcome->degrees =
       judging::NormalDegrees(method == 2 ? angle : angle * vorlanepic::frame::kDegreesPerRadian);
@@ -44,14 +42,13 @@ judging::TurnOutcome CropSet(const CropOptions& options, const std::vector<Image
                              int32_t threshold, std::vector<ImageRec>* results) {
   judging::TurnOutcome outcome;
   outcome.page = std::make_unique<vorlanepic::deskew::PageRecords>();
-  const judging::RecordScope scope(outcome.page.get(), nullptr);
   const DeskewCropParam param = ParamOf(options.deskew);
   const std::array<uint8_t, 3> fill = FillBytes(options.fill, pages[0].bitsPerPixel);
   double angle = 0;
   outcome.milliseconds = Timed([&] {
-    outcome.status = ImageDeskewCropEx(pages.data(), options.interpolation, threshold, 0,
-                                       options.corner, fill.data(), &angle, results->data(), param,
-                                       static_cast<int32_t>(pages.size()));
+    outcome.status = judging::RunCrop(
+        pages, {options.interpolation, threshold, options.corner, fill.data(), param, false},
+        &angle, results->data(), outcome.page.get());
   });
   if (outcome.status != STATUS_OK) batch::ReleaseAll(results);
   FinishOutcome(MethodOf(options.deskew), angle, pages[0], &outcome);
@@ -70,16 +67,15 @@ judging::TurnOutcome MeasureAngle(const CropOptions& options, const ImageRec& im
                                   int32_t threshold) {
   judging::TurnOutcome outcome;
   outcome.page = std::make_unique<vorlanepic::deskew::PageRecords>();
-  const judging::RecordScope scope(outcome.page.get(), nullptr);
-  ScratchDib dib;
+  const std::array<uint8_t, 3> fill{};
+  ImageRec none{};
   double angle = 0;
-  // The page's own row order: the angle is then the one that crop reports, sign included.
-  outcome.status = MakeDib(image, 0, RowOrder::kTopFirst, &dib);
-  if (outcome.status == STATUS_OK) {
-    const DeskewCropParam param = ParamOf(options.deskew);
-    outcome.milliseconds =
-        Timed([&] { outcome.status = ImageDeskewAngle(dib.rec(), threshold, &angle, param); });
-  }
+  outcome.milliseconds = Timed([&] {
+    outcome.status = judging::RunCrop(
+        std::span(&image, 1),
+        {INTERP_BILINEAR, threshold, 0, fill.data(), ParamOf(options.deskew), true}, &angle, &none,
+        outcome.page.get());
+  });
   FinishOutcome(MethodOf(options.deskew), angle, image, &outcome);
   return outcome;
 }

@@ -6,7 +6,7 @@
 #include "app/commands/dib_image.h"
 #include "app/commands/fill_colour.h"
 #include "app/judge/page_geometry.h"
-#include "app/judge/record_scope.h"
+#include "app/judge/service_runs.h"
 #include "app/judge/threshold_choice.h"
 
 namespace vorlane::commands {
@@ -30,7 +30,6 @@ judging::TurnOutcome StraightenForm(const FormOptions& options, const files::Pag
   outcome.page = std::make_unique<vorlanepic::deskew::PageRecords>();
   outcome.bar = std::make_unique<vorlanepic::omr::BarRecords>();
   outcome.threshold = options.threshold >= 0 ? options.threshold : judging::SplitLevel(image);
-  const judging::RecordScope scope(outcome.page.get(), outcome.bar.get());
 
   ScratchDib source;
   outcome.status =
@@ -42,8 +41,8 @@ judging::TurnOutcome StraightenForm(const FormOptions& options, const files::Pag
   double degrees = 0;
   outcome.milliseconds = Timed([&] {
     outcome.status =
-        ImageDeskewCropWithLine(source.rec(), options.interpolation, outcome.threshold, 0, 0,
-                                fill.data(), &degrees, result.rec(), param, 0, 0, 0, 0, 1);
+        judging::RunForm(*source.rec(), {options.interpolation, outcome.threshold, fill.data()},
+                         param, &degrees, result.rec(), outcome.page.get(), outcome.bar.get());
   });
   if (outcome.status == STATUS_OK) {
     outcome.status = FromDib(result.rec(), RowOrder::kBottomFirst, &outcome.result);

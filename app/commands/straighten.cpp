@@ -3,7 +3,7 @@
 
 #include "app/commands/commands.h"
 #include "app/judge/page_geometry.h"
-#include "app/judge/record_scope.h"
+#include "app/judge/service_runs.h"
 #include "frame/trigonometry.h"
 
 namespace vorlane::commands {
@@ -20,14 +20,14 @@ judging::TurnOutcome Straighten(const StraightenOptions& options, const ImageRec
                                 int32_t threshold) {
   judging::TurnOutcome outcome;
   outcome.page = std::make_unique<vorlanepic::deskew::PageRecords>();
-  const judging::RecordScope scope(outcome.page.get(), nullptr);
   double radians = 0;
   outcome.milliseconds = Timed([&] {
-    outcome.status = ImageVorlaneEx(&image, options.interpolation, threshold, options.background,
-                                    &radians, outcome.result.rec());
+    constexpr uint8_t kBlack[3] = {0, 0, 0};
+    outcome.status =
+        judging::RunPruned(image, {options.interpolation, threshold, options.background, 0, kBlack},
+                           &radians, outcome.result.rec(), outcome.page.get());
   });
   outcome.threshold = outcome.page->threshold;
-  outcome.arrangement = judging::RecordScope::Arrangement(*outcome.page);
   if (outcome.status != STATUS_OK) return outcome;
   outcome.degrees = judging::NormalDegrees(radians * vorlanepic::frame::kDegreesPerRadian);
   outcome.verdict = judging::Judge(outcome, image);

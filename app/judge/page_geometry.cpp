@@ -17,7 +17,7 @@ constexpr int32_t kVoteReach = 8;
 // A border point lies up to 3 pixels inside the edge that it marks.
 constexpr int32_t kFrameMargin = 4;
 
-bool IsOnFrame(const ImageRec& image, Side side, const vorlanepic::analysis::EdgePoint& p) {
+bool IsOnFrame(const ImageRec& image, Side side, const vorlanepic::frame::PixelPoint& p) {
   switch (side) {
     case Side::kLeft:
       return p.x < kFrameMargin;
@@ -31,10 +31,10 @@ bool IsOnFrame(const ImageRec& image, Side side, const vorlanepic::analysis::Edg
 }
 
 // The direction of the points' longest extent, folded to the nearest page axis.
-void FitAcross(const std::vector<vorlanepic::analysis::EdgePoint>& points, SideMeasure* measure) {
+void FitAcross(const std::vector<vorlanepic::frame::PixelPoint>& points, SideMeasure* measure) {
   double meanX = 0;
   double meanY = 0;
-  for (const vorlanepic::analysis::EdgePoint& p : points) {
+  for (const vorlanepic::frame::PixelPoint& p : points) {
     meanX += p.x;
     meanY += p.y;
   }
@@ -45,7 +45,7 @@ void FitAcross(const std::vector<vorlanepic::analysis::EdgePoint>& points, SideM
   double xx = 0;
   double xy = 0;
   double yy = 0;
-  for (const vorlanepic::analysis::EdgePoint& p : points) {
+  for (const vorlanepic::frame::PixelPoint& p : points) {
     xx += (p.x - meanX) * (p.x - meanX);
     xy += (p.x - meanX) * (p.y - meanY);
     yy += (p.y - meanY) * (p.y - meanY);
@@ -58,7 +58,7 @@ void FitAcross(const std::vector<vorlanepic::analysis::EdgePoint>& points, SideM
 
   double low = 0;
   double high = 0;
-  for (const vorlanepic::analysis::EdgePoint& p : points) {
+  for (const vorlanepic::frame::PixelPoint& p : points) {
     const double along = (p.x - meanX) * std::cos(direction) + (p.y - meanY) * std::sin(direction);
     low = std::min(low, along);
     high = std::max(high, along);
@@ -83,19 +83,20 @@ const vorlanepic::analysis::SideTrace& TraceOf(const vorlanepic::deskew::PageRec
 }
 
 const vorlanepic::analysis::EdgeLine& EdgeOf(const vorlanepic::deskew::PageRecords& records,
-                                             int32_t arrangement, Side side) {
-  const vorlanepic::analysis::DocumentEdges& e = records.edges;
-  const std::array<const vorlanepic::analysis::EdgeLine*, 4> first = {&e.e2, &e.e4, &e.e1, &e.e3};
-  const std::array<const vorlanepic::analysis::EdgeLine*, 4> second = {&e.e1, &e.e3, &e.e4, &e.e2};
-  return *(arrangement == 2 ? second : first)[IndexOf(side)];
+                                             Side side) {
+  const vorlanepic::analysis::DocumentEdges& edges = records.edges;
+  for (const vorlanepic::analysis::EdgeLine* edge : {&edges.e1, &edges.e2, &edges.e3}) {
+    if (edge->side == side) return *edge;
+  }
+  return edges.e4;
 }
 
-std::vector<vorlanepic::analysis::EdgePoint> SupportOf(const TurnOutcome& outcome, Side side) {
-  std::vector<vorlanepic::analysis::EdgePoint> points;
+std::vector<vorlanepic::frame::PixelPoint> SupportOf(const TurnOutcome& outcome, Side side) {
+  std::vector<vorlanepic::frame::PixelPoint> points;
   if (!outcome.page) return points;
   if (outcome.kind == TurnKind::kPruned) {
     for (const vorlanepic::analysis::BorderSegment& segment :
-         EdgeOf(*outcome.page, outcome.arrangement, side).list.view()) {
+         EdgeOf(*outcome.page, side).list.view()) {
       points.insert(points.end(), segment.first, segment.first + segment.count);
     }
     return points;
@@ -103,7 +104,7 @@ std::vector<vorlanepic::analysis::EdgePoint> SupportOf(const TurnOutcome& outcom
   const vorlanepic::deskew::BorderVote& vote = outcome.page->votes[IndexOf(side)];
   const vorlanepic::analysis::SideTrace& trace = TraceOf(*outcome.page, side);
   if (!vote.hasAngle) return points;
-  for (const vorlanepic::analysis::EdgePoint& p :
+  for (const vorlanepic::frame::PixelPoint& p :
        trace.points.span().first(static_cast<size_t>(trace.pointCount))) {
     int32_t distance = 0;
     if (vorlanepic::analysis::DistanceToLine(p.x, p.y, vote.line, &distance) != STATUS_OK) break;
@@ -115,13 +116,13 @@ std::vector<vorlanepic::analysis::EdgePoint> SupportOf(const TurnOutcome& outcom
 SideMeasure MeasureSide(const TurnOutcome& outcome, const ImageRec& image, Side side) {
   SideMeasure measure;
   measure.side = side;
-  const std::vector<vorlanepic::analysis::EdgePoint> points = SupportOf(outcome, side);
+  const std::vector<vorlanepic::frame::PixelPoint> points = SupportOf(outcome, side);
   measure.points = static_cast<int32_t>(points.size());
   if (points.size() < 2) return measure;
   FitAcross(points, &measure);
   const auto onFrame = std::count_if(
       points.begin(), points.end(),
-      [&](const vorlanepic::analysis::EdgePoint& p) { return IsOnFrame(image, side, p); });
+      [&](const vorlanepic::frame::PixelPoint& p) { return IsOnFrame(image, side, p); });
   measure.onFrameShare = static_cast<double>(onFrame) / static_cast<double>(points.size());
   return measure;
 }
@@ -162,7 +163,7 @@ CutRect CutOf(const TurnOutcome& outcome) {
     return cut;
   }
   if (records.stage < vorlanepic::deskew::PageStage::kTurned) return cut;
-  const vorlanepic::deskew::ContentBounds& content = records.content;
+  const vorlanepic::frame::PixelRect& content = records.content;
   cut.isKnown = true;
   cut.center = {content.left + std::floor((content.right - content.left + 1) / 2.0),
                 content.top + std::floor((content.bottom - content.top + 1) / 2.0)};

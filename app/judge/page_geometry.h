@@ -10,7 +10,7 @@
 
 namespace vorlane::judging {
 
-enum class Side { kLeft, kRight, kTop, kBottom };
+using vorlanepic::analysis::Side;
 inline constexpr std::array<Side, 4> kSides = {Side::kLeft, Side::kRight, Side::kTop,
                                                Side::kBottom};
 const char* SideName(Side side);
@@ -19,11 +19,11 @@ const char* SideName(Side side);
 const vorlanepic::analysis::SideTrace& TraceOf(const vorlanepic::deskew::PageRecords& records,
                                                Side side);
 const vorlanepic::analysis::EdgeLine& EdgeOf(const vorlanepic::deskew::PageRecords& records,
-                                             int32_t arrangement, Side side);
+                                             Side side);
 
 // The border points that a side's line rests on: those of the segments its edge kept, or, for the
 // border vote, those near the winning line of that border.
-std::vector<vorlanepic::analysis::EdgePoint> SupportOf(const TurnOutcome& outcome, Side side);
+std::vector<vorlanepic::frame::PixelPoint> SupportOf(const TurnOutcome& outcome, Side side);
 
 // The straight line through a side's supporting points, fitted by least squares across it.
 struct SideMeasure {

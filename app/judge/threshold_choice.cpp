@@ -61,7 +61,7 @@ int32_t SplitLevel(const ImageRec& image) {
 int32_t PageThreshold(const ImageRec& image) {
   constexpr uint8_t kLeast = 80;
   uint8_t estimate = 0;
-  if (vorlanepic::analysis::EstimateThreshold(&image, &estimate) != STATUS_OK || estimate < kLeast)
+  if (vorlanepic::analysis::EstimateThreshold(image, &estimate) != STATUS_OK || estimate < kLeast)
     return kLeast;
   return SplitLevel(image) + 1;
 }

@@ -36,9 +36,8 @@ struct TurnOutcome {
   vorlanepic::frame::ScratchImage result;  // empty on failure and for angle-only calls
   std::unique_ptr<vorlanepic::deskew::PageRecords> page;  // of the stages that ran
   std::unique_ptr<vorlanepic::omr::BarRecords> bar;       // kBar only
-  int32_t arrangement = 1;  // kPruned: which side each edge code names
-  bool isFlipped = false;   // the records' rows count from the page's bottom
-  Verdict verdict;          // when status is 0
+  bool isFlipped = false;  // the records' rows count from the page's bottom
+  Verdict verdict;         // when status is 0
   std::vector<std::string> notes;
 };
 

@@ -26,8 +26,9 @@ void DrawCandidate(OverlayCanvas* canvas, const vorlanepic::omr::ExaminedBar& ba
   const bool isChosen = bar.verdict == vorlanepic::omr::BarVerdict::kChosen;
   const Colour colour = isChosen ? kChosen : kRejected;
   const double gap = 3 * canvas->unit();
-  canvas->Box(bar.left - gap, bar.top - gap, bar.right + gap, bar.bottom + gap, 1.2, colour);
-  canvas->Label({bar.left - gap, bar.top - 2 * gap},
+  canvas->Box(bar.box.left - gap, bar.box.top - gap, bar.box.right + gap, bar.box.bottom + gap, 1.2,
+              colour);
+  canvas->Label({bar.box.left - gap, bar.box.top - 2 * gap},
                 std::to_string(number) + " " + judging::BarVerdictName(bar.verdict), colour);
 }
 

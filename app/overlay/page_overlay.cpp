@@ -29,7 +29,7 @@ constexpr Colour ColourOf(judging::Side side) {
   }
 }
 
-Place At(const vorlanepic::analysis::EdgePoint& p) {
+Place At(const vorlanepic::frame::PixelPoint& p) {
   return {static_cast<double>(p.x), static_cast<double>(p.y)};
 }
 
@@ -38,13 +38,13 @@ void DrawLine(OverlayCanvas* canvas, const vorlanepic::analysis::BorderLine& lin
               Colour colour) {
   const double far = canvas->width() + canvas->height();
   switch (line.kind) {
-    case vorlanepic::analysis::kLineHorizontal:
+    case vorlanepic::analysis::LineKind::kHorizontal:
       canvas->Line({-far, line.intercept}, {far, line.intercept}, width, colour);
       break;
-    case vorlanepic::analysis::kLineVertical:
+    case vorlanepic::analysis::LineKind::kVertical:
       canvas->Line({line.intercept, -far}, {line.intercept, far}, width, colour);
       break;
-    case vorlanepic::analysis::kLineGeneral: {
+    case vorlanepic::analysis::LineKind::kGeneral: {
       // From the page's middle row, so that a steep line keeps its precision.
       const double y = canvas->height() / 2.0;
       const double x = (y - line.intercept) / line.slope;
@@ -60,17 +60,17 @@ void DrawLine(OverlayCanvas* canvas, const vorlanepic::analysis::BorderLine& lin
 }
 
 void DrawTrace(OverlayCanvas* canvas, const vorlanepic::analysis::SideTrace& trace, Colour colour) {
-  for (const vorlanepic::analysis::EdgePoint& p :
+  for (const vorlanepic::frame::PixelPoint& p :
        trace.points.span().first(static_cast<size_t>(trace.pointCount))) {
     canvas->Dot(At(p), 1.5, {0, 0, 0});
     canvas->Dot(At(p), 0.9, colour);
   }
 }
 
-void DrawSupport(OverlayCanvas* canvas, const std::vector<vorlanepic::analysis::EdgePoint>& points,
+void DrawSupport(OverlayCanvas* canvas, const std::vector<vorlanepic::frame::PixelPoint>& points,
                  Colour colour) {
-  for (const vorlanepic::analysis::EdgePoint& p : points) canvas->Dot(At(p), 2.2, {0, 0, 0});
-  for (const vorlanepic::analysis::EdgePoint& p : points) canvas->Dot(At(p), 1.6, colour);
+  for (const vorlanepic::frame::PixelPoint& p : points) canvas->Dot(At(p), 2.2, {0, 0, 0});
+  for (const vorlanepic::frame::PixelPoint& p : points) canvas->Dot(At(p), 1.6, colour);
 }
 
 // Where the content's upper edge went, from the centre upwards as it stands on the turned page.
@@ -121,8 +121,7 @@ void DrawSides(OverlayCanvas* canvas, const judging::TurnOutcome& outcome) {
   if (outcome.kind == judging::TurnKind::kPruned) {
     if (records.stage >= vorlanepic::deskew::PageStage::kCorners) {
       for (const judging::Side side : judging::kSides) {
-        DrawLine(canvas, judging::EdgeOf(records, outcome.arrangement, side).line, 0.8,
-                 ColourOf(side));
+        DrawLine(canvas, judging::EdgeOf(records, side).line, 0.8, ColourOf(side));
       }
     }
   } else {
@@ -142,7 +141,7 @@ void DrawContent(OverlayCanvas* canvas, const judging::TurnOutcome& outcome) {
   const vorlanepic::deskew::PageRecords& records = *outcome.page;
   if (records.stage < vorlanepic::deskew::PageStage::kContent) return;
   const double last = canvas->height() - 1;
-  const vorlanepic::deskew::ContentBounds& c = records.content;
+  const vorlanepic::frame::PixelRect& c = records.content;
   const double top = outcome.isFlipped ? last - c.bottom : c.top;
   const double bottom = outcome.isFlipped ? last - c.top : c.bottom;
   canvas->Box(c.left, top, c.right, bottom, 1.2, kContent);

@@ -10,7 +10,8 @@ namespace vorlanepic::analysis {
 
 // Whether the line has a place and a direction.
 inline bool IsFitted(const BorderLine& line) {
-  return line.kind == kLineHorizontal || line.kind == kLineVertical || line.kind == kLineGeneral;
+  return line.kind == LineKind::kHorizontal || line.kind == LineKind::kVertical ||
+         line.kind == LineKind::kGeneral;
 }
 
 // Signed distances in pixels from a fitted line, truncated toward zero. What is the same
@@ -19,7 +20,7 @@ class LineDistance {
  public:
   explicit LineDistance(const BorderLine& line);
 
-  int32_t Of(EdgePoint p) const {
+  int32_t Of(frame::PixelPoint p) const {
     return frame::TruncToInt32((rowFactor_ * p.y - offset_ - p.x * columnFactor_) / length_);
   }
 

@@ -4,31 +4,17 @@
 #include <cstdint>
 #include <span>
 
+#include "frame/geometry.h"
 #include "frame/scratch.h"
 
 namespace vorlanepic::analysis {
 
-// Columns left..right and rows top..bottom that are searched for the border, all inclusive, in
-// pixels.
-struct ScanBand {
-  int32_t left;
-  int32_t right;
-  int32_t top;
-  int32_t bottom;
-};
-
-// A pixel position. A 1-bit walk may put its point one run past the image: x up to the width.
-struct EdgePoint {
-  int32_t x;
-  int32_t y;
-};
-
 // A run of neighbouring border points.
 struct BorderSegment {
-  int32_t count;           // points
-  const EdgePoint* first;  // its first point, in the point array of the trace it came from
-  int32_t used;            // 1: the edge selection keeps it
-  int32_t meanX;           // mean of the points, truncated; their sum while the segment grows
+  int32_t count;                   // points
+  const frame::PixelPoint* first;  // its first point, in the point array of the trace it came from
+  int32_t used;                    // 1: the edge selection keeps it
+  int32_t meanX;  // mean of the points, truncated; their sum while the segment grows
   int32_t meanY;
 };
 
@@ -50,7 +36,7 @@ struct SegmentList {
 // segment, in the order found.
 struct SideTrace {
   int32_t pointCount = 0;
-  frame::ScratchArray<EdgePoint> points;  // room for points.size(), pointCount in use
+  frame::ScratchArray<frame::PixelPoint> points;  // room for points.size(), pointCount in use
   SegmentList list;
 };
 
@@ -62,12 +48,23 @@ struct BorderTraces {
   SideTrace bottom;
 };
 
-// Extreme border points, each picked from a full segment.
+// The first and the last segment of a side's list that hold its extreme point.
+struct ExtremeSegments {
+  int32_t first;
+  int32_t last;
+};
+
+// Extreme border points, each picked from a full segment. A side without a full segment leaves the
+// last segment as the caller set it.
 struct ExtremePoints {
-  EdgePoint leftmost;
-  EdgePoint rightmost;
-  EdgePoint topmost;
-  EdgePoint bottommost;
+  frame::PixelPoint leftmost{};
+  frame::PixelPoint rightmost{};
+  frame::PixelPoint topmost{};
+  frame::PixelPoint bottommost{};
+  ExtremeSegments leftSegments{};
+  ExtremeSegments rightSegments{};
+  ExtremeSegments topSegments{};
+  ExtremeSegments bottomSegments{};
 };
 
 // Grey levels low..high that count as document, both inclusive.
@@ -77,12 +74,12 @@ struct GreyBand {
 };
 
 // What a BorderLine is.
-enum LineKind : int32_t {
-  kLineUnset = 0,
-  kLineHorizontal = 1,  // y = intercept, angle 0
-  kLineVertical = 2,    // x = intercept, angle 90
-  kLineGeneral = 3,     // y = slope * x + intercept
-  kLineNotFitted = 4,
+enum class LineKind : int32_t {
+  kUnset,
+  kHorizontal,  // y = intercept, angle 0
+  kVertical,    // x = intercept, angle 90
+  kGeneral,     // y = slope * x + intercept
+  kNotFitted,
 };
 
 // A straight border line.
@@ -90,19 +87,45 @@ struct BorderLine {
   double intercept = 0.0;
   double slope = 0.0;
   double angle = 0.0;  // degrees against the x axis
-  int32_t kind = kLineUnset;
+  LineKind kind = LineKind::kUnset;
   int32_t midX = 0;  // the point through which the line was fitted
   int32_t midY = 0;
 };
 
+enum class Side : int32_t { kLeft, kRight, kTop, kBottom };
+
+// Which sides the four edges are, in their order.
+enum class Arrangement : int32_t {
+  kUndecided = 0,
+  kTopFirst = 1,   // top, left, bottom, right
+  kLeftFirst = 2,  // left, bottom, right, top
+};
+
+// What of a side's trace an edge is taken from.
+enum class EdgeSource : int32_t {
+  kWholeSides = 0,      // the tested sides are straight
+  kBeyondExtremes = 1,  // the part beyond the side's extreme point
+};
+
+// How the edges came from the traces.
+struct EdgeOrigin {
+  EdgeSource source = EdgeSource::kBeyondExtremes;
+  // Decided unless whole sides were taken by method 1, which puts the top first.
+  Arrangement arrangement = Arrangement::kUndecided;
+};
+
+// An edge's place in the order around the document.
+enum class EdgeCode : int32_t { kE1 = 1, kE2 = 2, kE3 = 3, kE4 = 4 };
+
 // One edge of the document: its line and copies of the segments that it keeps.
 struct EdgeLine {
+  Side side = Side::kLeft;  // whose trace it was taken from
   BorderLine line;
   SegmentList list;
 };
 
-// The four edges. Code 1 is followed by 2, 3 and 4 around the document. In arrangement 1 they are
-// the top, left, bottom and right edge; in arrangement 2 the left, bottom, right and top edge.
+// The four edges, one after the other around the document; each says which side it
+// is.
 struct DocumentEdges {
   EdgeLine e1;
   EdgeLine e2;

@@ -9,7 +9,7 @@
 namespace vorlanepic::analysis {
 namespace {
 
-bool IsInside(const ScanBand& band, const ImageRec& image) {
+bool IsInside(const frame::PixelRect& band, const ImageRec& image) {
   return band.left >= 0 && band.right < image.width && band.top >= 0 && band.bottom < image.height;
 }
 
@@ -27,14 +27,14 @@ int32_t FinishSides(TraceBuilder* first, TraceBuilder* second) {
   return first->IsEmpty() || second->IsEmpty() ? BORDER_NOT_FOUND : STATUS_OK;
 }
 
-// Calls visit(point, segment index) for every point of the full segments, in order. Points are
-// counted off because the segments do not point at them yet.
+// Calls visit(point, segment index) for every point of the segments of `fullCount` points or more,
+// in order. Points are counted off because the segments do not point at them yet.
 template <typename Visit>
-void ForEachFullPoint(SideTrace& trace, Visit visit) {
-  const EdgePoint* point = trace.points.data();
+void ForEachFullPoint(SideTrace& trace, int32_t fullCount, Visit visit) {
+  const frame::PixelPoint* point = trace.points.data();
   int32_t index = 0;
   for (const BorderSegment& segment : trace.list.view()) {
-    if (segment.count >= frame::settings.SegmentPointNum) {
+    if (segment.count >= fullCount) {
       for (int32_t i = 0; i < segment.count; ++i) visit(point[i], index);
     }
     point += segment.count;
@@ -42,61 +42,35 @@ void ForEachFullPoint(SideTrace& trace, Visit visit) {
   }
 }
 
-// Where the settings keep the segments that hold an extreme point.
-struct ExtremeSegments {
-  int32_t* first;
-  int32_t* last;
-};
-
 // Finds the point that lies farthest along `axis`, in direction -1 or 1 of it, starting from the
 // limit that `extreme` holds there. The first of equal points wins; `last` follows the others.
-void FindExtreme(SideTrace& side, int32_t EdgePoint::*axis, int32_t direction, EdgePoint* extreme,
-                 ExtremeSegments segments) {
-  *segments.first = 0;
-  ForEachFullPoint(side, [&](EdgePoint point, int32_t index) {
+void FindExtreme(SideTrace& side, int32_t fullCount, int32_t frame::PixelPoint::*axis,
+                 int32_t direction, frame::PixelPoint* extreme, ExtremeSegments* segments) {
+  segments->first = 0;
+  ForEachFullPoint(side, fullCount, [&](frame::PixelPoint point, int32_t index) {
     const int32_t ahead = (point.*axis - extreme->*axis) * direction;
     if (ahead > 0) {
       *extreme = point;
-      *segments.first = index;
+      segments->first = index;
     }
-    if (ahead >= 0) *segments.last = index;
+    if (ahead >= 0) segments->last = index;
   });
-}
-
-void FindLeftmost(SideTrace& left, int32_t width, EdgePoint* leftmost) {
-  leftmost->x = width;
-  FindExtreme(left, &EdgePoint::x, -1, leftmost,
-              {&frame::settings.LeftExtremeSegFirst, &frame::settings.LeftExtremeSegLast});
 }
 
 // Unlike on the other sides the last of equal points wins.
-void FindRightmost(SideTrace& right, EdgePoint* rightmost) {
-  rightmost->x = 0;
-  frame::settings.RightExtremeSegFirst = 0;
-  ForEachFullPoint(right, [&](EdgePoint point, int32_t index) {
-    if (point.x < rightmost->x) return;
-    *rightmost = point;
-    frame::settings.RightExtremeSegFirst = index;
-    frame::settings.RightExtremeSegLast = index;
+void FindRightmost(SideTrace& right, int32_t fullCount, ExtremePoints* extremes) {
+  extremes->rightmost.x = 0;
+  extremes->rightSegments.first = 0;
+  ForEachFullPoint(right, fullCount, [&](frame::PixelPoint point, int32_t index) {
+    if (point.x < extremes->rightmost.x) return;
+    extremes->rightmost = point;
+    extremes->rightSegments = {index, index};
   });
 }
 
-void FindTopmost(SideTrace& top, int32_t height, EdgePoint* topmost) {
-  topmost->y = height;
-  FindExtreme(top, &EdgePoint::y, -1, topmost,
-              {&frame::settings.TopExtremeSegFirst, &frame::settings.TopExtremeSegLast});
-}
-
-void FindBottommost(SideTrace& bottom, EdgePoint* bottommost) {
-  bottommost->y = 0;
-  FindExtreme(bottom, &EdgePoint::y, 1, bottommost,
-              {&frame::settings.BottomExtremeSegFirst, &frame::settings.BottomExtremeSegLast});
-}
-
 template <typename Pixel>
-int32_t TraceRows(const ImageRec& image, const ScanBand& band, GreyBand levels, TraceBuilder* left,
-                  TraceBuilder* right) {
-  const int32_t run = frame::settings.SearchBorderPixelNum;
+int32_t TraceRows(const ImageRec& image, const frame::PixelRect& band, GreyBand levels, int32_t run,
+                  TraceBuilder* left, TraceBuilder* right) {
   for (int64_t row = band.top; row <= band.bottom; row += 2) {
     const auto y = static_cast<int32_t>(row);
     int32_t status = AddPoint(left, WalkFromLeft<Pixel>(image.rows[y], band, levels, run), y);
@@ -108,15 +82,15 @@ int32_t TraceRows(const ImageRec& image, const ScanBand& band, GreyBand levels, 
 }
 
 template <typename Pixel>
-int32_t TraceColumns(const ImageRec& image, const ScanBand& band, GreyBand levels,
-                     ColumnRange columns, TraceBuilder* top, TraceBuilder* bottom) {
+int32_t TraceColumns(const ImageRec& image, const frame::PixelRect& band, GreyBand levels,
+                     int32_t run, ColumnRange columns, TraceBuilder* top, TraceBuilder* bottom) {
   frame::ScratchArray<int32_t> topRows;
   frame::ScratchArray<int32_t> bottomRows;
   if (!topRows.Allocate(columns.count()) || !bottomRows.Allocate(columns.count())) {
     return OUT_OF_MEMORY;
   }
-  int32_t status = WalkColumns<Pixel>(image, band, levels, frame::settings.SearchBorderPixelNum,
-                                      columns, {topRows.span(), bottomRows.span()});
+  int32_t status =
+      WalkColumns<Pixel>(image, band, levels, run, columns, {topRows.span(), bottomRows.span()});
   if (status != STATUS_OK) return status;
 
   for (size_t i = 0; i < columns.count(); ++i) {
@@ -131,52 +105,54 @@ int32_t TraceColumns(const ImageRec& image, const ScanBand& band, GreyBand level
 
 }  // namespace
 
-int32_t ScanRows(const ImageRec* image, const ScanBand* band, GreyBand levels, SideTrace* left,
-                 SideTrace* right, ExtremePoints* extremes) {
-  if (image == nullptr || band == nullptr || left == nullptr || right == nullptr ||
-      extremes == nullptr) {
-    return BAD_ARGUMENT;
-  }
-  int32_t status = Imgbuf_Check(image);
+int32_t ScanRows(const frame::Settings& settings, const ImageRec& image,
+                 const frame::PixelRect& band, GreyBand levels, SideTrace* left, SideTrace* right,
+                 ExtremePoints* extremes) {
+  int32_t status = Imgbuf_Check(&image);
   if (status != STATUS_OK) return status;
-  if (!IsInside(*band, *image)) return BAD_ARGUMENT;
+  if (!IsInside(band, image)) return BAD_ARGUMENT;
 
-  TraceBuilder leftSide;
-  TraceBuilder rightSide;
-  status = WithDepth(image->bitsPerPixel, [&](auto pixel) {
-    return TraceRows<decltype(pixel)>(*image, *band, levels, &leftSide, &rightSide);
+  TraceBuilder leftSide(settings);
+  TraceBuilder rightSide(settings);
+  status = WithDepth(image.bitsPerPixel, [&](auto pixel) {
+    return TraceRows<decltype(pixel)>(image, band, levels, settings.SearchBorderPixelNum, &leftSide,
+                                      &rightSide);
   });
   if (status != STATUS_OK) return status;
 
-  FindLeftmost(leftSide.trace(), image->width, &extremes->leftmost);
-  FindRightmost(rightSide.trace(), &extremes->rightmost);
+  extremes->leftmost.x = image.width;
+  FindExtreme(leftSide.trace(), settings.SegmentPointNum, &frame::PixelPoint::x, -1,
+              &extremes->leftmost, &extremes->leftSegments);
+  FindRightmost(rightSide.trace(), settings.SegmentPointNum, extremes);
   if (extremes->leftmost.x >= extremes->rightmost.x) return BORDER_NOT_FOUND;
   *left = leftSide.Take();
   *right = rightSide.Take();
   return STATUS_OK;
 }
 
-int32_t ScanColumns(const ImageRec* image, const ScanBand* band, GreyBand levels, SideTrace* top,
+int32_t ScanColumns(const frame::Settings& settings, const ImageRec& image,
+                    const frame::PixelRect& band, GreyBand levels, SideTrace* top,
                     SideTrace* bottom, ExtremePoints* extremes) {
-  if (image == nullptr || band == nullptr || top == nullptr || bottom == nullptr ||
-      extremes == nullptr) {
-    return BAD_ARGUMENT;
-  }
-  int32_t status = Imgbuf_Check(image);
+  int32_t status = Imgbuf_Check(&image);
   if (status != STATUS_OK) return status;
   const ColumnRange columns{extremes->leftmost.x, extremes->rightmost.x};
-  const bool isInside = columns.left >= 0 && columns.right < image->width;
-  if (!IsInside(*band, *image) || !isInside) return BAD_ARGUMENT;
+  const bool isInside = columns.left >= 0 && columns.right < image.width;
+  if (!IsInside(band, image) || !isInside) return BAD_ARGUMENT;
 
-  TraceBuilder topSide;
-  TraceBuilder bottomSide;
-  status = WithDepth(image->bitsPerPixel, [&](auto pixel) {
-    return TraceColumns<decltype(pixel)>(*image, *band, levels, columns, &topSide, &bottomSide);
+  TraceBuilder topSide(settings);
+  TraceBuilder bottomSide(settings);
+  status = WithDepth(image.bitsPerPixel, [&](auto pixel) {
+    return TraceColumns<decltype(pixel)>(image, band, levels, settings.SearchBorderPixelNum,
+                                         columns, &topSide, &bottomSide);
   });
   if (status != STATUS_OK) return status;
 
-  FindTopmost(topSide.trace(), image->height, &extremes->topmost);
-  FindBottommost(bottomSide.trace(), &extremes->bottommost);
+  extremes->topmost.y = image.height;
+  FindExtreme(topSide.trace(), settings.SegmentPointNum, &frame::PixelPoint::y, -1,
+              &extremes->topmost, &extremes->topSegments);
+  extremes->bottommost.y = 0;
+  FindExtreme(bottomSide.trace(), settings.SegmentPointNum, &frame::PixelPoint::y, 1,
+              &extremes->bottommost, &extremes->bottomSegments);
   if (extremes->topmost.y >= extremes->bottommost.y) return BORDER_NOT_FOUND;
   *top = topSide.Take();
   *bottom = bottomSide.Take();

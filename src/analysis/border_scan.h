@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "analysis/border_records.h"
+#include "frame/settings.h"
 #include "vorlanepic/vorlanepic.h"
 
 namespace vorlanepic::analysis {
@@ -11,25 +12,28 @@ namespace vorlanepic::analysis {
 // Finds the rows of `image` that hold the page. A row belongs to it when more than 85 of its pixels
 // (1 unless BorderMethod is 1) are lighter than `low`; every eighth row is looked at.
 //
-// Returns STATUS_OK; BORDER_NOT_FOUND; BAD_ARGUMENT for a null pointer or another depth than 1, 8
-// and 24; or the image library's code.
-int32_t FindBand(const ImageRec* image, ScanBand* band, uint8_t low);
+// Returns STATUS_OK; BORDER_NOT_FOUND; BAD_ARGUMENT for another depth than 1, 8 and 24; or the
+// image library's code.
+int32_t FindBand(const frame::Settings& settings, const ImageRec& image, uint8_t low,
+                 frame::PixelRect* band);
 
 // Traces the left and the right side on every second row of `band`, and sets leftmost and rightmost
-// of `extremes` and the four Left/RightExtremeSeg settings.
+// of `extremes` with their segments.
 //
 //   left, right  empty; on success they hold at least one point and one segment each
 //
-// Returns STATUS_OK; BORDER_NOT_FOUND; OUT_OF_MEMORY; BAD_ARGUMENT for a null pointer, another
-// depth or a point at a negative column; or the image library's code. Both traces stay empty on
-// failure; `extremes` may have been written.
-int32_t ScanRows(const ImageRec* image, const ScanBand* band, GreyBand levels, SideTrace* left,
-                 SideTrace* right, ExtremePoints* extremes);
+// Returns STATUS_OK; BORDER_NOT_FOUND; OUT_OF_MEMORY; BAD_ARGUMENT for another depth, a band
+// outside the image or a point at a negative column; or the image library's code. Both traces stay
+// empty on failure; `extremes` may have been written.
+int32_t ScanRows(const frame::Settings& settings, const ImageRec& image,
+                 const frame::PixelRect& band, GreyBand levels, SideTrace* left, SideTrace* right,
+                 ExtremePoints* extremes);
 
 // Traces the top and the bottom side on every second column from rightmost to leftmost of
-// `extremes`, and sets its topmost and bottommost and the four Top/BottomExtremeSeg settings.
+// `extremes`, and sets its topmost and bottommost with their segments.
 // Arguments and results are those of ScanRows.
-int32_t ScanColumns(const ImageRec* image, const ScanBand* band, GreyBand levels, SideTrace* top,
+int32_t ScanColumns(const frame::Settings& settings, const ImageRec& image,
+                    const frame::PixelRect& band, GreyBand levels, SideTrace* top,
                     SideTrace* bottom, ExtremePoints* extremes);
 
 }  // namespace vorlanepic::analysis

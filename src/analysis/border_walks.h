@@ -25,12 +25,14 @@ inline constexpr int32_t kNoBorder = INT32_MIN;
 // column band.right; its column is `run` pixels past the first of them, which may be the first one
 // outside the image.
 template <typename Pixel>
-int32_t WalkFromLeft(const uint8_t* row, const ScanBand& band, GreyBand levels, int32_t run);
+int32_t WalkFromLeft(const uint8_t* row, const frame::PixelRect& band, GreyBand levels,
+                     int32_t run);
 
 // The mirror image: one pixel before the first met of a run that ends behind column band.left; at 1
 // bit `run` pixels before it, up to column -1.
 template <typename Pixel>
-int32_t WalkFromRight(const uint8_t* row, const ScanBand& band, GreyBand levels, int32_t run);
+int32_t WalkFromRight(const uint8_t* row, const frame::PixelRect& band, GreyBand levels,
+                      int32_t run);
 
 // Columns right, right - 2, ... down to `left`, inside the image.
 struct ColumnRange {
@@ -52,7 +54,7 @@ struct ColumnBorders {
 
 // Walks all columns from both ends. Returns STATUS_OK or OUT_OF_MEMORY.
 template <typename Pixel>
-int32_t WalkColumns(const ImageRec& image, const ScanBand& band, GreyBand levels, int32_t run,
-                    ColumnRange columns, ColumnBorders borders);
+int32_t WalkColumns(const ImageRec& image, const frame::PixelRect& band, GreyBand levels,
+                    int32_t run, ColumnRange columns, ColumnBorders borders);
 
 }  // namespace vorlanepic::analysis

@@ -11,7 +11,8 @@
 namespace vorlanepic::analysis {
 
 template <typename Pixel>
-int32_t PlainWalkFromLeft(const uint8_t* row, const ScanBand& band, GreyBand levels, int32_t run) {
+int32_t PlainWalkFromLeft(const uint8_t* row, const frame::PixelRect& band, GreyBand levels,
+                          int32_t run) {
   for (int32_t x = band.left; x < band.right; ++x) {
     int32_t i = 0;
     while (i < run && x + i < band.right && Pixel::IsDocument(row, x + i, levels)) ++i;
@@ -21,7 +22,8 @@ int32_t PlainWalkFromLeft(const uint8_t* row, const ScanBand& band, GreyBand lev
 }
 
 template <typename Pixel>
-int32_t PlainWalkFromRight(const uint8_t* row, const ScanBand& band, GreyBand levels, int32_t run) {
+int32_t PlainWalkFromRight(const uint8_t* row, const frame::PixelRect& band, GreyBand levels,
+                           int32_t run) {
   for (int32_t x = band.right; x > band.left; --x) {
     int32_t i = 0;
     while (i < run && x - i > band.left && Pixel::IsDocument(row, x - i, levels)) ++i;
@@ -31,7 +33,7 @@ int32_t PlainWalkFromRight(const uint8_t* row, const ScanBand& band, GreyBand le
 }
 
 template <>
-inline int32_t PlainWalkFromLeft<Bit1>(const uint8_t* row, const ScanBand& band, GreyBand,
+inline int32_t PlainWalkFromLeft<Bit1>(const uint8_t* row, const frame::PixelRect& band, GreyBand,
                                        int32_t run) {
   for (int32_t x = band.left; x <= band.right;) {
     int32_t hits = 0;
@@ -45,7 +47,7 @@ inline int32_t PlainWalkFromLeft<Bit1>(const uint8_t* row, const ScanBand& band,
 }
 
 template <>
-inline int32_t PlainWalkFromRight<Bit1>(const uint8_t* row, const ScanBand& band, GreyBand,
+inline int32_t PlainWalkFromRight<Bit1>(const uint8_t* row, const frame::PixelRect& band, GreyBand,
                                         int32_t run) {
   for (int32_t x = band.right; x >= band.left;) {
     int32_t hits = 0;
@@ -59,8 +61,8 @@ inline int32_t PlainWalkFromRight<Bit1>(const uint8_t* row, const ScanBand& band
 }
 
 template <typename Pixel>
-int32_t PlainWalkFromTop(const ImageRec& image, int32_t x, const ScanBand& band, GreyBand levels,
-                         int32_t run) {
+int32_t PlainWalkFromTop(const ImageRec& image, int32_t x, const frame::PixelRect& band,
+                         GreyBand levels, int32_t run) {
   for (int32_t y = band.top; y < band.bottom; ++y) {
     int32_t i = 0;
     while (i < run && y + i < band.bottom && Pixel::IsDocument(image.rows[y + i], x, levels)) ++i;
@@ -70,8 +72,8 @@ int32_t PlainWalkFromTop(const ImageRec& image, int32_t x, const ScanBand& band,
 }
 
 template <typename Pixel>
-int32_t PlainWalkFromBottom(const ImageRec& image, int32_t x, const ScanBand& band, GreyBand levels,
-                            int32_t run) {
+int32_t PlainWalkFromBottom(const ImageRec& image, int32_t x, const frame::PixelRect& band,
+                            GreyBand levels, int32_t run) {
   for (int32_t y = band.bottom; y > band.top; y -= 2) {
     int32_t i = 0;
     while (i < run && y - i > band.top && Pixel::IsDocument(image.rows[y - i], x, levels)) ++i;
@@ -81,8 +83,8 @@ int32_t PlainWalkFromBottom(const ImageRec& image, int32_t x, const ScanBand& ba
 }
 
 template <typename Pixel>
-void PlainWalkColumns(const ImageRec& image, const ScanBand& band, GreyBand levels, int32_t run,
-                      ColumnRange columns, ColumnBorders borders) {
+void PlainWalkColumns(const ImageRec& image, const frame::PixelRect& band, GreyBand levels,
+                      int32_t run, ColumnRange columns, ColumnBorders borders) {
   for (int32_t i = 0, x = columns.right; x >= columns.left; ++i, x -= 2) {
     borders.top[static_cast<size_t>(i)] = PlainWalkFromTop<Pixel>(image, x, band, levels, run);
     borders.bottom[static_cast<size_t>(i)] =

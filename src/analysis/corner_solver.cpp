@@ -11,9 +11,6 @@
 namespace vorlanepic::analysis {
 namespace {
 
-// Entries of the span table beyond the last row.
-constexpr int32_t kSpareSpans = 16;
-
 bool CountEdgePoints(DocumentEdges* edges) {
   for (EdgeLine* edge : {&edges->e1, &edges->e2, &edges->e3, &edges->e4}) {
     if (edge->list.segmentCount == 0) return false;
@@ -39,7 +36,8 @@ int32_t FindCorners(const DocumentEdges& edges, DocumentCorners* corners) {
 // The middle of two coordinates, rounded up.
 int32_t Middle(int32_t a, int32_t b) { return frame::WrapAdd(frame::WrapAdd(a, b), 1) >> 1; }
 
-int32_t FindCenter(const ImageRec& image, const DocumentCorners& corners, EdgePoint* center) {
+int32_t FindCenter(const ImageRec& image, const DocumentCorners& corners,
+                   frame::PixelPoint* center) {
   center->x = Middle(corners.c43.x, corners.c12.x);
   center->y = Middle(corners.c23.y, corners.c14.y);
   const bool isInside =
@@ -49,7 +47,7 @@ int32_t FindCenter(const ImageRec& image, const DocumentCorners& corners, EdgePo
 
 // Distance in pixels, rounded; INT32_MIN for points so far apart that the sum of squares wraps
 // below 0.
-int32_t Length(EdgePoint a, EdgePoint b) {
+int32_t Length(frame::PixelPoint a, frame::PixelPoint b) {
   const int32_t dx = frame::WrapSub(a.x, b.x);
   const int32_t dy = frame::WrapSub(a.y, b.y);
   const int32_t squares = frame::WrapAdd(frame::WrapMul(dx, dx), frame::WrapMul(dy, dy));
@@ -92,51 +90,48 @@ int32_t FindRows(const DocumentCorners& corners, int32_t height, rotate::RowSpan
 // Column of `line` in row y, 0..width - 1; a level line gives the corner's column.
 int32_t ColumnAt(const BorderLine& line, int32_t y, int32_t cornerX, int32_t width) {
   int32_t x = cornerX;
-  if (line.kind == kLineGeneral) x = frame::RoundToInt32((y - line.intercept) / line.slope);
-  if (line.kind == kLineVertical) x = frame::RoundToInt32(line.intercept);
+  if (line.kind == LineKind::kGeneral) x = frame::RoundToInt32((y - line.intercept) / line.slope);
+  if (line.kind == LineKind::kVertical) x = frame::RoundToInt32(line.intercept);
   return std::clamp(x, 0, width - 1);
 }
 
 int32_t FillSpans(const DocumentEdges& edges, const DocumentCorners& corners, int32_t width,
                   rotate::RowSpans* spans) {
-  if (!spans->spans.Allocate(static_cast<size_t>(spans->bottom) + kSpareSpans)) {
+  if (!spans->spans.Allocate(static_cast<size_t>(spans->bottom) + 1)) {
     return OUT_OF_MEMORY;
   }
-  spans->count = 0;
   for (int32_t y = spans->top; y <= spans->bottom; ++y) {
     const EdgeLine& leftEdge = y < corners.c12.y ? edges.e1 : edges.e2;
     const EdgeLine& rightEdge = y < corners.c43.y ? edges.e4 : edges.e3;
     spans->spans[static_cast<size_t>(y)] = {ColumnAt(leftEdge.line, y, corners.c12.x, width),
                                             ColumnAt(rightEdge.line, y, corners.c43.x, width)};
-    ++spans->count;
   }
   return STATUS_OK;
 }
 
 }  // namespace
 
-int32_t SolveCorners(const ImageRec* image, int32_t cornerOption, const ExtremePoints* extremes,
-                     int32_t straightness, DocumentEdges* edges, DocumentGeometry* geometry) {
-  if (image == nullptr || extremes == nullptr || edges == nullptr || geometry == nullptr) {
-    return BAD_ARGUMENT;
-  }
-  int32_t status = Imgbuf_Check(image);
+int32_t SolveCorners(const frame::Settings& settings, const ImageRec& image, int32_t cornerOption,
+                     const ExtremePoints& extremes, const EdgeOrigin& origin, DocumentEdges* edges,
+                     DocumentGeometry* geometry) {
+  int32_t status = Imgbuf_Check(&image);
   if (status != STATUS_OK) return status;
   if (!CountEdgePoints(edges)) return BAD_ARGUMENT;
 
-  const SolverPath path = ChoosePath(*extremes);
+  const SolverPath path = ChoosePath(settings, extremes, origin.arrangement);
   status = FitEdges(path, edges);
   if (status != STATUS_OK) return status;
-  status = AlignEdges(path, *extremes, cornerOption, straightness, image->height, edges);
+  geometry->isPairUnfitted = IsPairUnfitted(path, *edges);
+  status = AlignEdges(settings, path, extremes, cornerOption, origin.source, image.height, edges);
   if (status != STATUS_OK) return status;
   status = FindCorners(*edges, &geometry->corners);
   if (status != STATUS_OK) return status;
-  status = FindCenter(*image, geometry->corners, &geometry->center);
+  status = FindCenter(image, geometry->corners, &geometry->center);
   if (status != STATUS_OK) return status;
   MeasureDocument(*edges, geometry);
-  status = FindRows(geometry->corners, image->height, &geometry->spans);
+  status = FindRows(geometry->corners, image.height, &geometry->spans);
   if (status != STATUS_OK) return status;
-  return FillSpans(*edges, geometry->corners, image->width, &geometry->spans);
+  return FillSpans(*edges, geometry->corners, image.width, &geometry->spans);
 }
 
 }  // namespace vorlanepic::analysis

@@ -36,8 +36,7 @@ bool IsPageRow(const uint8_t* row, int32_t width, uint8_t low, int32_t limit) {
 }
 
 template <typename Pixel>
-int32_t FindBandRows(const ImageRec& image, ScanBand* band, uint8_t low) {
-  const int32_t limit = frame::settings.BorderMethod == 1 ? kMethod1RowLimit : kRowLimit;
+int32_t FindBandRows(const ImageRec& image, uint8_t low, int32_t limit, frame::PixelRect* band) {
   const auto isPageRow = [&](int64_t y) {
     return IsPageRow<Pixel>(image.rows[y], image.width, low, limit);
   };
@@ -63,12 +62,14 @@ int32_t FindBandRows(const ImageRec& image, ScanBand* band, uint8_t low) {
 
 }  // namespace
 
-int32_t FindBand(const ImageRec* image, ScanBand* band, uint8_t low) {
-  if (image == nullptr || band == nullptr) return BAD_ARGUMENT;
-  const int32_t status = Imgbuf_Check(image);
+int32_t FindBand(const frame::Settings& settings, const ImageRec& image, uint8_t low,
+                 frame::PixelRect* band) {
+  const int32_t status = Imgbuf_Check(&image);
   if (status != STATUS_OK) return status;
-  return WithDepth(image->bitsPerPixel,
-                   [&](auto pixel) { return FindBandRows<decltype(pixel)>(*image, band, low); });
+  const int32_t limit = settings.BorderMethod == 1 ? kMethod1RowLimit : kRowLimit;
+  return WithDepth(image.bitsPerPixel, [&](auto pixel) {
+    return FindBandRows<decltype(pixel)>(image, low, limit, band);
+  });
 }
 
 }  // namespace vorlanepic::analysis

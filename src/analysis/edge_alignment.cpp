@@ -3,7 +3,6 @@
 #include "analysis/border_line.h"
 #include "analysis/line_relations.h"
 #include "frame/arithmetic.h"
-#include "frame/settings.h"
 #include "vorlanepic/vorlanepic.h"
 
 namespace vorlanepic::analysis {
@@ -12,17 +11,17 @@ namespace {
 // Degrees from a right angle within which parallel pairs of edges make a document.
 constexpr double kRectangleDegrees = 2.0;
 
-bool IsUnfitted(const EdgeLine& edge) { return edge.line.kind == kLineNotFitted; }
+bool IsUnfitted(const EdgeLine& edge) { return edge.line.kind == LineKind::kNotFitted; }
 
 // Sets the point through which a repaired edge passes: where `side`, the edge it meets, has the row
 // y. BORDER_NOT_FOUND when that edge is level.
 int32_t PlaceOnSide(BorderLine* line, const BorderLine& side, int32_t y) {
   line->midY = y;
   switch (side.kind) {
-    case kLineVertical:
+    case LineKind::kVertical:
       line->midX = side.midX;
       return STATUS_OK;
-    case kLineGeneral:
+    case LineKind::kGeneral:
       line->midX = frame::TruncToInt32((y - side.intercept) / side.slope);
       return STATUS_OK;
     default:
@@ -31,10 +30,10 @@ int32_t PlaceOnSide(BorderLine* line, const BorderLine& side, int32_t y) {
 }
 
 // Gives the one edge that could not be fitted its opposite's direction and a place.
-int32_t RepairEdge(SolverPath path, const ExtremePoints& extremes, int32_t straightness,
+int32_t RepairEdge(SolverPath path, const ExtremePoints& extremes, EdgeSource source,
                    int32_t height, DocumentEdges* edges) {
   auto& [e1, e2, e3, e4] = *edges;
-  const bool onFrame = straightness == 0;
+  const bool onFrame = source == EdgeSource::kWholeSides;
   const int32_t lastRow = height - 1;
   if (path == SolverPath::kX && IsUnfitted(e1)) {
     TakeDirection(&e1.line, e3.line);
@@ -68,12 +67,13 @@ void MoveOutwards(int32_t cornerOption, DocumentEdges* edges) {
 
 // Repairs a pair of edges (a, b) that is not parallel from the better of the two, or from `third`,
 // which with `fourth` makes the other, parallel pair.
-void RepairPair(BorderLine* a, BorderLine* b, const BorderLine& third, const BorderLine& fourth) {
+void RepairPair(double perpendicular, BorderLine* a, BorderLine* b, const BorderLine& third,
+                const BorderLine& fourth) {
   const double offA = OffPerpendicular(a->angle, third.angle);
   const double offB = OffPerpendicular(b->angle, fourth.angle);
-  if (offA < offB && offA < frame::settings.perpendicular) {
+  if (offA < offB && offA < perpendicular) {
     TakeDirection(b, *a);
-  } else if (offB < offA && offB < frame::settings.perpendicular) {
+  } else if (offB < offA && offB < perpendicular) {
     TakeDirection(a, *b);
   } else {
     MakePerpendicular(a, third);
@@ -81,19 +81,19 @@ void RepairPair(BorderLine* a, BorderLine* b, const BorderLine& third, const Bor
   }
 }
 
-int32_t RepairParallels(DocumentEdges* edges) {
+int32_t RepairParallels(const frame::Settings& settings, DocumentEdges* edges) {
   BorderLine& e1 = edges->e1.line;
   BorderLine& e2 = edges->e2.line;
   BorderLine& e3 = edges->e3.line;
   BorderLine& e4 = edges->e4.line;
-  const bool pair13 = AngleDifference(e1.angle, e3.angle) <= frame::settings.parallel;
-  const bool pair24 = AngleDifference(e2.angle, e4.angle) <= frame::settings.parallel;
+  const bool pair13 = AngleDifference(e1.angle, e3.angle) <= settings.parallel;
+  const bool pair24 = AngleDifference(e2.angle, e4.angle) <= settings.parallel;
   if (pair13 && pair24) {
     const bool isRectangle = OffPerpendicular(e1.angle, e2.angle) < kRectangleDegrees;
     return isRectangle ? STATUS_OK : BORDER_NOT_FOUND;
   }
-  if (pair13) RepairPair(&e2, &e4, e1, e3);
-  if (pair24) RepairPair(&e1, &e3, e2, e4);
+  if (pair13) RepairPair(settings.perpendicular, &e2, &e4, e1, e3);
+  if (pair24) RepairPair(settings.perpendicular, &e1, &e3, e2, e4);
   return STATUS_OK;
 }
 
@@ -104,12 +104,13 @@ void MakeParallel(BorderLine* a, BorderLine* b) {
   SetAngle(b, angle);
 }
 
-int32_t AlignThroughMidpoints(int32_t cornerOption, DocumentEdges* edges) {
+int32_t AlignThroughMidpoints(const frame::Settings& settings, int32_t cornerOption,
+                              DocumentEdges* edges) {
   MoveOutwards(cornerOption, edges);
   auto& [e1, e2, e3, e4] = *edges;
   if (IsUnfitted(e1) || IsUnfitted(e2) || IsUnfitted(e3) || IsUnfitted(e4)) return BORDER_NOT_FOUND;
 
-  const int32_t status = RepairParallels(edges);
+  const int32_t status = RepairParallels(settings, edges);
   if (status != STATUS_OK) return status;
   MakeParallel(&e1.line, &e3.line);
   MakeParallel(&e2.line, &e4.line);
@@ -119,7 +120,7 @@ int32_t AlignThroughMidpoints(int32_t cornerOption, DocumentEdges* edges) {
   return STATUS_OK;
 }
 
-// The code of the edge with the most points. Ties go to E2, E4 and the pair E1, E2.
+// Which edge, 0 to 3, has the most points. Ties go to E2, E4 and the pair E1, E2.
 int32_t ReferenceEdge(const DocumentEdges& edges) {
   const int32_t points1 = edges.e1.list.pointTotal;
   const int32_t points2 = edges.e2.list.pointTotal;
@@ -127,8 +128,8 @@ int32_t ReferenceEdge(const DocumentEdges& edges) {
   const int32_t points4 = edges.e4.list.pointTotal;
   const int32_t best12 = points1 > points2 ? points1 : points2;
   const int32_t best34 = points3 > points4 ? points3 : points4;
-  if (best12 < best34) return points3 > points4 ? 3 : 4;
-  return points1 > points2 ? 1 : 2;
+  if (best12 < best34) return points3 > points4 ? 2 : 3;
+  return points1 > points2 ? 0 : 1;
 }
 
 // The reference edge keeps its line, its opposite becomes parallel to it and the others
@@ -137,12 +138,12 @@ void AlignThroughExtremes(SolverPath path, const ExtremePoints& extremes, Docume
   const bool isX = path == SolverPath::kX;
   const struct {
     BorderLine* line;
-    EdgePoint extreme;
+    frame::PixelPoint extreme;
   } sides[] = {{&edges->e1.line, isX ? extremes.topmost : extremes.leftmost},
                {&edges->e2.line, isX ? extremes.leftmost : extremes.bottommost},
                {&edges->e3.line, isX ? extremes.bottommost : extremes.rightmost},
                {&edges->e4.line, isX ? extremes.rightmost : extremes.topmost}};
-  const int32_t reference = ReferenceEdge(*edges) - 1;
+  const int32_t reference = ReferenceEdge(*edges);
   for (int32_t step = 1; step <= 3; ++step) {
     const auto& side = sides[(reference + step) % 4];
     if (step == 2) {
@@ -156,10 +157,10 @@ void AlignThroughExtremes(SolverPath path, const ExtremePoints& extremes, Docume
 
 }  // namespace
 
-SolverPath ChoosePath(const ExtremePoints& extremes) {
-  const bool isX =
-      (frame::settings.BorderMethod == 1 && extremes.leftmost.y < extremes.rightmost.y) ||
-      (frame::settings.BorderMethod == 3 && frame::settings.EdgeArrangement == 1);
+SolverPath ChoosePath(const frame::Settings& settings, const ExtremePoints& extremes,
+                      Arrangement arrangement) {
+  const bool isX = (settings.BorderMethod == 1 && extremes.leftmost.y < extremes.rightmost.y) ||
+                   (settings.BorderMethod == 3 && arrangement == Arrangement::kTopFirst);
   return isX ? SolverPath::kX : SolverPath::kY;
 }
 
@@ -176,22 +177,24 @@ int32_t FitEdges(SolverPath path, DocumentEdges* edges) {
   return STATUS_OK;
 }
 
-int32_t AlignEdges(SolverPath path, const ExtremePoints& extremes, int32_t cornerOption,
-                   int32_t straightness, int32_t height, DocumentEdges* edges) {
+bool IsPairUnfitted(SolverPath path, const DocumentEdges& edges) {
   const bool isX = path == SolverPath::kX;
-  const bool firstFailed = IsUnfitted(isX ? edges->e1 : edges->e2);
-  const bool secondFailed = IsUnfitted(isX ? edges->e3 : edges->e4);
-  if (firstFailed && secondFailed) frame::settings.ExtremeAnchorFlag = 1.0;
+  return IsUnfitted(isX ? edges.e1 : edges.e2) && IsUnfitted(isX ? edges.e3 : edges.e4);
+}
 
-  if (frame::settings.ExtremeAnchorFlag != 0.0) {
-    if (frame::settings.ExtremeAnchorFlag == 1.0) AlignThroughExtremes(path, extremes, edges);
+int32_t AlignEdges(const frame::Settings& settings, SolverPath path, const ExtremePoints& extremes,
+                   int32_t cornerOption, EdgeSource source, int32_t height, DocumentEdges* edges) {
+  const double anchorFlag = IsPairUnfitted(path, *edges) ? 1.0 : settings.ExtremeAnchorFlag;
+  if (anchorFlag != 0.0) {
+    if (anchorFlag == 1.0) AlignThroughExtremes(path, extremes, edges);
     return STATUS_OK;
   }
-  if (firstFailed || secondFailed) {
-    const int32_t status = RepairEdge(path, extremes, straightness, height, edges);
+  const bool isX = path == SolverPath::kX;
+  if (IsUnfitted(isX ? edges->e1 : edges->e2) || IsUnfitted(isX ? edges->e3 : edges->e4)) {
+    const int32_t status = RepairEdge(path, extremes, source, height, edges);
     if (status != STATUS_OK) return status;
   }
-  return AlignThroughMidpoints(cornerOption, edges);
+  return AlignThroughMidpoints(settings, cornerOption, edges);
 }
 
 }  // namespace vorlanepic::analysis

@@ -1,12 +1,12 @@
 #include "analysis/edge_lines.h"
 
-#include <cstdlib>
+#include <array>
+#include <cstddef>
 
 #include "analysis/border_line.h"
 #include "analysis/segment_selection.h"
 #include "analysis/side_trace.h"
 #include "frame/arithmetic.h"
-#include "frame/settings.h"
 
 namespace vorlanepic::analysis {
 namespace {
@@ -23,20 +23,15 @@ constexpr int32_t kStraightDistance = 36;
 constexpr double kSteepDegrees = 80.0;
 constexpr double kAnyDegrees = -1.0;
 
-// A part of a trace that an edge is taken from: segments first .. end - 1.
+// A part of a side's trace that an edge is taken from: segments first .. end - 1.
 struct SegmentRange {
-  const SegmentList* list;
+  Side side;
   int32_t first;
   int32_t end;
 };
 
-// Where the four edges come from.
-struct EdgeSources {
-  SegmentRange e1;
-  SegmentRange e2;
-  SegmentRange e3;
-  SegmentRange e4;
-};
+// Where the four edges come from, E1 to E4.
+using EdgeRanges = std::array<SegmentRange, 4>;
 
 // Whether a side is straight and its chord steeper than `leastDegrees`, in *isStraight.
 int32_t TestSide(const SideTrace& side, double leastDegrees, bool* isStraight) {
@@ -68,64 +63,77 @@ int32_t TestStraightness(const ExtremePoints& extremes, int32_t height, const Bo
   return TestSide(takesSides ? traces.right : traces.bottom, leastDegrees, areStraight);
 }
 
-void DecideArrangement(const ExtremePoints& extremes) {
+Arrangement DecideArrangement(const ExtremePoints& extremes) {
   const int32_t below = frame::WrapSub(extremes.bottommost.y, extremes.leftmost.y);
   const int32_t above = frame::WrapSub(extremes.leftmost.y, extremes.topmost.y);
-  frame::settings.EdgeArrangement = below > above ? 1 : 2;
+  return below > above ? Arrangement::kTopFirst : Arrangement::kLeftFirst;
 }
 
-SegmentRange WholeSide(const SideTrace& side, int32_t trim) {
-  return {&side.list, trim, side.list.segmentCount - trim};
-}
-
-// The part of a side behind its last extreme segment.
-SegmentRange SideBehind(const SideTrace& side, int32_t extremeLast, int32_t trim) {
-  return {&side.list, extremeLast + trim, side.list.segmentCount - trim};
-}
-
-// The part of a side ahead of its first extreme segment.
-SegmentRange SideAhead(const SideTrace& side, int32_t extremeFirst, int32_t trim) {
-  return {&side.list, trim, extremeFirst - trim};
-}
-
-EdgeSources WholeSides(const BorderTraces& traces, int32_t arrangement, int32_t trim) {
-  const SegmentRange left = WholeSide(traces.left, trim);
-  const SegmentRange right = WholeSide(traces.right, trim);
-  const SegmentRange top = WholeSide(traces.top, trim);
-  const SegmentRange bottom = WholeSide(traces.bottom, trim);
-  return arrangement == 1 ? EdgeSources{top, left, bottom, right}
-                          : EdgeSources{left, bottom, right, top};
-}
-
-EdgeSources SidesBeyondExtremes(const BorderTraces& traces, int32_t arrangement, int32_t trim) {
-  if (arrangement == 1) {
-    return {SideBehind(traces.top, frame::settings.TopExtremeSegLast, trim),
-            SideBehind(traces.left, frame::settings.LeftExtremeSegLast, trim),
-            SideAhead(traces.bottom, frame::settings.BottomExtremeSegFirst, trim),
-            SideAhead(traces.right, frame::settings.RightExtremeSegFirst, trim)};
+const SideTrace& TraceOf(const BorderTraces& traces, Side side) {
+  switch (side) {
+    case Side::kLeft:
+      return traces.left;
+    case Side::kRight:
+      return traces.right;
+    case Side::kTop:
+      return traces.top;
+    default:
+      return traces.bottom;
   }
-  return {SideAhead(traces.left, frame::settings.LeftExtremeSegFirst, trim),
-          SideBehind(traces.bottom, frame::settings.BottomExtremeSegLast, trim),
-          SideBehind(traces.right, frame::settings.RightExtremeSegLast, trim),
-          SideAhead(traces.top, frame::settings.TopExtremeSegFirst, trim)};
 }
 
-// Picks the sources and sets EdgeArrangement where they depend on it.
-EdgeSources PickSources(const ExtremePoints& extremes, int32_t straightness,
-                        const BorderTraces& traces) {
-  const int32_t trim = kTrimPoints / frame::settings.SegmentPointNum;
-  if (straightness == 0 && frame::settings.BorderMethod == 1) return WholeSides(traces, 1, trim);
-  DecideArrangement(extremes);
-  if (straightness == 0 && frame::settings.BorderMethod == 3) {
-    return WholeSides(traces, frame::settings.EdgeArrangement, trim);
+constexpr std::array<Side, 4> SidesOf(Arrangement arrangement) {
+  if (arrangement == Arrangement::kLeftFirst) {
+    return {Side::kLeft, Side::kBottom, Side::kRight, Side::kTop};
   }
-  return SidesBeyondExtremes(traces, frame::settings.EdgeArrangement, trim);
+  return {Side::kTop, Side::kLeft, Side::kBottom, Side::kRight};
 }
 
-int32_t TakeSegments(const SegmentRange& source, EdgeLine* edge) {
-  for (int32_t i = source.first; i < source.end; ++i) {
-    const int32_t status =
-        AppendSegment(&edge->list, source.list->segments[static_cast<size_t>(i)]);
+EdgeRanges WholeSides(const BorderTraces& traces, Arrangement arrangement, int32_t trim) {
+  EdgeRanges ranges{};
+  for (size_t i = 0; i < ranges.size(); ++i) {
+    const Side side = SidesOf(arrangement)[i];
+    ranges[i] = {side, trim, TraceOf(traces, side).list.segmentCount - trim};
+  }
+  return ranges;
+}
+
+// Each side gives the part behind its last extreme segment or ahead of its first.
+EdgeRanges SidesBeyondExtremes(const BorderTraces& traces, const ExtremePoints& extremes,
+                               Arrangement arrangement, int32_t trim) {
+  const auto behind = [&](Side side, const ExtremeSegments& extreme) -> SegmentRange {
+    return {side, extreme.last + trim, TraceOf(traces, side).list.segmentCount - trim};
+  };
+  const auto ahead = [&](Side side, const ExtremeSegments& extreme) -> SegmentRange {
+    return {side, trim, extreme.first - trim};
+  };
+  if (arrangement == Arrangement::kTopFirst) {
+    return {behind(Side::kTop, extremes.topSegments), behind(Side::kLeft, extremes.leftSegments),
+            ahead(Side::kBottom, extremes.bottomSegments),
+            ahead(Side::kRight, extremes.rightSegments)};
+  }
+  return {ahead(Side::kLeft, extremes.leftSegments), behind(Side::kBottom, extremes.bottomSegments),
+          behind(Side::kRight, extremes.rightSegments), ahead(Side::kTop, extremes.topSegments)};
+}
+
+// Picks what the edges are taken from and sets the arrangement where that depends on it.
+EdgeRanges PickRanges(const frame::Settings& settings, const ExtremePoints& extremes,
+                      EdgeSource source, const BorderTraces& traces, Arrangement* arrangement) {
+  const int32_t trim = kTrimPoints / settings.SegmentPointNum;
+  const bool takesWhole = source == EdgeSource::kWholeSides;
+  if (takesWhole && settings.BorderMethod == 1) {
+    return WholeSides(traces, Arrangement::kTopFirst, trim);
+  }
+  *arrangement = DecideArrangement(extremes);
+  if (takesWhole && settings.BorderMethod == 3) return WholeSides(traces, *arrangement, trim);
+  return SidesBeyondExtremes(traces, extremes, *arrangement, trim);
+}
+
+int32_t TakeSegments(const BorderTraces& traces, const SegmentRange& range, EdgeLine* edge) {
+  edge->side = range.side;
+  const SegmentList& list = TraceOf(traces, range.side).list;
+  for (int32_t i = range.first; i < range.end; ++i) {
+    const int32_t status = AppendSegment(&edge->list, list.segments[static_cast<size_t>(i)]);
     if (status != STATUS_OK) return status;
   }
   return STATUS_OK;
@@ -133,36 +141,26 @@ int32_t TakeSegments(const SegmentRange& source, EdgeLine* edge) {
 
 }  // namespace
 
-int32_t BuildEdges(const ImageRec* image, const ExtremePoints* extremes, int32_t* straightness,
-                   const BorderTraces* traces, DocumentEdges* edges) {
-  if (image == nullptr || extremes == nullptr || straightness == nullptr || traces == nullptr ||
-      edges == nullptr) {
-    return BAD_ARGUMENT;
-  }
-  int32_t status = Imgbuf_Check(image);
+int32_t BuildEdges(const frame::Settings& settings, const ImageRec& image,
+                   const ExtremePoints& extremes, const BorderTraces& traces, EdgeOrigin* origin,
+                   DocumentEdges* edges) {
+  int32_t status = Imgbuf_Check(&image);
   if (status != STATUS_OK) return status;
 
-  *straightness = 1;
   bool areStraight = false;
-  status = TestStraightness(*extremes, image->height, *traces, &areStraight);
+  status = TestStraightness(extremes, image.height, traces, &areStraight);
   if (status != STATUS_OK) return status;
-  if (areStraight) *straightness = 0;
+  if (areStraight) origin->source = EdgeSource::kWholeSides;
 
-  const EdgeSources sources = PickSources(*extremes, *straightness, *traces);
-  const struct {
-    const SegmentRange& source;
-    EdgeLine* edge;
-  } parts[] = {{sources.e1, &edges->e1},
-               {sources.e2, &edges->e2},
-               {sources.e3, &edges->e3},
-               {sources.e4, &edges->e4}};
-  for (const auto& part : parts) {
-    status = TakeSegments(part.source, part.edge);
+  const EdgeRanges ranges = PickRanges(settings, extremes, origin->source, traces, &origin->arrangement);
+  EdgeLine* const lines[] = {&edges->e1, &edges->e2, &edges->e3, &edges->e4};
+  for (size_t i = 0; i < ranges.size(); ++i) {
+    status = TakeSegments(traces, ranges[i], lines[i]);
     if (status != STATUS_OK) return status;
   }
-  int32_t code = 0;
-  for (const auto& part : parts) {
-    status = SelectSegments(&part.edge->list, *straightness, ++code);
+  constexpr EdgeCode kCodes[] = {EdgeCode::kE1, EdgeCode::kE2, EdgeCode::kE3, EdgeCode::kE4};
+  for (size_t i = 0; i < ranges.size(); ++i) {
+    status = SelectSegments(settings, origin->source, kCodes[i], &lines[i]->list);
     if (status != STATUS_OK) return status;
   }
   return STATUS_OK;

@@ -16,7 +16,7 @@ constexpr double kSteep = 45.0;
 bool HaveOneSign(double a, double b) { return (a >= 0 && b >= 0) || (a < 0 && b < 0); }
 
 double YAt(const BorderLine& line, double x) {
-  return line.kind == kLineHorizontal ? line.intercept : line.slope * x + line.intercept;
+  return line.kind == LineKind::kHorizontal ? line.intercept : line.slope * x + line.intercept;
 }
 
 }  // namespace
@@ -46,18 +46,18 @@ void TakeDirection(BorderLine* line, const BorderLine& from) {
 
 void MakePerpendicular(BorderLine* line, const BorderLine& to) {
   switch (to.kind) {
-    case kLineHorizontal:
-      line->kind = kLineVertical;
+    case LineKind::kHorizontal:
+      line->kind = LineKind::kVertical;
       line->angle = kRightAngle;
       line->slope = 0.0;
       break;
-    case kLineVertical:
-      line->kind = kLineHorizontal;
+    case LineKind::kVertical:
+      line->kind = LineKind::kHorizontal;
       line->angle = 0.0;
       line->slope = 0.0;
       break;
-    case kLineGeneral:
-      line->kind = kLineGeneral;
+    case LineKind::kGeneral:
+      line->kind = LineKind::kGeneral;
       line->slope = -1.0 / to.slope;
       line->angle = frame::ArcTangent(line->slope) * frame::kDegreesPerRadian;
       break;
@@ -69,11 +69,11 @@ void MakePerpendicular(BorderLine* line, const BorderLine& to) {
 void SetAngle(BorderLine* line, double angle) {
   line->angle = angle;
   if (angle == 0.0) {
-    line->kind = kLineHorizontal;
+    line->kind = LineKind::kHorizontal;
   } else if (angle == kRightAngle) {
-    line->kind = kLineVertical;
+    line->kind = LineKind::kVertical;
   } else {
-    line->kind = kLineGeneral;
+    line->kind = LineKind::kGeneral;
     line->slope = frame::Tangent(angle * frame::kRadiansPerDegree);
   }
 }
@@ -88,20 +88,20 @@ void Anchor(BorderLine* line, int32_t x, int32_t y) {
   }
 }
 
-int32_t Intersect(const BorderLine& a, const BorderLine& b, EdgePoint* point) {
+int32_t Intersect(const BorderLine& a, const BorderLine& b, frame::PixelPoint* point) {
   if (!IsFitted(a) || !IsFitted(b)) return BAD_ARGUMENT;
-  if (a.kind == b.kind && (a.kind != kLineGeneral || a.slope == b.slope)) return BAD_ARGUMENT;
+  if (a.kind == b.kind && (a.kind != LineKind::kGeneral || a.slope == b.slope)) return BAD_ARGUMENT;
 
   double x = 0.0;
   double y = 0.0;
-  if (a.kind == kLineVertical || b.kind == kLineVertical) {
-    const BorderLine& upright = a.kind == kLineVertical ? a : b;
-    const BorderLine& other = a.kind == kLineVertical ? b : a;
+  if (a.kind == LineKind::kVertical || b.kind == LineKind::kVertical) {
+    const BorderLine& upright = a.kind == LineKind::kVertical ? a : b;
+    const BorderLine& other = a.kind == LineKind::kVertical ? b : a;
     x = upright.intercept;
     y = YAt(other, x);
-  } else if (a.kind == kLineHorizontal || b.kind == kLineHorizontal) {
-    const BorderLine& level = a.kind == kLineHorizontal ? a : b;
-    const BorderLine& other = a.kind == kLineHorizontal ? b : a;
+  } else if (a.kind == LineKind::kHorizontal || b.kind == LineKind::kHorizontal) {
+    const BorderLine& level = a.kind == LineKind::kHorizontal ? a : b;
+    const BorderLine& other = a.kind == LineKind::kHorizontal ? b : a;
     y = level.intercept;
     x = (y - other.intercept) / other.slope;
   } else {

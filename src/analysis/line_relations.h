@@ -29,6 +29,6 @@ void Anchor(BorderLine* line, int32_t x, int32_t y);
 
 // The point in which two lines cross, each coordinate rounded, in *point. Returns STATUS_OK, or
 // BAD_ARGUMENT for a line that was not fitted and for lines of one direction.
-int32_t Intersect(const BorderLine& a, const BorderLine& b, EdgePoint* point);
+int32_t Intersect(const BorderLine& a, const BorderLine& b, frame::PixelPoint* point);
 
 }  // namespace vorlanepic::analysis

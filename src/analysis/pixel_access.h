@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "analysis/border_records.h"
+#include "frame/pixel_format.h"
 #include "vorlanepic/vorlanepic.h"
 
 namespace vorlanepic::analysis {
@@ -18,9 +19,7 @@ constexpr bool IsInBand(uint8_t level, GreyBand band) {
 // Level() is the grey level of pixel x of a row, 0..255; IsDocument() tells whether the pixel
 // belongs to the page. At 1 bit every set pixel does, whatever the band.
 struct Bit1 {
-  static uint8_t Level(const uint8_t* row, int32_t x) {
-    return (row[x >> 3] & (0x80 >> (x & 7))) != 0 ? 255 : 0;
-  }
+  static uint8_t Level(const uint8_t* row, int32_t x) { return frame::IsBitSet(row, x) ? 255 : 0; }
   static bool IsDocument(const uint8_t* row, int32_t x, GreyBand) { return Level(row, x) != 0; }
 };
 

@@ -7,6 +7,7 @@
 #include "analysis/border_walks.h"
 #include "analysis/document_mask.h"
 #include "analysis/pixel_access.h"
+#include "frame/pixel_format.h"
 
 namespace vorlanepic::analysis {
 namespace {
@@ -38,7 +39,7 @@ uint64_t ReverseBitsInBytes(uint64_t word) {
 // which the way begins; the walk goes from position `first` to `last`, byte p / 8 holds position p.
 class WayFromLeft {
  public:
-  WayFromLeft(const uint8_t* row, const ScanBand& band)
+  WayFromLeft(const uint8_t* row, const frame::PixelRect& band)
       : bytes_(row + (band.left >> 3)),
         first_(band.left & 7),
         last_(int64_t{band.right} - band.left + first_),
@@ -47,7 +48,7 @@ class WayFromLeft {
   int64_t first() const { return first_; }
   int64_t last() const { return last_; }
   uint8_t ByteAt(int64_t byte) const { return bytes_[byte]; }
-  bool IsSet(int64_t p) const { return (bytes_[p >> 3] & (0x80 >> (p & 7))) != 0; }
+  bool IsSet(int64_t p) const { return frame::IsBitSet(bytes_, p); }
   // The 64 pixels of 8 bytes, the first in the top bit.
   uint64_t PixelsAt(int64_t byte) const { return __builtin_bswap64(LoadWord(bytes_ + byte)); }
   int32_t ColumnOf(int64_t p) const { return static_cast<int32_t>(column_ + p); }
@@ -61,7 +62,7 @@ class WayFromLeft {
 
 class WayFromRight {
  public:
-  WayFromRight(const uint8_t* row, const ScanBand& band)
+  WayFromRight(const uint8_t* row, const frame::PixelRect& band)
       : bytes_(row + (band.right >> 3)),
         first_(7 - (band.right & 7)),
         last_(int64_t{band.right} - band.left + first_),
@@ -144,7 +145,8 @@ int32_t WalkBits(const Way& way, int32_t run) {
 }  // namespace
 
 template <typename Pixel>
-int32_t WalkFromLeft(const uint8_t* row, const ScanBand& band, GreyBand levels, int32_t run) {
+int32_t WalkFromLeft(const uint8_t* row, const frame::PixelRect& band, GreyBand levels,
+                     int32_t run) {
   const DocumentMask<Pixel> document(levels);
   uint64_t before = 0;  // the mask to the left
   for (int32_t x = band.left; x < band.right;) {
@@ -160,7 +162,8 @@ int32_t WalkFromLeft(const uint8_t* row, const ScanBand& band, GreyBand levels, 
 }
 
 template <typename Pixel>
-int32_t WalkFromRight(const uint8_t* row, const ScanBand& band, GreyBand levels, int32_t run) {
+int32_t WalkFromRight(const uint8_t* row, const frame::PixelRect& band, GreyBand levels,
+                      int32_t run) {
   const DocumentMask<Pixel> document(levels);
   uint64_t before = 0;  // the mask to the right
   for (int32_t x = band.right; x > band.left;) {
@@ -177,18 +180,21 @@ int32_t WalkFromRight(const uint8_t* row, const ScanBand& band, GreyBand levels,
 }
 
 template <>
-int32_t WalkFromLeft<Bit1>(const uint8_t* row, const ScanBand& band, GreyBand, int32_t run) {
+int32_t WalkFromLeft<Bit1>(const uint8_t* row, const frame::PixelRect& band, GreyBand,
+                           int32_t run) {
   return WalkBits(WayFromLeft(row, band), run);
 }
 
 template <>
-int32_t WalkFromRight<Bit1>(const uint8_t* row, const ScanBand& band, GreyBand, int32_t run) {
+int32_t WalkFromRight<Bit1>(const uint8_t* row, const frame::PixelRect& band, GreyBand,
+                            int32_t run) {
   return WalkBits(WayFromRight(row, band), run);
 }
 
-template int32_t WalkFromLeft<Grey8>(const uint8_t*, const ScanBand&, GreyBand, int32_t);
-template int32_t WalkFromRight<Grey8>(const uint8_t*, const ScanBand&, GreyBand, int32_t);
-template int32_t WalkFromLeft<Colour24>(const uint8_t*, const ScanBand&, GreyBand, int32_t);
-template int32_t WalkFromRight<Colour24>(const uint8_t*, const ScanBand&, GreyBand, int32_t);
+template int32_t WalkFromLeft<Grey8>(const uint8_t*, const frame::PixelRect&, GreyBand, int32_t);
+template int32_t WalkFromRight<Grey8>(const uint8_t*, const frame::PixelRect&, GreyBand, int32_t);
+template int32_t WalkFromLeft<Colour24>(const uint8_t*, const frame::PixelRect&, GreyBand, int32_t);
+template int32_t WalkFromRight<Colour24>(const uint8_t*, const frame::PixelRect&, GreyBand,
+                                         int32_t);
 
 }  // namespace vorlanepic::analysis

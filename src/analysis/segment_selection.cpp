@@ -6,7 +6,6 @@
 
 #include "analysis/border_line.h"
 #include "frame/arithmetic.h"
-#include "frame/settings.h"
 #include "vorlanepic/vorlanepic.h"
 
 namespace vorlanepic::analysis {
@@ -22,13 +21,11 @@ constexpr int32_t kChordLimit = 5;
 constexpr int32_t kScatterLimit = 6;
 constexpr int32_t kPointLineLimit = 8;
 
-bool IsEdgeCode(int32_t code) { return code >= 1 && code <= 4; }
-
-bool IsWithinGap(int32_t a, int32_t b) {
-  return frame::WrapAbs(frame::WrapSub(a, b)) <= frame::settings.SegmentMaxGap;
+bool IsWithin(int32_t gap, int32_t a, int32_t b) {
+  return frame::WrapAbs(frame::WrapSub(a, b)) <= gap;
 }
 
-EdgePoint MeanOf(const BorderSegment& segment) { return {segment.meanX, segment.meanY}; }
+frame::PixelPoint MeanOf(const BorderSegment& segment) { return {segment.meanX, segment.meanY}; }
 
 // Distance of a segment's mean from a fitted line.
 int32_t DistanceOf(const BorderSegment& segment, const BorderLine& line) {
@@ -72,7 +69,8 @@ int32_t LastUsed(std::span<const BorderSegment> segments, int32_t begin) {
 // One edge while its segments are selected: copies of all, of which fewer and fewer stay.
 class Selection {
  public:
-  Selection(int32_t straightness, int32_t code) : straightness_(straightness), code_(code) {}
+  Selection(const frame::Settings& settings, EdgeSource source, EdgeCode code)
+      : settings_(settings), source_(source), code_(code) {}
 
   int32_t Run(const SegmentList& list);
   const BorderLine& line() const { return line_; }
@@ -86,8 +84,9 @@ class Selection {
   int32_t KeepNearChord(bool* fellOut);
   int32_t KeepNearPointLine(bool* fellOut);
 
-  int32_t straightness_;
-  int32_t code_;
+  const frame::Settings& settings_;
+  EdgeSource source_;
+  EdgeCode code_;
   SegmentList work_;
   BorderLine line_;
 };
@@ -115,9 +114,9 @@ int32_t Selection::Run(const SegmentList& list) {
 int32_t Selection::Judge(int32_t previous, int32_t next, int32_t tested) {
   const std::span<BorderSegment> segments = work_.view();
   BorderSegment& segment = segments[static_cast<size_t>(tested)];
-  return JudgeSegment(MeanOf(segments[static_cast<size_t>(previous)]),
-                      MeanOf(segments[static_cast<size_t>(next)]), MeanOf(segment), straightness_,
-                      code_, &segment.used);
+  return JudgeSegment(settings_, MeanOf(segments[static_cast<size_t>(previous)]),
+                      MeanOf(segments[static_cast<size_t>(next)]), MeanOf(segment), source_, code_,
+                      &segment.used);
 }
 
 int32_t Selection::JudgeInner() {
@@ -169,7 +168,7 @@ int32_t Selection::KeepNearChord(bool* fellOut) {
   const int32_t status = FitChordLine(&line_, work_);
   if (status != STATUS_OK) return status;
   const int32_t count = work_.segmentCount;
-  const bool innerIsPositive = code_ == 1 || code_ == 4;
+  const bool innerIsPositive = code_ == EdgeCode::kE1 || code_ == EdgeCode::kE4;
   int32_t sum = 0;
   *fellOut = KeepSegments(&work_, [&](const BorderSegment& segment) {
     const int32_t distance = DistanceOf(segment, line_);
@@ -197,20 +196,19 @@ int32_t TakeAllSegments(SegmentList* list) {
 
 }  // namespace
 
-int32_t JudgeSegment(EdgePoint previous, EdgePoint next, EdgePoint tested, int32_t straightness,
-                     int32_t code, int32_t* verdict) {
-  if (verdict == nullptr || (straightness != 0 && straightness != 1) || !IsEdgeCode(code)) {
-    return BAD_ARGUMENT;
-  }
+int32_t JudgeSegment(const frame::Settings& settings, frame::PixelPoint previous,
+                     frame::PixelPoint next, frame::PixelPoint tested, EdgeSource source,
+                     EdgeCode code, int32_t* verdict) {
   const int32_t dx = frame::WrapSub(previous.x, next.x);
   const int32_t dy = frame::WrapSub(previous.y, next.y);
   if (dx == 0 && dy == 0) return BAD_ARGUMENT;
 
-  if (straightness == 0) {
-    const bool runsAlongX = code == 1 || code == 3;
-    const bool inLine = runsAlongX
-                            ? IsWithinGap(previous.y, tested.y) && IsWithinGap(next.y, tested.y)
-                            : IsWithinGap(previous.x, tested.x) && IsWithinGap(next.x, tested.x);
+  if (source == EdgeSource::kWholeSides) {
+    const bool runsAlongX = code == EdgeCode::kE1 || code == EdgeCode::kE3;
+    const int32_t gap = settings.SegmentMaxGap;
+    const auto across = runsAlongX ? &frame::PixelPoint::y : &frame::PixelPoint::x;
+    const bool inLine = IsWithin(gap, previous.*across, tested.*across) &&
+                        IsWithin(gap, next.*across, tested.*across);
     *verdict = inLine ? 1 : 0;
     return STATUS_OK;
   }
@@ -219,20 +217,18 @@ int32_t JudgeSegment(EdgePoint previous, EdgePoint next, EdgePoint tested, int32
   const int32_t product = frame::WrapMul(frame::WrapSub(tested.x, previous.x), dy);
   const int32_t chordY = frame::TruncToInt32(static_cast<double>(product) / dx + previous.y);
   const bool sameSign = (dx > 0) == (dy > 0);
-  const bool keepsBelow = sameSign == (code <= 2);
+  const bool keepsBelow = sameSign == (code == EdgeCode::kE1 || code == EdgeCode::kE2);
   *verdict = (keepsBelow ? chordY <= tested.y : chordY >= tested.y) ? 1 : 0;
   return STATUS_OK;
 }
 
-int32_t SelectSegments(SegmentList* list, int32_t straightness, int32_t code) {
-  if (list == nullptr || code < 0 || code > 4 || (straightness != 0 && straightness != 1) ||
-      list->segmentCount == 0) {
-    return BAD_ARGUMENT;
-  }
+int32_t SelectSegments(const frame::Settings& settings, EdgeSource source, EdgeCode code,
+                       SegmentList* list) {
+  if (list->segmentCount == 0) return BAD_ARGUMENT;
   if (list->segmentCount < kFewestSegments) return TakeAllSegments(list);
 
   // Segments that fell out on the way may come back: the last look is at all of them.
-  Selection selection(straightness, code);
+  Selection selection(settings, source, code);
   const int32_t status = selection.Run(*list);
   if (status != STATUS_OK) return status;
   KeepSegments(list, [&](const BorderSegment& segment) {

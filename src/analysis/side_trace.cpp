@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "frame/arithmetic.h"
-#include "frame/settings.h"
 #include "vorlanepic/vorlanepic.h"
 
 namespace vorlanepic::analysis {
@@ -12,14 +11,14 @@ namespace {
 // Elements by which a full array grows: most sides need one step or two.
 constexpr size_t kGrowth = 1000;
 
-bool IsFarStep(EdgePoint from, EdgePoint to) {
-  return frame::WrapAbs(frame::WrapSub(to.y, from.y)) > frame::settings.SegmentMaxGap ||
-         frame::WrapAbs(frame::WrapSub(to.x, from.x)) > frame::settings.SegmentMaxGap;
+bool IsFarStep(frame::PixelPoint from, frame::PixelPoint to, int32_t maxGap) {
+  return frame::WrapAbs(frame::WrapSub(to.y, from.y)) > maxGap ||
+         frame::WrapAbs(frame::WrapSub(to.x, from.x)) > maxGap;
 }
 
 }  // namespace
 
-int32_t AppendPoint(SideTrace* trace, BorderSegment* building, EdgePoint point) {
+int32_t AppendPoint(SideTrace* trace, BorderSegment* building, frame::PixelPoint point) {
   if (point.x < 0 || point.y < 0) return BAD_ARGUMENT;
   const auto count = static_cast<size_t>(trace->pointCount);
   if (count == trace->points.size() && !trace->points.Grow(kGrowth)) return OUT_OF_MEMORY;
@@ -40,10 +39,11 @@ int32_t AppendSegment(SegmentList* list, const BorderSegment& segment) {
   return STATUS_OK;
 }
 
-int32_t TraceBuilder::Add(EdgePoint point) {
+int32_t TraceBuilder::Add(frame::PixelPoint point) {
   if (building_.count > 0) {
-    const EdgePoint last = trace_.points[static_cast<size_t>(trace_.pointCount) - 1];
-    if (building_.count == frame::settings.SegmentPointNum || IsFarStep(last, point)) {
+    const frame::PixelPoint last = trace_.points[static_cast<size_t>(trace_.pointCount) - 1];
+    if (building_.count == settings_.SegmentPointNum ||
+        IsFarStep(last, point, settings_.SegmentMaxGap)) {
       const int32_t status = CloseSegment();
       if (status != STATUS_OK) return status;
     }
@@ -56,7 +56,7 @@ int32_t TraceBuilder::Finish() { return CloseSegment(); }
 int32_t TraceBuilder::CloseSegment() {
   BorderSegment closed = std::exchange(building_, BorderSegment{});
   if (closed.count == 0) return STATUS_OK;
-  if (closed.count < frame::settings.SegmentMinPointNum) {
+  if (closed.count < settings_.SegmentMinPointNum) {
     trace_.pointCount -= closed.count;
     return STATUS_OK;
   }
@@ -66,7 +66,7 @@ int32_t TraceBuilder::CloseSegment() {
 }
 
 SideTrace TraceBuilder::Take() {
-  const EdgePoint* first = trace_.points.data();
+  const frame::PixelPoint* first = trace_.points.data();
   for (BorderSegment& segment : trace_.list.view()) {
     segment.first = first;
     first += segment.count;

@@ -4,12 +4,13 @@
 #include <cstdint>
 
 #include "analysis/border_records.h"
+#include "frame/settings.h"
 
 namespace vorlanepic::analysis {
 
 // Appends (x, y) to the trace and to the segment that is being built.
 // Returns STATUS_OK; BAD_ARGUMENT for a negative coordinate; OUT_OF_MEMORY.
-int32_t AppendPoint(SideTrace* trace, BorderSegment* building, EdgePoint point);
+int32_t AppendPoint(SideTrace* trace, BorderSegment* building, frame::PixelPoint point);
 
 // Appends a copy of `segment`, unmarked. Returns STATUS_OK or OUT_OF_MEMORY.
 int32_t AppendSegment(SegmentList* list, const BorderSegment& segment);
@@ -19,8 +20,11 @@ int32_t AppendSegment(SegmentList* list, const BorderSegment& segment);
 // and is dropped with its points when it holds fewer than SegmentMinPointNum.
 class TraceBuilder {
  public:
+  // The settings stay as they are while the side is traced.
+  explicit TraceBuilder(const frame::Settings& settings) : settings_(settings) {}
+
   // Each returns STATUS_OK; BAD_ARGUMENT for a negative coordinate; OUT_OF_MEMORY.
-  int32_t Add(EdgePoint point);
+  int32_t Add(frame::PixelPoint point);
   int32_t Finish();  // closes the last segment
 
   // Whether anything was kept.
@@ -34,6 +38,7 @@ class TraceBuilder {
  private:
   int32_t CloseSegment();
 
+  const frame::Settings& settings_;
   SideTrace trace_;
   BorderSegment building_{};
 };

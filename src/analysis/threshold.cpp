@@ -21,14 +21,13 @@ int32_t SumOuterColumns(const ImageRec& image) {
 
 }  // namespace
 
-int32_t EstimateThreshold(const ImageRec* image, uint8_t* threshold) {
-  if (threshold == nullptr) return BAD_ARGUMENT;
-  const int32_t status = Imgbuf_Check(image);
+int32_t EstimateThreshold(const ImageRec& image, uint8_t* threshold) {
+  const int32_t status = Imgbuf_Check(&image);
   if (status != STATUS_OK) return status;
-  if (image->width < 2) return BAD_ARGUMENT;
+  if (image.width < 2) return BAD_ARGUMENT;
 
-  return WithDepth(image->bitsPerPixel, [&](auto pixel) -> int32_t {
-    const double mean = SumOuterColumns<decltype(pixel)>(*image) / (4.0 * image->height);
+  return WithDepth(image.bitsPerPixel, [&](auto pixel) -> int32_t {
+    const double mean = SumOuterColumns<decltype(pixel)>(image) / (4.0 * image.height);
     *threshold = static_cast<uint8_t>(frame::RoundToInt32(mean));
     return STATUS_OK;
   });

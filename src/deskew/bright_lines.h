@@ -6,6 +6,7 @@
 #include <cstdint>
 
 #include "frame/arithmetic.h"
+#include "frame/pixel_format.h"
 #include "vorlanepic/imgbuf.h"
 
 namespace vorlanepic::deskew {
@@ -29,7 +30,7 @@ inline constexpr LuminanceTable kRedLuminance = MakeLuminanceTable(0.299);
 struct BrightBit {
   static constexpr int32_t kRowsLeftOut = 1;
   static bool IsBright(const uint8_t* row, int32_t x, uint8_t /*threshold*/) {
-    return (row[x >> 3] & (0x80 >> (x & 7))) != 0;
+    return frame::IsBitSet(row, x);
   }
 };
 

@@ -2,12 +2,11 @@
 
 #include "deskew/bright_lines_sse2.h"
 #include "deskew/content_search.h"
-#include "frame/settings.h"
 
 namespace vorlanepic::deskew {
 namespace {
 
-#if defined(__SSE2__)
+#if defined(VORLANEPIC_X86)
 template <typename Kernel>
 using Lines = FastLines<Kernel>;
 #else
@@ -17,7 +16,7 @@ using Lines = PlainLines<typename Kernel::Pixel>;
 
 template <typename Kernel>
 int32_t FindContentBoundsAt(const ImageRec& image, const ContentSearch& search, double rowShare,
-                            ContentBounds* bounds) {
+                            frame::PixelRect* bounds) {
   if (search.searchMode == kSearchColumns &&
       (bounds->top < 0 || bounds->bottom < 0 || bounds->bottom > image.height - 1)) {
     return BAD_ARGUMENT;
@@ -37,23 +36,21 @@ uint32_t ReachableCount(uint32_t pixelCount, const ImageRec& image) {
 
 }  // namespace
 
-int32_t FindContentBounds(const ImageRec* image, const ContentSearch& search,
-                          ContentBounds* bounds) {
-  if (image == nullptr || bounds == nullptr) return BAD_ARGUMENT;
+int32_t FindContentBounds(const ImageRec& image, const ContentSearch& search,
+                          frame::PixelRect* bounds) {
   if (search.searchMode > kSearchRowsAndColumns) return BAD_ARGUMENT;
 
   ContentSearch reachable = search;
-  reachable.pixelCount = ReachableCount(search.pixelCount, *image);
-  const bool isShareAsked = frame::settings.CropPixelFlag == 1;
-  const double share = isShareAsked ? kBrightShare : 0.0;
-  const double bitShare = isShareAsked ? kBrightShareOfBitRow : 0.0;
-  switch (image->bitsPerPixel) {
+  reachable.pixelCount = ReachableCount(search.pixelCount, image);
+  const double share = search.takesShare ? kBrightShare : 0.0;
+  const double bitShare = search.takesShare ? kBrightShareOfBitRow : 0.0;
+  switch (image.bitsPerPixel) {
     case 1:
-      return FindContentBoundsAt<BitKernel>(*image, reachable, bitShare, bounds);
+      return FindContentBoundsAt<BitKernel>(image, reachable, bitShare, bounds);
     case 8:
-      return FindContentBoundsAt<GreyKernel>(*image, reachable, share, bounds);
+      return FindContentBoundsAt<GreyKernel>(image, reachable, share, bounds);
     case 24:
-      return FindContentBoundsAt<ColourKernel>(*image, reachable, share, bounds);
+      return FindContentBoundsAt<ColourKernel>(image, reachable, share, bounds);
     default:
       return BAD_ARGUMENT;
   }

@@ -3,19 +3,10 @@
 
 #include <cstdint>
 
+#include "frame/geometry.h"
 #include "vorlanepic/vorlanepic.h"
 
 namespace vorlanepic::deskew {
-
-// Columns left..right and rows top..bottom of content, inclusive.
-struct ContentBounds {
-  int32_t left;
-  int32_t right;
-  int32_t top;
-  int32_t bottom;
-
-  bool operator==(const ContentBounds&) const = default;
-};
 
 // Which bounds a search sets; the others are given.
 inline constexpr uint16_t kSearchColumns = 0;
@@ -28,22 +19,21 @@ struct ContentSearch {
   uint32_t pixelCount;   // a line is bright when more than this many of its pixels are; more than
                          // the width or the height is replaced by three tenths of it
   uint8_t threshold;
-  uint16_t searchMode;  // kSearchColumns or kSearchRowsAndColumns
+  uint16_t searchMode;      // kSearchColumns or kSearchRowsAndColumns
+  bool takesShare = false;  // a line is bright from three tenths of its length on (four tenths in a
+                            // row of a 1-bit image) instead
 };
 
 // Narrows *bounds to the first and last bright rows and columns. Probes every eighth line until it
 // comes to a run of bright ones, goes back 11 lines beyond the run and takes the first bright line
 // from there; without a run, the first bright line of all; without a bright line, the image's edge.
-// With the setting CropPixelFlag at 1, a line is bright from three tenths of its length on (four
-// tenths in a row of a 1-bit image).
 //
 //   image   1, 8 or 24 bits per pixel
 //   bounds  with kSearchColumns, rows top..bottom are given. Columns are looked at in these rows
 //           (at 1 bit without row bottom)
 //
-// Returns STATUS_OK; BAD_ARGUMENT for a null pointer, another depth or mode, or given rows outside
-// the image.
-int32_t FindContentBounds(const ImageRec* image, const ContentSearch& search,
-                          ContentBounds* bounds);
+// Returns STATUS_OK; BAD_ARGUMENT for another depth or mode, or given rows outside the image.
+int32_t FindContentBounds(const ImageRec& image, const ContentSearch& search,
+                          frame::PixelRect* bounds);
 
 }  // namespace vorlanepic::deskew

@@ -74,7 +74,7 @@ inline uint32_t ShareOfLine(int32_t length, double share) {
 //             search.pixelCount; columns then take kBrightShare
 template <typename Lines>
 void SearchContent(Lines& lines, int32_t width, int32_t height, const ContentSearch& search,
-                   double rowShare, ContentBounds* bounds) {
+                   double rowShare, frame::PixelRect* bounds) {
   uint32_t pixelCount = search.pixelCount;
   if (search.searchMode == kSearchRowsAndColumns) {
     if (rowShare > 0.0) pixelCount = ShareOfLine(width, rowShare);

@@ -2,8 +2,11 @@
 // it out.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
+#include "deskew/page_records.h"
+#include "frame/settings.h"
 #include "vorlanepic/vorlanepic.h"
 
 namespace vorlanepic::deskew {
@@ -15,18 +18,21 @@ struct DeskewCropOptions {
   const uint8_t* fill;    // the fill value of RotateImage
 };
 
-// Measures images[0] and turns and cuts all images of the set, ImageNum of them, alike.
+// Measures images[0] and turns and cuts all images of the set alike.
 //
+//   settings   AngleOnlyFlag at 1: the run ends with the angle
+//   images     `count` of them, at least 1
 //   angleOut   receives the turn in degrees, 0.0 up to 360.0
 //   outImages  empty records; the caller owns the images that were made, also those made before a
-//              failure. None is made with the setting AngleOnlyFlag at 1
+//              failure. None is made when the run ends with the angle
+//   page       receives what the stages found
 //
-// Returns STATUS_OK; BORDER_NOT_FOUND; ANGLE_NOT_FOUND when no border gives an angle; BAD_ARGUMENT;
-// OUT_OF_MEMORY; or a code of the image library, also when it cannot release the last turned image.
-// Sets ImageNum to 1 when the turning starts. CropPixelFlag is left at 0 when the run ends before
-// the first image was turned. What the stages found goes to settings.pageRecords.
-int32_t DeskewCropPipeline(const ImageRec* images, const DeskewCropOptions& options,
-                           double* angleOut, ImageRec* outImages);
+// Returns STATUS_OK; BORDER_NOT_FOUND; ANGLE_NOT_FOUND when no border gives an angle; BAD_ARGUMENT,
+// also for a null array or `angleOut`; OUT_OF_MEMORY; or a code of the image library, also when it
+// cannot release the last turned image.
+int32_t DeskewCropPipeline(const frame::Settings& settings, const ImageRec* images, size_t count,
+                           const DeskewCropOptions& options, double* angleOut, ImageRec* outImages,
+                           PageRecords* page);
 
 // The turn, 0.0 up to 360.0 degrees, that makes a page upright whose border lies at `borderAngle`,
 // -90.0..90.0: the border becomes the nearest of level and plumb.

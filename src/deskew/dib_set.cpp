@@ -5,6 +5,8 @@
 #include <cstring>
 
 #include "frame/arithmetic.h"
+#include "frame/dib_header.h"
+#include "frame/pixel_format.h"
 #include "frame/row_table.h"
 
 namespace vorlanepic::deskew {
@@ -13,24 +15,17 @@ namespace {
 // Sets whose records would take more cannot be in memory with their pixels.
 constexpr size_t kMaxSetBytes = INT32_MAX;
 
-template <typename T>
-T LoadField(const DibRec& image, size_t offset) {
-  T value;
-  std::memcpy(&value, image.infoHeader + offset, sizeof value);
-  return value;
-}
-
-// Bytes of a row padded to 4 bytes.
 int32_t RowBytes(int32_t width, int32_t bitsPerPixel) {
-  return static_cast<int32_t>((int64_t{width} * bitsPerPixel + 31) / 32 * 4);
+  return static_cast<int32_t>(frame::PaddedRowBytes(width, bitsPerPixel));
 }
 
 // A record around the pixels of `image`, as yet without rows.
 ImageRec WrapOne(const DibRec& image) {
   ImageRec rec{};
-  rec.width = DibWidth(image);
-  rec.height = DibHeight(image);
-  rec.bitsPerPixel = DibBitsPerPixel(image);
+  const frame::DibShape shape = frame::ShapeOfDib(image.infoHeader);
+  rec.width = shape.width;
+  rec.height = shape.height;
+  rec.bitsPerPixel = shape.bitsPerPixel;
   rec.lineBytes = RowBytes(rec.width, rec.bitsPerPixel);
   rec.imageBytes = frame::WrapMul(rec.lineBytes, rec.height);
   rec.pixels = image.bits;
@@ -49,11 +44,6 @@ void CopyRows(const ImageRec& from, const DibRec& to) {
 }
 
 }  // namespace
-
-int32_t DibWidth(const DibRec& image) { return LoadField<int32_t>(image, 4); }
-int32_t DibHeight(const DibRec& image) { return LoadField<int32_t>(image, 8); }
-int32_t DibBitsPerPixel(const DibRec& image) { return LoadField<uint16_t>(image, 14); }
-int32_t DibPixelsPerMetre(const DibRec& image) { return LoadField<int32_t>(image, 24); }
 
 DibSet::~DibSet() {
   for (ImageRec& result : results_.span()) {

@@ -42,10 +42,4 @@ class DibSet {
   frame::ScratchArray<uint8_t*> rows_;  // the row tables, one behind the other
 };
 
-// Fields of an information header.
-int32_t DibWidth(const DibRec& image);
-int32_t DibHeight(const DibRec& image);
-int32_t DibBitsPerPixel(const DibRec& image);
-int32_t DibPixelsPerMetre(const DibRec& image);  // horizontally; 0 where it is not known
-
 }  // namespace vorlanepic::deskew

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "frame/arithmetic.h"
+#include "frame/pixel_format.h"
 #include "frame/trigonometry.h"
 #include "rotate/rotate_image.h"
 #include "rotate/row_spans.h"
@@ -16,19 +17,17 @@ namespace {
 constexpr double kPi = 3.1415926;
 constexpr double kPerHalfTurn = 0.005555555555555556;
 
-// Entries behind the last row of a span table.
-constexpr int64_t kSpareSpans = 16;
-
-rotate::Turn TurnOfRegion(const ImageRegion& region, double angleDegrees, int32_t interpolation) {
+rotate::Turn TurnOfRegion(const frame::PixelRect& region, double angleDegrees,
+                          int32_t interpolation) {
   rotate::Turn turn{};
   turn.angle = angleDegrees * kPi * kPerHalfTurn;
   turn.interpolation = interpolation;
-  turn.centerX = region.left + region.width / 2;
-  turn.centerY = region.top + region.height / 2;
+  turn.centerX = region.left + region.width() / 2;
+  turn.centerY = region.top + region.height() / 2;
   const double cosine = std::abs(frame::Cosine(turn.angle));
   const double sine = std::abs(frame::Sine(turn.angle));
-  turn.outWidth = frame::RoundToInt32(region.width * cosine + region.height * sine);
-  turn.outHeight = frame::RoundToInt32(region.width * sine + region.height * cosine);
+  turn.outWidth = frame::RoundToInt32(region.width() * cosine + region.height() * sine);
+  turn.outHeight = frame::RoundToInt32(region.width() * sine + region.height() * cosine);
   return turn;
 }
 
@@ -51,57 +50,51 @@ void CopyBits(const uint8_t* src, int32_t left, int32_t width, uint8_t* dst) {
   dst[wholeBytes] = static_cast<uint8_t>(last & (0xFF << (8 - rest)));
 }
 
-void CopyRow(const uint8_t* src, int32_t bitsPerPixel, const ImageRegion& region, uint8_t* dst) {
+void CopyRow(const uint8_t* src, int32_t bitsPerPixel, const frame::PixelRect& region,
+             uint8_t* dst) {
   if (bitsPerPixel == 1) {
-    CopyBits(src, region.left, region.width, dst);
+    CopyBits(src, region.left, region.width(), dst);
     return;
   }
   const auto pixelBytes = static_cast<size_t>(bitsPerPixel / 8);
   std::memcpy(dst, src + static_cast<size_t>(region.left) * pixelBytes,
-              static_cast<size_t>(region.width) * pixelBytes);
+              static_cast<size_t>(region.width()) * pixelBytes);
 }
 
-bool IsInside(const ImageRegion& region, const ImageRec& image) {
-  return region.left >= 0 && region.width >= 0 && region.top >= 0 && region.height >= 0 &&
-         int64_t{region.left} + region.width <= image.width &&
-         int64_t{region.top} + region.height <= image.height;
+bool IsInside(const frame::PixelRect& region, const ImageRec& image) {
+  return region.left >= 0 && region.right < image.width && region.top >= 0 &&
+         region.bottom < image.height && region.left <= region.right + 1 &&
+         region.top <= region.bottom + 1;
 }
 
 }  // namespace
 
 int32_t RotateImageRegion(const ImageRec* src, ImageRec* dst, const uint8_t* fill,
-                          const ImageRegion& region, double angleDegrees, int32_t interpolation) {
-  if (src == nullptr || region.left < 0 || region.top < 0) return BAD_ARGUMENT;
-  if (region.width < 1 || region.height < 1) return BAD_ARGUMENT;
-  const int64_t bottom = int64_t{region.top} + region.height - 1;
-  const int64_t right = int64_t{region.left} + region.width;
-  if (bottom > INT32_MAX || right > INT32_MAX) return BAD_ARGUMENT;
-
+                          const frame::PixelRect& region, double angleDegrees,
+                          int32_t interpolation) {
+  if (src == nullptr || region.left < 0 || region.top < 0 || region.bottom < region.top) {
+    return BAD_ARGUMENT;
+  }
   rotate::RowSpans spans;
-  spans.count = region.height;
   spans.top = region.top;
-  spans.bottom = static_cast<int32_t>(bottom);
-  if (!spans.spans.Allocate(static_cast<size_t>(bottom + kSpareSpans))) return OUT_OF_MEMORY;
+  spans.bottom = region.bottom;
+  if (!spans.spans.Allocate(static_cast<size_t>(region.bottom) + 1)) return OUT_OF_MEMORY;
   // One column beyond the region takes part, where the image has it.
-  const rotate::RowSpan span{region.left,
-                             std::min(static_cast<int32_t>(right), std::max(src->width, 0) - 1)};
-  const auto rows = spans.spans.span().subspan(static_cast<size_t>(region.top),
-                                               static_cast<size_t>(region.height));
-  std::fill(rows.begin(), rows.end(), span);
+  const int64_t beyond = int64_t{region.right} + 1;
+  const rotate::RowSpan span{
+      region.left, static_cast<int32_t>(std::min<int64_t>(beyond, std::max(src->width, 0) - 1))};
+  std::ranges::fill(spans.spans.span().subspan(static_cast<size_t>(region.top)), span);
   return rotate::RotateImage(src, dst, &spans, TurnOfRegion(region, angleDegrees, interpolation),
                              fill);
 }
 
-int32_t CopyImageRegion(const ImageRec* src, ImageRec* dst, const ImageRegion& region) {
+int32_t CopyImageRegion(const ImageRec* src, ImageRec* dst, const frame::PixelRect& region) {
   if (src == nullptr || dst == nullptr) return BAD_ARGUMENT;
-  if (src->bitsPerPixel != 1 && src->bitsPerPixel != 8 && src->bitsPerPixel != 24) {
-    return BAD_ARGUMENT;
-  }
-  if (!IsInside(region, *src)) return BAD_ARGUMENT;
+  if (!frame::IsPageDepth(src->bitsPerPixel) || !IsInside(region, *src)) return BAD_ARGUMENT;
 
-  const int32_t status = Imgbuf_New(dst, region.width, region.height, src->bitsPerPixel, 1);
+  const int32_t status = Imgbuf_New(dst, region.width(), region.height(), src->bitsPerPixel, 1);
   if (status != STATUS_OK) return status;
-  for (int32_t row = 0; row < region.height; ++row) {
+  for (int32_t row = 0; row < region.height(); ++row) {
     const uint8_t* line = src->pixels + (ptrdiff_t{region.top} + row) * src->lineBytes;
     CopyRow(line, src->bitsPerPixel, region, dst->pixels + ptrdiff_t{row} * dst->lineBytes);
   }

@@ -1,4 +1,4 @@
-// What the stages of an image service found, for a host that draws or judges it.
+// What the stages of an image service found, for whoever draws or judges it.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +7,6 @@
 #include "analysis/corner_solver.h"
 #include "deskew/content_bounds.h"
 #include "deskew/skew_vote.h"
-#include "frame/settings.h"
 
 namespace vorlanepic::deskew {
 
@@ -26,18 +25,18 @@ enum class PageStage : int32_t {
   kCropped,  // deskew-crop and line-guided: the turned page was cut to its content
 };
 
-// The scratch of one call. A driver makes its own and drops it at the end, or, when
-// settings.pageRecords is set, fills and leaves the host's.
+// The scratch of one call, the caller's. Empty when a driver gets it, but for the segments of
+// `extremes`, which may be those of an earlier call.
 struct PageRecords {
   PageStage stage = PageStage::kNothing;  // the last stage that succeeded
   int32_t threshold = 0;                  // in effect: given or estimated
   analysis::GreyBand levels{};
-  analysis::ScanBand band{};
+  frame::PixelRect band{};
   analysis::ExtremePoints extremes{};
   analysis::BorderTraces traces;
 
   // Pruned rotation.
-  int32_t straightness = 1;
+  analysis::EdgeOrigin edgeOrigin;
   analysis::DocumentEdges edges;
   analysis::DocumentGeometry geometry;
 
@@ -46,16 +45,11 @@ struct PageRecords {
   int32_t bestBorder = -1;
 
   // Deskew-crop and line-guided.
-  ContentBounds content{};        // in the source
-  ContentBounds turnedContent{};  // in the turned image
-  int32_t turnedWidth = 0;        // size of the turned image, before the cut
+  frame::PixelRect content{};        // in the source
+  frame::PixelRect turnedContent{};  // in the turned image
+  int32_t turnedWidth = 0;           // size of the turned image, before the cut
   int32_t turnedHeight = 0;
   double degrees = 0.0;  // the turn
 };
-
-// Empties the host's records, if it has set any, so that nothing of an earlier call is left.
-inline void ForgetPageRecords() {
-  if (frame::settings.pageRecords != nullptr) *frame::settings.pageRecords = {};
-}
 
 }  // namespace vorlanepic::deskew

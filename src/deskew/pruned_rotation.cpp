@@ -2,13 +2,11 @@
 
 #include <algorithm>
 
-#include "analysis/border_scan.h"
 #include "analysis/corner_solver.h"
 #include "analysis/edge_lines.h"
 #include "analysis/threshold.h"
-#include "deskew/page_records.h"
+#include "deskew/border_tracing.h"
 #include "frame/arithmetic.h"
-#include "frame/settings.h"
 #include "rotate/rotate_image.h"
 
 namespace vorlanepic::deskew {
@@ -24,7 +22,7 @@ int32_t SettleThreshold(const ImageRec& source, int32_t given, int32_t* threshol
   *threshold = given;
   if (given != 0) return STATUS_OK;
   uint8_t estimate = 0;
-  const int32_t status = analysis::EstimateThreshold(&source, &estimate);
+  const int32_t status = analysis::EstimateThreshold(source, &estimate);
   if (status != STATUS_OK) return status;
   *threshold = std::max<int32_t>(estimate, kLeastEstimate);
   return STATUS_OK;
@@ -38,41 +36,27 @@ analysis::GreyBand DocumentLevels(int32_t threshold, int32_t background) {
 }
 
 // Runs the stages up to the geometry of the turn.
-int32_t FindDocument(const ImageRec& source, const PrunedRotationOptions& options, double* angle,
-                     PageRecords* records) {
-  const auto reach = [&](PageStage stage) { records->stage = stage; };
-  int32_t status = SettleThreshold(source, options.threshold, &records->threshold);
+int32_t FindDocument(const frame::Settings& settings, const ImageRec& source,
+                     const PrunedRotationOptions& options, double* angle, PageRecords* page) {
+  int32_t status = SettleThreshold(source, options.threshold, &page->threshold);
   if (status != STATUS_OK) return status;
-  records->levels = DocumentLevels(records->threshold, options.background);
-  reach(PageStage::kThreshold);
+  page->levels = DocumentLevels(page->threshold, options.background);
+  page->stage = PageStage::kThreshold;
 
-  status = analysis::FindBand(&source, &records->band, records->levels.low);
+  status = TraceBorders(settings, source, page);
   if (status != STATUS_OK) return status;
-  reach(PageStage::kBand);
-
-  analysis::BorderTraces& traces = records->traces;
-  status = analysis::ScanRows(&source, &records->band, records->levels, &traces.left, &traces.right,
-                              &records->extremes);
+  status = analysis::BuildEdges(settings, source, page->extremes, page->traces, &page->edgeOrigin,
+                                &page->edges);
   if (status != STATUS_OK) return status;
-  reach(PageStage::kRowScan);
-
-  status = analysis::ScanColumns(&source, &records->band, records->levels, &traces.top,
-                                 &traces.bottom, &records->extremes);
-  if (status != STATUS_OK) return status;
-  reach(PageStage::kColumnScan);
-
-  status = analysis::BuildEdges(&source, &records->extremes, &records->straightness, &traces,
-                                &records->edges);
-  if (status != STATUS_OK) return status;
-  reach(PageStage::kEdges);
+  page->stage = PageStage::kEdges;
 
   if (angle == nullptr) return BAD_ARGUMENT;
-  records->geometry.angle = *angle;  // stays unless the solver comes that far
-  status = analysis::SolveCorners(&source, options.cornerOption, &records->extremes,
-                                  records->straightness, &records->edges, &records->geometry);
-  *angle = records->geometry.angle;
+  page->geometry.angle = *angle;  // stays unless the solver comes that far
+  status = analysis::SolveCorners(settings, source, options.cornerOption, page->extremes,
+                                  page->edgeOrigin, &page->edges, &page->geometry);
+  *angle = page->geometry.angle;
   if (status != STATUS_OK) return status;
-  reach(PageStage::kCorners);
+  page->stage = PageStage::kCorners;
   return STATUS_OK;
 }
 
@@ -100,40 +84,35 @@ int32_t TurnAll(std::span<const ImageRec> sources, const PrunedRotationOptions& 
 }
 
 bool HasShapeOf(const ImageRec& image, const ImageRec& first) {
-  return Imgbuf_Check(&image) == STATUS_OK && image.width == first.width &&
-         image.height == first.height && image.bitsPerPixel == first.bitsPerPixel;
+  return image.width == first.width && image.height == first.height &&
+         image.bitsPerPixel == first.bitsPerPixel;
 }
 
 }  // namespace
 
-int32_t RunPrunedRotation(std::span<const ImageRec> sources, const PrunedRotationOptions& options,
-                          double* angle, std::span<ImageRec> results) {
-  ForgetPageRecords();
-  PageRecords own;
-  PageRecords& records =
-      frame::settings.pageRecords != nullptr ? *frame::settings.pageRecords : own;
-
-  int32_t status = FindDocument(sources.front(), options, angle, &records);
-  if (status != STATUS_OK || frame::settings.AngleOnlyFlag == 1) return status;
-  status = TurnAll(sources, options, records.geometry, results);
-  if (status == STATUS_OK) records.stage = PageStage::kTurned;
+int32_t RunPrunedRotation(const frame::Settings& settings, std::span<const ImageRec> sources,
+                          const PrunedRotationOptions& options, double* angle,
+                          std::span<ImageRec> results, PageRecords* page) {
+  int32_t status = FindDocument(settings, sources.front(), options, angle, page);
+  if (status != STATUS_OK || settings.AngleOnlyFlag == 1) return status;
+  status = TurnAll(sources, options, page->geometry, results);
+  if (status == STATUS_OK) page->stage = PageStage::kTurned;
   return status;
 }
 
-int32_t RunCheckedPrunedRotation(const ImageRec* sources, const PrunedRotationOptions& options,
-                                 double* angle, ImageRec* results, int32_t count) {
+int32_t RunCheckedPrunedRotation(const frame::Settings& settings, const ImageRec* sources,
+                                 const PrunedRotationOptions& options, double* angle,
+                                 ImageRec* results, size_t count, PageRecords* page) {
   if (sources == nullptr || results == nullptr) return BAD_ARGUMENT;
-  const int32_t status = Imgbuf_Check(sources);
-  if (status != STATUS_OK) return status;
-
-  const std::span all(sources, static_cast<size_t>(count));
-  const bool areAlike = std::ranges::all_of(
-      all.subspan(1), [&](const ImageRec& image) { return HasShapeOf(image, *sources); });
-  if (!areAlike) return BAD_ARGUMENT;
-
+  const std::span all(sources, count);
+  for (const ImageRec& image : all) {
+    const int32_t status = Imgbuf_Check(&image);
+    if (status != STATUS_OK) return status;
+    if (!HasShapeOf(image, all.front())) return BAD_ARGUMENT;
+  }
   PrunedRotationOptions checked = options;
   checked.background = 0;
-  return RunPrunedRotation(all, checked, angle, std::span(results, all.size()));
+  return RunPrunedRotation(settings, all, checked, angle, std::span(results, count), page);
 }
 
 }  // namespace vorlanepic::deskew

@@ -2,9 +2,12 @@
 // image of its own size.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
+#include "deskew/page_records.h"
+#include "frame/settings.h"
 #include "vorlanepic/vorlanepic.h"
 
 namespace vorlanepic::deskew {
@@ -20,26 +23,29 @@ struct PrunedRotationOptions {
 
 // Straightens the page of sources[0] and turns all sources alike.
 //
-//   sources  at least one image; all of one size and depth
-//   angle    receives the turn in radians, 0 up to 2 pi; it may be written although a later step
-//            fails
-//   results  as many empty records; on success the caller owns the new images. Not looked at when
-//            the setting AngleOnlyFlag is 1
+//   settings  AngleOnlyFlag at 1: the run ends with the angle
+//   sources   at least one image; all of one size and depth
+//   angle     receives the turn in radians, 0 up to 2 pi; it may be written although a later step
+//             fails
+//   results   as many empty records; on success the caller owns the new images. Not looked at when
+//             the run ends with the angle
+//   page      receives what the stages found
 //
 // Returns STATUS_OK or the status of the first stage that failed: BORDER_NOT_FOUND,
 // ANGLE_NOT_FOUND, EDGE_NOT_FOUND, BAD_ARGUMENT (also for a null `angle` or `fill`), OUT_OF_MEMORY
-// or a code of the image library. `results` stay empty on failure. What the stages found goes to
-// settings.pageRecords.
-int32_t RunPrunedRotation(std::span<const ImageRec> sources, const PrunedRotationOptions& options,
-                          double* angle, std::span<ImageRec> results);
+// or a code of the image library. `results` stay empty on failure.
+int32_t RunPrunedRotation(const frame::Settings& settings, std::span<const ImageRec> sources,
+                          const PrunedRotationOptions& options, double* angle,
+                          std::span<ImageRec> results, PageRecords* page);
 
 // RunPrunedRotation on arrays of `count` (at least 1) records whose content is not known to be
 // good, with background 0 whatever the options say.
 //
-// Returns BAD_ARGUMENT for a null array; the image library's code when it refuses the first source;
-// BAD_ARGUMENT when a later source is not usable or not of the first one's size and depth;
-// otherwise what the run returns.
-int32_t RunCheckedPrunedRotation(const ImageRec* sources, const PrunedRotationOptions& options,
-                                 double* angle, ImageRec* results, int32_t count);
+// Returns BAD_ARGUMENT for a null array; the image library's code for a source that it refuses;
+// BAD_ARGUMENT for one that is not of the first one's size and depth; otherwise what the run
+// returns.
+int32_t RunCheckedPrunedRotation(const frame::Settings& settings, const ImageRec* sources,
+                                 const PrunedRotationOptions& options, double* angle,
+                                 ImageRec* results, size_t count, PageRecords* page);
 
 }  // namespace vorlanepic::deskew

@@ -7,7 +7,6 @@
 #include "deskew/border_directions.h"
 #include "frame/arithmetic.h"
 #include "frame/scratch.h"
-#include "frame/settings.h"
 #include "frame/trigonometry.h"
 
 namespace vorlanepic::deskew {
@@ -24,10 +23,10 @@ constexpr size_t kFewestPoints = 5;
 // Opposite borders whose angles differ by more do not agree.
 constexpr double kAgreeingDegrees = 1.5;
 
-analysis::EdgePoint MeanOf(std::span<const analysis::EdgePoint> points) {
+frame::PixelPoint MeanOf(std::span<const frame::PixelPoint> points) {
   uint32_t sumX = 0;
   uint32_t sumY = 0;
-  for (const analysis::EdgePoint& point : points) {
+  for (const frame::PixelPoint& point : points) {
     sumX += static_cast<uint32_t>(point.x);
     sumY += static_cast<uint32_t>(point.y);
   }
@@ -36,7 +35,7 @@ analysis::EdgePoint MeanOf(std::span<const analysis::EdgePoint> points) {
 }
 
 // |distance| of every point from `line`.
-void MeasureDistances(const analysis::BorderLine& line, std::span<const analysis::EdgePoint> points,
+void MeasureDistances(const analysis::BorderLine& line, std::span<const frame::PixelPoint> points,
                       std::span<uint32_t> distances) {
   const analysis::LineDistance distance(line);
   for (size_t i = 0; i < points.size(); ++i) {
@@ -51,7 +50,7 @@ size_t CountBelow(std::span<const uint32_t> distances, uint32_t limit) {
 
 // Moves the points nearer than `cut` to the front and returns how many they are.
 size_t KeepNear(std::span<const uint32_t> distances, uint32_t cut,
-                std::span<analysis::EdgePoint> points) {
+                std::span<frame::PixelPoint> points) {
   size_t kept = 0;
   for (size_t i = 0; i < points.size(); ++i) {
     if (distances[i] < cut) points[kept++] = points[i];
@@ -61,9 +60,8 @@ size_t KeepNear(std::span<const uint32_t> distances, uint32_t cut,
 
 // Fits `line` to `points`, drops those far from it and fits again, until all are near. `points` is
 // reordered; `distances` has as many entries.
-int32_t RefineLine(std::span<analysis::EdgePoint> points, std::span<uint32_t> distances,
-                   analysis::BorderLine* line) {
-  const auto inlierLimit = static_cast<uint32_t>(frame::settings.ToLineDistance);
+int32_t RefineLine(uint32_t inlierLimit, std::span<frame::PixelPoint> points,
+                   std::span<uint32_t> distances, analysis::BorderLine* line) {
   for (;;) {
     if (FitLineByHalves(line, points) != STATUS_OK) return ANGLE_NOT_FOUND;
     distances = distances.first(points.size());
@@ -84,7 +82,7 @@ int32_t RefineLine(std::span<analysis::EdgePoint> points, std::span<uint32_t> di
 // The means of the segments in `chunks`, chunk after chunk.
 void GatherPoints(std::span<const analysis::BorderSegment> segments,
                   std::span<const int32_t> chunks, size_t chunkLength,
-                  std::span<analysis::EdgePoint> points) {
+                  std::span<frame::PixelPoint> points) {
   size_t filled = 0;
   for (const int32_t chunk : chunks) {
     for (const analysis::BorderSegment& segment :
@@ -117,24 +115,24 @@ int32_t BestOf(std::span<const BorderVote, 4> votes) {
 
 }  // namespace
 
-int32_t FitLineByHalves(analysis::BorderLine* line, std::span<const analysis::EdgePoint> points) {
+int32_t FitLineByHalves(analysis::BorderLine* line, std::span<const frame::PixelPoint> points) {
   if (points.size() < 2) return BAD_ARGUMENT;
-  const analysis::EdgePoint first = MeanOf(points.first(points.size() / 2));
-  const analysis::EdgePoint second = MeanOf(points.subspan(points.size() / 2));
+  const frame::PixelPoint first = MeanOf(points.first(points.size() / 2));
+  const frame::PixelPoint second = MeanOf(points.subspan(points.size() / 2));
   const int32_t dx = frame::WrapSub(second.x, first.x);
   const int32_t dy = frame::WrapSub(second.y, first.y);
   if (dx == 0 && dy == 0) return ANGLE_NOT_FOUND;
 
   *line = {};
   if (dx == 0) {
-    line->kind = analysis::kLineVertical;
+    line->kind = analysis::LineKind::kVertical;
     line->intercept = first.x;
     line->angle = 90.0;
   } else if (dy == 0) {
-    line->kind = analysis::kLineHorizontal;
+    line->kind = analysis::LineKind::kHorizontal;
     line->intercept = first.y;
   } else {
-    line->kind = analysis::kLineGeneral;
+    line->kind = analysis::LineKind::kGeneral;
     line->slope = static_cast<double>(dy) / dx;
     line->intercept = first.y - first.x * line->slope;
     line->angle = frame::ArcTangent(line->slope) * frame::kDegreesPerRadian;
@@ -142,10 +140,11 @@ int32_t FitLineByHalves(analysis::BorderLine* line, std::span<const analysis::Ed
   return STATUS_OK;
 }
 
-int32_t EstimateBorderAngle(std::span<const analysis::BorderSegment> segments, int32_t segmentLen,
-                            double groupAngle, BorderVote* vote) {
-  const int32_t length = segmentLen & 0xFFFF;
-  if (vote == nullptr || length == 0 || length > kMaxSegmentLen) return BAD_ARGUMENT;
+int32_t EstimateBorderAngle(const frame::Settings& settings,
+                            std::span<const analysis::BorderSegment> segments, BorderVote* vote) {
+  const int32_t length = settings.SegmentLen & 0xFFFF;
+  const double groupAngle = settings.GroupAngle;
+  if (length == 0 || length > kMaxSegmentLen) return BAD_ARGUMENT;
   if (!(groupAngle >= 0.0 && groupAngle <= kMaxGroupAngle)) return BAD_ARGUMENT;
   *vote = {};
 
@@ -156,8 +155,8 @@ int32_t EstimateBorderAngle(std::span<const analysis::BorderSegment> segments, i
   if (chunks.size() == 0) return ANGLE_NOT_FOUND;
 
   const size_t count = chunks.size() * static_cast<size_t>(length);
-  frame::ScratchArray<analysis::EdgePoint> points;
-  frame::ScratchArray<analysis::EdgePoint> working;
+  frame::ScratchArray<frame::PixelPoint> points;
+  frame::ScratchArray<frame::PixelPoint> working;
   frame::ScratchArray<uint32_t> distances;
   if (!points.Allocate(count) || !working.Allocate(count) || !distances.Allocate(count)) {
     return OUT_OF_MEMORY;
@@ -166,23 +165,23 @@ int32_t EstimateBorderAngle(std::span<const analysis::BorderSegment> segments, i
   std::copy(points.span().begin(), points.span().end(), working.span().begin());
 
   analysis::BorderLine line;
-  const int32_t status = RefineLine(working.span(), distances.span(), &line);
+  const auto inlierLimit = static_cast<uint32_t>(settings.ToLineDistance);
+  const int32_t status = RefineLine(inlierLimit, working.span(), distances.span(), &line);
   if (status != STATUS_OK) return status;
   MeasureDistances(line, points.span(), distances.span());
-  const auto inlierLimit = static_cast<uint32_t>(frame::settings.ToLineDistance);
   const auto votes = static_cast<int32_t>(CountBelow(distances.span(), inlierLimit));
   *vote = {line.angle, line, votes, true};
   return STATUS_OK;
 }
 
-int32_t EstimateSkewFromBorders(const analysis::BorderTraces& traces, int32_t segmentLen,
-                                double groupAngle, std::span<BorderVote, 4> votes,
-                                int32_t* bestBorder, double* degrees) {
+int32_t EstimateSkewFromBorders(const frame::Settings& settings,
+                                const analysis::BorderTraces& traces,
+                                std::span<BorderVote, 4> votes, int32_t* bestBorder,
+                                double* degrees) {
   const analysis::SideTrace* const sides[] = {&traces.left, &traces.right, &traces.top,
                                               &traces.bottom};
   for (size_t i = 0; i < votes.size(); ++i) {
-    const int32_t status =
-        EstimateBorderAngle(sides[i]->list.view(), segmentLen, groupAngle, &votes[i]);
+    const int32_t status = EstimateBorderAngle(settings, sides[i]->list.view(), &votes[i]);
     if (status != STATUS_OK && status != ANGLE_NOT_FOUND) return status;
   }
   *bestBorder = BestOf(votes);
@@ -190,7 +189,7 @@ int32_t EstimateSkewFromBorders(const analysis::BorderTraces& traces, int32_t se
 
   const BorderVote& best = votes[static_cast<size_t>(*bestBorder)];
   const BorderVote& opposite = votes[static_cast<size_t>(OppositeOf(*bestBorder))];
-  const bool isMeanAsked = frame::settings.AngleMode != 0;
+  const bool isMeanAsked = settings.AngleMode != 0;
   *degrees =
       isMeanAsked && Agree(best, opposite) ? (best.angle + opposite.angle) * 0.5 : best.angle;
   return STATUS_OK;

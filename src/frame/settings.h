@@ -1,28 +1,21 @@
-// The process-wide values through which entry points tune the stages.
+// The values through which entry points tune the stages.
 #pragma once
 
 #include <cstdint>
 
-namespace vorlanepic::deskew {
-struct PageRecords;
-}
-namespace vorlanepic::omr {
-struct BarRecords;
-}
-
 namespace vorlanepic::frame {
 
-// Values persist between calls: what an entry point does not assign keeps what the call before
-// left. Entry points assign, stages read; a stage that writes one is named there. Nothing guards
-// the record: the library serves one call at a time. Fields carry the names of their profile keys.
+// Fields carry the names of their profile keys. Stages read them and write none. Between calls of
+// the exported functions the values persist: what an entry point does not assign keeps what the
+// call before left.
 struct Settings {
   int32_t SearchBorderPixelNum;  // document pixels in a row that mark a border crossing
   int32_t SegmentMaxGap;         // largest step in x or y between points of one border segment
   int32_t SegmentPointNum;       // points at which a border segment is closed and counts as full
   int32_t SegmentMinPointNum;    // fewest points of a segment that is kept
   int32_t BorderMethod;          // variant of the border analysis: 1 or 3
-  double ExtremeAnchorFlag;      // 1.0: edge lines pass through the extreme points; the corner
-                                 // solver may set it
+  double ExtremeAnchorFlag;      // 1.0: edge lines pass through the extreme points; left so after a
+                                 // page of which two opposite edges could not be fitted
   int32_t ToLineMixDis;          // range-checked only
   int32_t ToLineDistance;        // pixels: nearer segments are inliers of the border vote
   double parallel;               // degrees: opposite edges nearer than this are parallel
@@ -31,14 +24,15 @@ struct Settings {
   int32_t SearchLimitNum;  // bright lines to exceed before the content search takes a run
   int32_t PixelNum;        // bright pixels to exceed in a line of the source image
   int32_t CropPixelNum;    // the same for the turned image
-  int32_t CropPixelFlag;   // 1: the content search takes a share of the line length instead;
-                           // the deskew-crop driver writes it
+  int32_t CropPixelFlag;   // 1: the content search in the turned image, and that in a form, takes a
+                           // share of the line length instead
   int32_t AngleMode;       // non-zero: the vote averages opposite borders that agree
   double GroupAngle;       // degrees between neighbouring directions of one group
-  int32_t ImageNum;        // images in the caller's arrays; the drivers set it to 1
+  int32_t ImageNum;        // images in the caller's arrays; 1 after the turning began
   int32_t AngleOnlyFlag;   // 1: the drivers stop after the angle and make no output
 
-  // Stage results: indices into a side's segment list, written by the border scan.
+  // What the last call's border scan found: indices into a side's segment list. The next call
+  // begins with them.
   int32_t LeftExtremeSegFirst;
   int32_t LeftExtremeSegLast;
   int32_t RightExtremeSegFirst;
@@ -47,15 +41,7 @@ struct Settings {
   int32_t TopExtremeSegLast;
   int32_t BottomExtremeSegFirst;
   int32_t BottomExtremeSegLast;
-  int32_t EdgeArrangement;  // 1 or 2, the way the document is turned; written by the edge lines
-
-  // Where the drivers and the bar search leave their stages' records for a host that draws them;
-  // null: nobody looks. The host owns both and clears the pointers before they go.
-  deskew::PageRecords* pageRecords;
-  omr::BarRecords* barRecords;
+  int32_t EdgeArrangement;  // 1 or 2, the way the last document that was decided on was turned
 };
-
-// The one instance, all zero at load.
-extern Settings settings;
 
 }  // namespace vorlanepic::frame

@@ -1,4 +1,4 @@
-// What the search for a mark sheet's reference bar found, for a host that draws or judges it.
+// What the search for a mark sheet's reference bar found, for whoever draws or judges it.
 #pragma once
 
 #include <cstddef>
@@ -9,6 +9,14 @@
 #include "omr/sheet_area.h"
 
 namespace vorlanepic::omr {
+
+// What a reference bar has to measure, in pixels.
+struct BarLimits {
+  int32_t minLength;     // along the diagonal of its bounding box; its thickness is sampled every
+                         // twentieth of that
+  int32_t minThickness;  // of the mean thickness, both inclusive
+  int32_t maxThickness;
+};
 
 // How far the search came; each stage was reached with all earlier ones done.
 enum class BarStage : int32_t {
@@ -30,12 +38,9 @@ enum class BarVerdict : int32_t {
   kNotThickest,  // another bar is at least as thick
 };
 
-// A dark block that is long enough. Bounds inclusive, lengths in pixels.
+// A dark block that is long enough. Lengths in pixels.
 struct ExaminedBar {
-  int32_t left;
-  int32_t right;
-  int32_t top;
-  int32_t bottom;
+  frame::PixelRect box;
   int32_t block;      // its place among the marked blocks
   int32_t length;     // along the diagonal of the bounding box
   int32_t thickness;  // mean
@@ -44,11 +49,10 @@ struct ExaminedBar {
   BarVerdict verdict;
 };
 
-// The scratch of one call: get_angle_omr makes its own and drops it at the end, or, when
-// settings.barRecords is set, fills and leaves the host's.
+// The scratch of one search, the caller's.
 struct BarRecords {
   BarStage stage = BarStage::kNothing;  // the last stage that succeeded
-  SheetArea sheet{};
+  frame::PixelRect sheet{};
   size_t barCount = 0;
   frame::ScratchArray<ExaminedBar> bars;  // the first barCount entries, in the order of the search
   bool isTall = false;                    // the bar runs down the sheet

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "omr/large_pages.h"
+#include "frame/large_pages.h"
 
 namespace vorlanepic::omr {
 namespace {
@@ -14,7 +14,7 @@ bool Reserve(frame::ScratchArray<T>* array, size_t needed, size_t expected) {
   if (needed <= array->size()) return true;
   const size_t size = std::max({needed, array->size() / 2 * 3, expected});
   if (!array->Grow(size - array->size())) return false;
-  AdviseLargePages(array->data(), array->size() * sizeof(T));
+  frame::AdviseLargePages(array->data(), array->size() * sizeof(T));
   return true;
 }
 

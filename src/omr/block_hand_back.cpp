@@ -6,9 +6,9 @@
 #include <cstring>
 
 #include "frame/arithmetic.h"
+#include "frame/large_pages.h"
 #include "frame/prefetch.h"
 #include "omr/block_points.h"
-#include "omr/large_pages.h"
 
 namespace vorlanepic::omr {
 namespace {
@@ -237,7 +237,7 @@ bool BlockHandBack::Reserve(int64_t capacity) {
   if (moved == nullptr) return false;
   set_->blocks = static_cast<BlockRec*>(moved);
   reserved_ = capacity;
-  AdviseLargePages(moved, bytes);
+  frame::AdviseLargePages(moved, bytes);
   return true;
 }
 

@@ -48,20 +48,20 @@ void AddRow(const Foreground& foreground, const GreyView& image, int32_t y, int3
 
 template <typename Foreground>
 bool GrowBlocks(const Foreground& foreground, const GreyView& image, const BlockMarkParam& param,
-                const ScanArea& area, BlockHandBack* handBack) {
+                const frame::PixelRect& area, BlockHandBack* handBack) {
   BlockGrowth growth;
-  const int32_t columns = area.lastColumn - area.firstColumn + 1;
-  const int32_t rows = columns > 0 ? area.lastRow - area.firstRow + 1 : 0;
-  if (!growth.Begin(area.firstRow, static_cast<size_t>(std::max(rows, 0)))) return false;
+  const int32_t columns = area.right - area.left + 1;
+  const int32_t rows = columns > 0 ? area.bottom - area.top + 1 : 0;
+  if (!growth.Begin(area.top, static_cast<size_t>(std::max(rows, 0)))) return false;
   const bool joins = param.joinGap != 0;
   const bool filters = joins || (param.minRunLen != 0 && param.maxRunLen != 0);
   for (int32_t i = 0; i < rows; ++i) {
     if (!growth.ReserveRow(MaxRuns(columns))) return false;
-    const int32_t y = area.firstRow + i;
+    const int32_t y = area.top + i;
     PixelRun* runs = growth.nextRuns();
-    size_t count = CutRow(foreground, image.Row(y), area.firstColumn, area.lastColumn, runs);
+    size_t count = CutRow(foreground, image.Row(y), area.left, area.right, runs);
     if (filters) count = FilterRuns(param, runs, count);
-    AddRow(foreground, image, y, area.lastColumn, joins, count, &growth);
+    AddRow(foreground, image, y, area.right, joins, count, &growth);
     if (count > 0) continue;
     // An empty row ends every block: hand them back while their runs are still in the cache.
     if (!handBack->Add(growth)) return false;
@@ -75,19 +75,12 @@ bool IsConsistent(const BlockSetRec& set) {
          (set.blocks != nullptr || set.count == 0);
 }
 
-template <typename Foreground>
-int32_t MarkForHost(const Foreground& foreground, const GreyView& image,
-                    const BlockMarkParam& param, const BlockRect& rect, BlockSetRec* set) {
-  const SearchRect search{rect.x, rect.y, rect.w, rect.h};
-  return MarkBlocks(foreground, image, param, search, 0, set);
-}
-
 }  // namespace
 
 template <typename Foreground>
 int32_t MarkBlocks(const Foreground& foreground, const GreyView& image, const BlockMarkParam& param,
                    const SearchRect& rect, int32_t shortestDiagonal, BlockSetRec* set) {
-  ScanArea area{};
+  frame::PixelRect area{};
   if (!ClipToImage(rect, image.width, image.height, &area)) return BAD_ARGUMENT;
   if (!IsConsistent(*set)) return kInconsistentSet;
   BlockHandBack handBack(shortestDiagonal, set);
@@ -101,24 +94,3 @@ template int32_t MarkBlocks(const NonZeroPixels&, const GreyView&, const BlockMa
                             const SearchRect&, int32_t, BlockSetRec*);
 
 }  // namespace vorlanepic::omr
-
-using namespace vorlanepic;
-using namespace vorlanepic::omr;
-
-int32_t VORLANEPIC_CDECL ImageBlockMarkHorEx(const uint8_t* image, int32_t height, int32_t width,
-                                             const BlockMarkParam* param, const BlockRect* rect,
-                                             BlockSetRec* set) noexcept {
-  if (image == nullptr || param == nullptr || rect == nullptr || set == nullptr) {
-    return BAD_ARGUMENT;
-  }
-  return MarkForHost(DarkPixels{param->threshold}, {image, height, width}, *param, *rect, set);
-}
-
-int32_t VORLANEPIC_CDECL BWBlockMarkHorEx(const uint8_t* image, int32_t height, int32_t width,
-                                          const BlockMarkParam* param, const BlockRect* rect,
-                                          BlockSetRec* set) noexcept {
-  if (image == nullptr || param == nullptr || rect == nullptr || set == nullptr) {
-    return BAD_ARGUMENT;
-  }
-  return MarkForHost(NonZeroPixels{}, {image, height, width}, *param, *rect, set);
-}

@@ -3,23 +3,13 @@
 #include <array>
 #include <cstddef>
 #include <cstring>
-#include <type_traits>
 
-#include "omr/large_pages.h"
+#include "frame/dib_header.h"
+#include "frame/large_pages.h"
+#include "frame/pixel_format.h"
 
 namespace vorlanepic::omr {
 namespace {
-
-// A little-endian number of an information header.
-template <typename T>
-T HeaderField(const uint8_t* header, size_t at) {
-  std::make_unsigned_t<T> value = 0;
-  for (size_t k = 0; k < sizeof(T); ++k) {
-    value = static_cast<decltype(value)>(value | static_cast<decltype(value)>(header[at + k])
-                                                     << (8 * k));
-  }
-  return static_cast<T>(value);
-}
 
 // The grey levels of a byte of eight bits.
 using EightLevels = std::array<uint8_t, 8>;
@@ -71,13 +61,14 @@ bool IsComplete(const DibRec* image) {
 
 bool DibToGray(const DibRec* image, GreyImage* grey) {
   if (!IsComplete(image)) return false;
-  const auto width = HeaderField<int32_t>(image->infoHeader, 4);
-  const auto height = HeaderField<int32_t>(image->infoHeader, 8);
-  const auto bitsPerPixel = HeaderField<uint16_t>(image->infoHeader, 14);
+  const frame::DibShape shape = frame::ShapeOfDib(image->infoHeader);
+  const int32_t width = shape.width;
+  const int32_t height = shape.height;
+  const int32_t bitsPerPixel = shape.bitsPerPixel;
   if (width < 1 || height < 1) return false;
-  if (bitsPerPixel != 1 && bitsPerPixel != 8 && bitsPerPixel != 24) return false;
+  if (!frame::IsPageDepth(bitsPerPixel)) return false;
 
-  const int64_t lineBytes = (int64_t{width} * bitsPerPixel + 31) / 32 * 4;
+  const int64_t lineBytes = frame::PaddedRowBytes(width, bitsPerPixel);
   // The image library has no larger images: such a header lies about the rows behind it.
   if (lineBytes > INT32_MAX / height) return false;
   const auto line = static_cast<ptrdiff_t>(lineBytes);
@@ -89,7 +80,7 @@ bool DibToGray(const DibRec* image, GreyImage* grey) {
   const auto rowPixels = static_cast<size_t>(width);
   const uint64_t pixels = static_cast<uint64_t>(rowPixels) * static_cast<uint64_t>(height);
   if (pixels > SIZE_MAX || !grey->own.Grow(static_cast<size_t>(pixels))) return false;
-  AdviseLargePages(grey->own.data(), static_cast<size_t>(pixels));
+  frame::AdviseLargePages(grey->own.data(), static_cast<size_t>(pixels));
   const GreyRow greyRow = bitsPerPixel == 1 ? GreyRow1 : BestGreyRow24();
   for (int32_t y = 0; y < height; ++y) {
     greyRow(top - y * line, rowPixels, grey->own.data() + static_cast<size_t>(y) * rowPixels);

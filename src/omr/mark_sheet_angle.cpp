@@ -1,9 +1,10 @@
+#include "omr/mark_sheet_angle.h"
+
 #include <cmath>
 
-#include "frame/settings.h"
 #include "frame/trigonometry.h"
-#include "omr/bar_records.h"
 #include "omr/block_marking.h"
+#include "omr/block_set.h"
 #include "omr/dib_to_gray.h"
 #include "omr/reference_bar.h"
 #include "omr/sheet_area.h"
@@ -11,9 +12,6 @@
 
 namespace vorlanepic::omr {
 namespace {
-
-// What the angle functions return.
-enum { BAR_FOUND = 0, BAR_NOT_FOUND = -1 };
 
 // Radians by which the two edges of a bar may differ, in single precision.
 constexpr float kEdgeAgreement = 0.01F;
@@ -24,7 +22,7 @@ class ScratchBlocks {
   ScratchBlocks() = default;
   ScratchBlocks(const ScratchBlocks&) = delete;
   ScratchBlocks& operator=(const ScratchBlocks&) = delete;
-  ~ScratchBlocks() { DestoryBlockSetRec(&set_); }
+  ~ScratchBlocks() { ReleaseBlocks(&set_); }
 
   BlockSetRec* set() { return &set_; }
 
@@ -34,7 +32,7 @@ class ScratchBlocks {
 
 // Marks the dark blocks of the sheet that may be long enough for a bar. What can't be marked can't
 // be chosen, so a failure needs no answer of its own.
-void MarkLongBlocks(const GreyView& image, int32_t threshold, const SheetArea& sheet,
+void MarkLongBlocks(const GreyView& image, int32_t threshold, const frame::PixelRect& sheet,
                     int32_t minLength, BlockSetRec* set) {
   const SearchRect rect{sheet.left, sheet.top, int64_t{sheet.right} - sheet.left + 1,
                         int64_t{sheet.bottom} - sheet.top + 1};
@@ -72,37 +70,21 @@ int32_t FindBarAngle(const GreyView& image, int32_t threshold, const BarLimits& 
   return BAR_FOUND;
 }
 
-// Sets *angle only where a bar is found.
+}  // namespace
+
 int32_t MeasureBar(const GreyView& image, int32_t threshold, const BarLimits& limits,
-                   double* angle) {
+                   BarRecords* records, double* angle) {
   if (angle == nullptr) return BAR_NOT_FOUND;
-  BarRecords scratch;
-  BarRecords& records =
-      frame::settings.barRecords != nullptr ? *frame::settings.barRecords : scratch;
-  records = {};
-  const int32_t status = FindBarAngle(image, threshold, limits, &records);
-  if (status == BAR_FOUND) *angle = records.angle;
+  const int32_t status = FindBarAngle(image, threshold, limits, records);
+  if (status == BAR_FOUND) *angle = records->angle;
   return status;
 }
 
-}  // namespace
-}  // namespace vorlanepic::omr
-
-using namespace vorlanepic;
-using namespace vorlanepic::omr;
-
-int32_t VORLANEPIC_CDECL get_angle_omr(const uint8_t* pixels, int32_t height, int32_t width,
-                                       int32_t threshold, int32_t minLength, int32_t minThickness,
-                                       int32_t maxThickness, double* angle) noexcept {
-  if (pixels == nullptr || height < 1 || width < 1) return BAR_NOT_FOUND;
-  return MeasureBar({pixels, height, width}, threshold, {minLength, minThickness, maxThickness},
-                    angle);
-}
-
-int32_t VORLANEPIC_CDECL GetAngleOMR(const DibRec* image, int32_t threshold, int32_t minLength,
-                                     int32_t minThickness, int32_t maxThickness,
-                                     double* angle) noexcept {
+int32_t MeasureBarOfDib(const DibRec* image, int32_t threshold, const BarLimits& limits,
+                        BarRecords* records, double* angle) {
   GreyImage grey;
   if (!DibToGray(image, &grey)) return BAR_NOT_FOUND;
-  return MeasureBar(grey.view, threshold, {minLength, minThickness, maxThickness}, angle);
+  return MeasureBar(grey.view, threshold, limits, records, angle);
 }
+
+}  // namespace vorlanepic::omr

@@ -45,13 +45,13 @@ void MeasureThickness(const BlockOutline& outline, int32_t step, ExaminedBar* ba
   bar->thickness = std::min(across, down);
 }
 
-int32_t MarginOf(const ExaminedBar& bar, const SheetArea& sheet) {
-  return std::min({bar.left - sheet.left, sheet.right - bar.right, bar.top - sheet.top,
-                   sheet.bottom - bar.bottom});
+int32_t MarginOf(const ExaminedBar& bar, const frame::PixelRect& sheet) {
+  return std::min({bar.box.left - sheet.left, sheet.right - bar.box.right, bar.box.top - sheet.top,
+                   sheet.bottom - bar.box.bottom});
 }
 
 // The tests that a bar passes by itself.
-BarVerdict Judge(const ExaminedBar& bar, const BarLimits& limits, const SheetArea& sheet) {
+BarVerdict Judge(const ExaminedBar& bar, const BarLimits& limits, const frame::PixelRect& sheet) {
   if (bar.thickness < std::max(limits.minThickness, 1) || bar.thickness > limits.maxThickness) {
     return BarVerdict::kThickness;
   }
@@ -125,10 +125,7 @@ const BlockRec* SelectReferenceBar(const BlockSetRec& set, const BarLimits& limi
   for (int32_t i = 0; i < set.count; ++i) {
     const BlockRec& block = set.blocks[i];
     ExaminedBar bar{};
-    bar.left = block.left;
-    bar.right = block.right;
-    bar.top = block.top;
-    bar.bottom = block.bottom;
+    bar.box = {block.left, block.right, block.top, block.bottom};
     bar.block = i;
     bar.length = BoxDiagonal(block.width, block.height);
     if (bar.length < limits.minLength) continue;

@@ -8,14 +8,6 @@
 
 namespace vorlanepic::omr {
 
-// What a reference bar has to measure, in pixels.
-struct BarLimits {
-  int32_t minLength;     // along the diagonal of its bounding box; its thickness is sampled every
-                         // twentieth of that
-  int32_t minThickness;  // of the mean thickness, both inclusive
-  int32_t maxThickness;
-};
-
 // Judges every block of `set` that is long enough into records->bars and returns the one that is
 // the reference bar: the thickest that passes every test. Null when there is none and when there is
 // no memory.

@@ -19,9 +19,9 @@ bool ClipAxis(int64_t origin, int64_t extent, int32_t size, int32_t* first, int3
 
 }  // namespace
 
-bool ClipToImage(const SearchRect& rect, int32_t width, int32_t height, ScanArea* area) {
-  return ClipAxis(rect.x, rect.w, width, &area->firstColumn, &area->lastColumn) &&
-         ClipAxis(rect.y, rect.h, height, &area->firstRow, &area->lastRow);
+bool ClipToImage(const SearchRect& rect, int32_t width, int32_t height, frame::PixelRect* area) {
+  return ClipAxis(rect.x, rect.w, width, &area->left, &area->right) &&
+         ClipAxis(rect.y, rect.h, height, &area->top, &area->bottom);
 }
 
 }  // namespace vorlanepic::omr

@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#include "frame/geometry.h"
+
 namespace vorlanepic::omr {
 
 // A search rectangle as its caller gave it: columns x .. x + w and rows y .. y + h, where w and h
@@ -14,17 +16,8 @@ struct SearchRect {
   int64_t h;
 };
 
-// Columns and rows of an image, in pixels, all inclusive. Nothing is covered where the last one
-// lies before the first.
-struct ScanArea {
-  int32_t firstColumn;
-  int32_t lastColumn;
-  int32_t firstRow;
-  int32_t lastRow;
-};
-
 // Cuts `rect` to a width x height image. An origin left of or above the image moves to its edge and
 // the extent keeps its length. False when the origin lies right of or below the image.
-bool ClipToImage(const SearchRect& rect, int32_t width, int32_t height, ScanArea* area);
+bool ClipToImage(const SearchRect& rect, int32_t width, int32_t height, frame::PixelRect* area);
 
 }  // namespace vorlanepic::omr

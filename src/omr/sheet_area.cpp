@@ -93,7 +93,8 @@ class LightLines {
 
 }  // namespace
 
-bool FindSheetArea(const GreyView& image, int32_t threshold, int32_t count, SheetArea* area) {
+bool FindSheetArea(const GreyView& image, int32_t threshold, int32_t count,
+                   frame::PixelRect* area) {
   const LightLines lines(image, threshold, count);
   area->top = lines.FirstRow(0, 2);
   area->bottom = lines.FirstRow(int64_t{image.height} - 2, -2);

@@ -49,7 +49,7 @@ RegionIndex::Limits RegionIndex::LimitsOf(int32_t first, int32_t last) const {
   return all;
 }
 
-bool RegionIndex::Holds(const SourceRect& rect) const {
+bool RegionIndex::Holds(const frame::PixelRect& rect) const {
   const int32_t first = rect.top - top_;
   const int32_t last = rect.bottom - top_;
   if (first < 0 || last >= rowCount_) return false;
@@ -57,7 +57,7 @@ bool RegionIndex::Holds(const SourceRect& rect) const {
   return rect.left >= limits.greatestLeft && rect.right <= limits.leastRight;
 }
 
-bool RegionIndex::Misses(const SourceRect& rect) const {
+bool RegionIndex::Misses(const frame::PixelRect& rect) const {
   const int32_t first = std::max(rect.top - top_, 0);
   const int32_t last = std::min(rect.bottom - top_, rowCount_ - 1);
   if (first > last) return true;

@@ -3,18 +3,11 @@
 
 #include <cstdint>
 
+#include "frame/geometry.h"
 #include "frame/scratch.h"
 #include "rotate/row_spans.h"
 
 namespace vorlanepic::rotate {
-
-// Source columns left..right of rows top..bottom, all inclusive.
-struct SourceRect {
-  int32_t left;
-  int32_t right;
-  int32_t top;
-  int32_t bottom;
-};
 
 // The extremes of the region's limits over blocks of 1, 2, 4, ... rows, about two entries a row.
 // Answers about more than one row may be cautious; answers about one row are exact.
@@ -25,9 +18,9 @@ class RegionIndex {
   [[nodiscard]] bool Build(const RowSpans& region, int32_t width);
 
   // True only when every pixel of `rect` lies in the region.
-  bool Holds(const SourceRect& rect) const;
+  bool Holds(const frame::PixelRect& rect) const;
   // True only when no pixel of `rect` lies in the region.
-  bool Misses(const SourceRect& rect) const;
+  bool Misses(const frame::PixelRect& rect) const;
 
  private:
   struct Limits {

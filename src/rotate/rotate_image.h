@@ -19,6 +19,9 @@ struct Turn {
   int32_t outWidth;
   int32_t outHeight;
   int32_t interpolation;  // INTERP_BICUBIC, INTERP_BILINEAR or INTERP_NEAREST
+  // 0..3 quarter turns clockwise on top of the angle. Exact: an output pixel at (dx, dy) from the
+  // centre takes the value that without them stands at (dy, -dx), (-dx, -dy) or (-dy, dx).
+  int32_t quarterTurns = 0;
 };
 
 // Resamples the region `spans` of `source` into a new image in `target`, on two threads.
@@ -31,7 +34,7 @@ struct Turn {
 // Returns STATUS_OK; BAD_ARGUMENT for a null pointer, a size below 1, a centre outside `source`,
 // another interpolation, or a region that leaves the rows of `source` or has a single row;
 // OUT_OF_MEMORY for the step tables; or the image library's code. `target` stays empty on failure,
-// and with STATUS_OK when the setting ImageNum is 0 or `source` has another depth.
+// and with STATUS_OK when `source` has another depth.
 int32_t RotateImage(const ImageRec* source, ImageRec* target, const RowSpans* spans,
                     const Turn& turn, const uint8_t* fill);
 

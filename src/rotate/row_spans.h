@@ -17,7 +17,6 @@ struct RowSpan {
 // row, so the first entry read is spans[top]. Holds for a region handed to RotateImage: 0 <= left
 // and right < source width in every entry of top..bottom. left > right is an empty row.
 struct RowSpans {
-  int32_t count = 0;  // rows filled in
   int32_t top = 0;
   int32_t bottom = 0;
   frame::ScratchArray<RowSpan> spans;

@@ -1,16 +1,23 @@
 #include "rotate/step_tables.h"
 
+#include <utility>
+
 #include "frame/arithmetic.h"
 #include "frame/trigonometry.h"
 
 namespace vorlanepic::rotate {
 
-bool StepTables::Build(double angle, size_t size) {
+bool StepTables::Build(double angle, size_t size, int32_t quarterTurns) {
   if (!cos_.Allocate(2 * size - 1) || !sin_.Allocate(2 * size - 1)) return false;
   most_ = static_cast<int32_t>(size - 1);
 
-  const double cosine = frame::Cosine(angle);
-  const double sine = frame::Sine(angle);
+  // Cosine and sine change places, and signs, at a quarter turn, and with them the tables as they
+  // are: steps and their roundings are the same to either side of 0.
+  double cosine = frame::Cosine(angle);
+  double sine = frame::Sine(angle);
+  for (int32_t quarter = 0; quarter < quarterTurns; ++quarter) {
+    cosine = -std::exchange(sine, cosine);
+  }
   // Running sums, not products: their roundings are part of the result.
   double cosineSum = 0.0;
   double sineSum = 0.0;

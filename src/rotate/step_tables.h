@@ -11,9 +11,9 @@ namespace vorlanepic::rotate {
 // beyond the int32 range hold INT32_MIN.
 class StepTables {
  public:
-  // Fills tables for |k| < `size`, size >= 1, of a turn by `angle` radians. False when there is no
-  // memory.
-  [[nodiscard]] bool Build(double angle, size_t size);
+  // Fills tables for |k| < `size`, size >= 1, of a turn by `angle` radians and quarter turns on top
+  // of it. False when there is no memory.
+  [[nodiscard]] bool Build(double angle, size_t size, int32_t quarterTurns = 0);
 
   int32_t Cos(int32_t k) const { return cos_[IndexOf(k)]; }
   int32_t Sin(int32_t k) const { return sin_[IndexOf(k)]; }

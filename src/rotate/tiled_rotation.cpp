@@ -16,8 +16,10 @@ constexpr int32_t kRowsAhead = 16;
 constexpr int32_t kBorderStep = 2;
 constexpr int32_t kMostGrowth = 16;
 
-// Steps up to which offsets, and source coordinates with them, stay far inside the int32 range.
+// Steps up to which offsets stay far inside the int32 range, and sides of a source up to which
+// coordinates that lie as far outside it do, with room for a strip of columns or two.
 constexpr int32_t kMostSteps = 10'000'000;
+constexpr int32_t kMostSide = INT32_MAX - 3 * kMostSteps;
 
 // a / b cut downward, b > 0.
 int32_t FloorDivide(int32_t a, int32_t b) { return a / b - (a % b < 0 ? 1 : 0); }
@@ -67,7 +69,7 @@ class TiledRotation::RowWriter {
 
 void TiledRotation::RowWriter::Visit(int32_t first, int32_t last) {
   if (first > last) return;
-  const SourceRect basePixels = rotation_.BasePixelsOf({first, last, y_, y_});
+  const frame::PixelRect basePixels = rotation_.BasePixelsOf({first, last, y_, y_});
   if (rotation_.index_.Misses(basePixels)) {
     if (rotation_.rule_.bitsPerPixel == 1) return;  // the row was filled before
     FillPixels(rotation_.job_, rotation_.job_.target.rows[y_], first, last);
@@ -105,6 +107,7 @@ bool TiledRotation::Suits(const RotateJob& job) {
   if (!std::isfinite(job.turn.angle)) return false;
   if (std::max(job.halfWidth(), job.halfHeight()) > kMostSteps) return false;
   const ImageRec& source = job.source;
+  if (std::max(source.width, source.height) > kMostSide) return false;
   for (int32_t y = 0; y < source.height; ++y) {
     const uint8_t* row = source.pixels + static_cast<ptrdiff_t>(y) * source.lineBytes;
     if (source.rows[y] != row) return false;
@@ -151,7 +154,7 @@ int32_t TiledRotation::OffsetY(int32_t x, int32_t y) const {
 }
 
 // Steps are monotone along either axis, so the extremes lie at the corners.
-SourceRect TiledRotation::OffsetsOf(const OutputRect& rect) const {
+frame::PixelRect TiledRotation::OffsetsOf(const OutputRect& rect) const {
   const auto [leastX, greatestX] =
       std::minmax({OffsetX(rect.left, rect.top), OffsetX(rect.right, rect.top),
                    OffsetX(rect.left, rect.bottom), OffsetX(rect.right, rect.bottom)});
@@ -161,18 +164,18 @@ SourceRect TiledRotation::OffsetsOf(const OutputRect& rect) const {
   return {leastX, greatestX, leastY, greatestY};
 }
 
-SourceRect TiledRotation::BasePixelsOf(const OutputRect& rect) const {
-  const SourceRect offsets = OffsetsOf(rect);
+frame::PixelRect TiledRotation::BasePixelsOf(const OutputRect& rect) const {
+  const frame::PixelRect offsets = OffsetsOf(rect);
   return {job_.turn.centerX + offsets.left / 100, job_.turn.centerX + offsets.right / 100,
           job_.turn.centerY + offsets.top / 100, job_.turn.centerY + offsets.bottom / 100};
 }
 
 bool TiledRotation::IsOneSided(const OutputRect& rect) const {
-  const SourceRect offsets = OffsetsOf(rect);
+  const frame::PixelRect offsets = OffsetsOf(rect);
   return (offsets.left < 0) == (offsets.right < 0) && (offsets.top < 0) == (offsets.bottom < 0);
 }
 
-bool TiledRotation::HoldsTapsOf(const SourceRect& basePixels) const {
+bool TiledRotation::HoldsTapsOf(const frame::PixelRect& basePixels) const {
   if (basePixels.top - rule_.reach < job_.region.top) return false;
   if (basePixels.bottom + rule_.reach > lastSafeRow_) return false;
   return index_.Holds({basePixels.left - rule_.reach, basePixels.right + rule_.reach,

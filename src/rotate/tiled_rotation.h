@@ -15,8 +15,8 @@ namespace vorlanepic::rotate {
 // One rotation, made ready once and then computed by several threads at a time.
 class TiledRotation {
  public:
-  // Whether the job suits: its source rows lie one behind the other, and its steps leave so much
-  // room in an int32 that no sum wraps. Other jobs are left to RotateRowsPlain.
+  // Whether the job suits: its source rows lie one behind the other, and its steps and sides leave
+  // so much room in an int32 that no sum wraps. Other jobs are left to RotateRowsPlain.
   static bool Suits(const RotateJob& job);
 
   // `job` suits, has its step tables and outlives this object.
@@ -48,11 +48,11 @@ class TiledRotation {
   int32_t OffsetX(int32_t x, int32_t y) const;
   int32_t OffsetY(int32_t x, int32_t y) const;
   // The extremes of both offsets in a rectangle of the output.
-  SourceRect OffsetsOf(const OutputRect& rect) const;
-  SourceRect BasePixelsOf(const OutputRect& rect) const;
+  frame::PixelRect OffsetsOf(const OutputRect& rect) const;
+  frame::PixelRect BasePixelsOf(const OutputRect& rect) const;
   // Whether all taps of these base pixels lie in the region, and where a kernel may read them. May
   // be cautious for more than one source row.
-  bool HoldsTapsOf(const SourceRect& basePixels) const;
+  bool HoldsTapsOf(const frame::PixelRect& basePixels) const;
   bool IsInside(int32_t x, int32_t y) const;
   bool IsInner(int32_t x, int32_t y) const;
 

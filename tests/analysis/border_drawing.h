@@ -14,34 +14,32 @@
 #include "support/page_drawing.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlanepic::analysis {
+namespace vorlanepic::frame {
 
-inline bool operator==(EdgePoint a, EdgePoint b) { return a.x == b.x && a.y == b.y; }
-inline void PrintTo(EdgePoint point, std::ostream* out) {
+inline void PrintTo(frame::PixelPoint point, std::ostream* out) {
   *out << "(" << point.x << ", " << point.y << ")";
 }
 
-}  // namespace vorlanepic::analysis
+}  // namespace vorlanepic::frame
 
 namespace vorlanepic::testing {
 
 using namespace analysis;
 
-// The settings of the pruned rotation, for as long as a test runs.
+// The settings of the pruned rotation.
 class AnalysisTest : public ::testing::Test {
  protected:
   AnalysisTest() {
-    frame::settings = {};
-    frame::settings.SearchBorderPixelNum = 2;
-    frame::settings.SegmentMaxGap = 6;
-    frame::settings.SegmentPointNum = 6;
-    frame::settings.SegmentMinPointNum = 4;
-    frame::settings.BorderMethod = 1;
-    frame::settings.parallel = 3.5;
-    frame::settings.perpendicular = 2.0;
-    frame::settings.ImageNum = 1;
+    settings_.SearchBorderPixelNum = 2;
+    settings_.SegmentMaxGap = 6;
+    settings_.SegmentPointNum = 6;
+    settings_.SegmentMinPointNum = 4;
+    settings_.BorderMethod = 1;
+    settings_.parallel = 3.5;
+    settings_.perpendicular = 2.0;
   }
-  ~AnalysisTest() override { frame::settings = {}; }
+
+  frame::Settings settings_{};
 };
 
 // Runs `operation` with every heap request of it failing in turn, and then undisturbed. Returns how
@@ -60,14 +58,15 @@ int32_t ExpectOutOfMemoryAtEveryRequest(Operation operation) {
 }
 
 // A trace of segments of `points` equal points each.
-inline void FillTrace(SideTrace* side, const std::vector<EdgePoint>& means, int32_t points = 2) {
+inline void FillTrace(SideTrace* side, const std::vector<frame::PixelPoint>& means,
+                      int32_t points = 2) {
   const auto count = static_cast<int32_t>(means.size());
   ASSERT_TRUE(side->points.Allocate(means.size() * static_cast<size_t>(points)));
   ASSERT_TRUE(side->list.segments.Allocate(means.size()));
   side->pointCount = count * points;
   side->list.segmentCount = count;
   side->list.pointTotal = side->pointCount;
-  EdgePoint* point = side->points.data();
+  frame::PixelPoint* point = side->points.data();
   for (size_t i = 0; i < means.size(); ++i) {
     side->list.segments[i] = {points, point, 0, means[i].x, means[i].y};
     for (int32_t k = 0; k < points; ++k) *point++ = means[i];
@@ -75,20 +74,21 @@ inline void FillTrace(SideTrace* side, const std::vector<EdgePoint>& means, int3
 }
 
 // `count` positions from (x, y) in steps of (dx, dy).
-inline std::vector<EdgePoint> Line(int32_t count, int32_t x, int32_t y, int32_t dx, int32_t dy) {
-  std::vector<EdgePoint> points;
+inline std::vector<frame::PixelPoint> Line(int32_t count, int32_t x, int32_t y, int32_t dx,
+                                           int32_t dy) {
+  std::vector<frame::PixelPoint> points;
   points.reserve(static_cast<size_t>(count));
   for (int32_t i = 0; i < count; ++i) points.push_back({x + i * dx, y + i * dy});
   return points;
 }
 
-inline std::vector<EdgePoint> Transposed(std::vector<EdgePoint> points) {
-  for (EdgePoint& point : points) std::swap(point.x, point.y);
+inline std::vector<frame::PixelPoint> Transposed(std::vector<frame::PixelPoint> points) {
+  for (frame::PixelPoint& point : points) std::swap(point.x, point.y);
   return points;
 }
 
-inline std::vector<EdgePoint> MeansOf(const SegmentList& list) {
-  std::vector<EdgePoint> means;
+inline std::vector<frame::PixelPoint> MeansOf(const SegmentList& list) {
+  std::vector<frame::PixelPoint> means;
   for (const BorderSegment& segment : list.view()) means.push_back({segment.meanX, segment.meanY});
   return means;
 }

@@ -36,9 +36,10 @@ TEST_F(FindBandTest, ReachesNineRowsBeyondTheSampledRowsOfThePage) {
     SCOPED_TRACE(c.name);
     TestImage image(200, c.height, c.bitsPerPixel);
     FillRectangle(&image, 0, c.first, c.light - 1, c.last, 201);
-    frame::settings.BorderMethod = c.method;
-    ScanBand band{};
-    EXPECT_EQ(FindBand(image.rec(), &band, 200), c.top < 0 ? BORDER_NOT_FOUND : STATUS_OK);
+    settings_.BorderMethod = c.method;
+    frame::PixelRect band{};
+    EXPECT_EQ(FindBand(settings_, *image.rec(), 200, &band),
+              c.top < 0 ? BORDER_NOT_FOUND : STATUS_OK);
     if (c.top < 0) continue;
     EXPECT_EQ(band.left, 0);
     EXPECT_EQ(band.right, 199);
@@ -49,24 +50,22 @@ TEST_F(FindBandTest, ReachesNineRowsBeyondTheSampledRowsOfThePage) {
 
 TEST_F(FindBandTest, CountsOnlyWhatIsLighterThanTheThresholdAndNoPadding) {
   TestImage image(100, 10, 8);
-  ScanBand band{};
+  frame::PixelRect band{};
   image.Fill(200);
-  EXPECT_EQ(FindBand(image.rec(), &band, 200), BORDER_NOT_FOUND);
+  EXPECT_EQ(FindBand(settings_, *image.rec(), 200, &band), BORDER_NOT_FOUND);
   image.Fill(255);
-  EXPECT_EQ(FindBand(image.rec(), &band, 254), STATUS_OK);
-  EXPECT_EQ(FindBand(image.rec(), &band, 255), BORDER_NOT_FOUND);
-  frame::settings.BorderMethod = 3;
+  EXPECT_EQ(FindBand(settings_, *image.rec(), 254, &band), STATUS_OK);
+  EXPECT_EQ(FindBand(settings_, *image.rec(), 255, &band), BORDER_NOT_FOUND);
+  settings_.BorderMethod = 3;
   TestImage bits(9, 1, 1);
   bits.row(0)[1] = 0xFF;  // pixel 8 and padding
-  EXPECT_EQ(FindBand(bits.rec(), &band, 0), BORDER_NOT_FOUND);
+  EXPECT_EQ(FindBand(settings_, *bits.rec(), 0, &band), BORDER_NOT_FOUND);
 }
 
 TEST_F(FindBandTest, RefusesWhatItCannotRead) {
-  ScanBand band{};
+  frame::PixelRect band{};
   TestImage image(9, 9, 4);
-  EXPECT_EQ(FindBand(nullptr, &band, 0), BAD_ARGUMENT);
-  EXPECT_EQ(FindBand(image.rec(), nullptr, 0), BAD_ARGUMENT);
-  EXPECT_EQ(FindBand(image.rec(), &band, 0), BAD_ARGUMENT);
+  EXPECT_EQ(FindBand(settings_, *image.rec(), 0, &band), BAD_ARGUMENT);
 }
 
 constexpr GreyBand kLevels{200, 255};
@@ -74,13 +73,15 @@ constexpr GreyBand kLevels{200, 255};
 class BorderScanTest : public AnalysisTest {
  protected:
   int32_t Rows(const TestImage& image) {
-    return ScanRows(image.rec(), &band_, kLevels, &traces_.left, &traces_.right, &extremes_);
+    return ScanRows(settings_, *image.rec(), band_, kLevels, &traces_.left, &traces_.right,
+                    &extremes_);
   }
   int32_t Columns(const TestImage& image) {
-    return ScanColumns(image.rec(), &band_, kLevels, &traces_.top, &traces_.bottom, &extremes_);
+    return ScanColumns(settings_, *image.rec(), band_, kLevels, &traces_.top, &traces_.bottom,
+                       &extremes_);
   }
 
-  ScanBand band_{0, 299, 15, 84};
+  frame::PixelRect band_{0, 299, 15, 84};
   BorderTraces traces_;
   ExtremePoints extremes_{};
 };
@@ -100,16 +101,16 @@ TEST_F(BorderScanTest, TracesTheSidesOfARectangle) {
     EXPECT_EQ(traces_.left.pointCount, 30);
     EXPECT_EQ(traces_.left.list.segmentCount, 5);
     EXPECT_EQ(traces_.left.list.segments[0].meanY, 26);
-    EXPECT_EQ(extremes_.leftmost, (EdgePoint{left, 21}));
-    EXPECT_EQ(extremes_.rightmost, (EdgePoint{right, 79}));
+    EXPECT_EQ(extremes_.leftmost, (frame::PixelPoint{left, 21}));
+    EXPECT_EQ(extremes_.rightmost, (frame::PixelPoint{right, 79}));
     ASSERT_EQ(Columns(image), STATUS_OK);
-    EXPECT_EQ(extremes_.topmost, (EdgePoint{right, 20}));
+    EXPECT_EQ(extremes_.topmost, (frame::PixelPoint{right, 20}));
     // From row 84 in steps of two: the run is rows 78 and 77.
-    EXPECT_EQ(extremes_.bottommost, (EdgePoint{right, 78}));
+    EXPECT_EQ(extremes_.bottommost, (frame::PixelPoint{right, 78}));
   }
   EXPECT_EQ(traces_.top.pointCount, 48);
-  EXPECT_EQ(frame::settings.TopExtremeSegFirst, 0);
-  EXPECT_EQ(frame::settings.TopExtremeSegLast, 7);
+  EXPECT_EQ(extremes_.topSegments.first, 0);
+  EXPECT_EQ(extremes_.topSegments.last, 7);
 }
 
 // 60 border rows are 10 segments a side; both sides stand out in rows of segments 3 and 7.
@@ -121,17 +122,17 @@ TEST_F(BorderScanTest, EqualExtremesNameTheirSegments) {
   }
   band_ = {0, 299, 0, 129};
   ASSERT_EQ(Rows(image), STATUS_OK);
-  EXPECT_EQ(extremes_.leftmost, (EdgePoint{98, 40}));
-  EXPECT_EQ(frame::settings.LeftExtremeSegFirst, 3);
-  EXPECT_EQ(frame::settings.LeftExtremeSegLast, 7);
-  EXPECT_EQ(extremes_.rightmost, (EdgePoint{201, 88}));
+  EXPECT_EQ(extremes_.leftmost, (frame::PixelPoint{98, 40}));
+  EXPECT_EQ(extremes_.leftSegments.first, 3);
+  EXPECT_EQ(extremes_.leftSegments.last, 7);
+  EXPECT_EQ(extremes_.rightmost, (frame::PixelPoint{201, 88}));
 }
 
 TEST_F(BorderScanTest, FindsNothingOnABlankImageOrInShortSegments) {
   for (const int32_t bitsPerPixel : {1, 8, 24}) {
     TestImage image(300, 100, bitsPerPixel);
     EXPECT_EQ(Rows(image), BORDER_NOT_FOUND);
-    extremes_ = {{10, 50}, {90, 50}, {}, {}};
+    extremes_ = {.leftmost = {10, 50}, .rightmost = {90, 50}};
     EXPECT_EQ(Columns(image), BORDER_NOT_FOUND);
     // 5 border rows: one stored segment that is not full, so there is no extreme point.
     FillRectangle(&image, 100, 20, 199, 30, 230);
@@ -145,17 +146,13 @@ TEST_F(BorderScanTest, RefusesWhatItCannotRead) {
   EXPECT_EQ(Rows(TestImage(300, 100, 4)), BAD_ARGUMENT);
   EXPECT_EQ(Columns(TestImage(300, 100, 4)), BAD_ARGUMENT);
   TestImage grey(300, 100, 8);
-  EXPECT_EQ(ScanRows(grey.rec(), &band_, kLevels, nullptr, &traces_.right, &extremes_),
-            BAD_ARGUMENT);
-  EXPECT_EQ(ScanColumns(nullptr, &band_, kLevels, &traces_.top, &traces_.bottom, &extremes_),
-            BAD_ARGUMENT);
   // From the right the walk comes to (14: 8 columns, 6), (5, 4), (3, 2), (1, 0) and ends left of
   // the image.
   TestImage narrow(15, 40, 1);
   FillRectangle(&narrow, 0, 0, 1, 39, 255);
   band_ = {0, 14, 0, 39};
   EXPECT_EQ(Rows(narrow), BAD_ARGUMENT);
-  extremes_ = {{10, 50}, {300, 50}, {}, {}};
+  extremes_ = {.leftmost = {10, 50}, .rightmost = {300, 50}};
   EXPECT_EQ(Columns(grey), BAD_ARGUMENT);
 }
 

@@ -64,7 +64,8 @@ std::vector<TestImage> Images(int32_t width, int32_t height, int32_t depth) {
 template <typename Pixel>
 class BorderWalksTest : public ::testing::Test {
  protected:
-  void CompareRows(const TestImage& image, const ScanBand& band, GreyBand levels, int32_t run) {
+  void CompareRows(const TestImage& image, const frame::PixelRect& band, GreyBand levels,
+                   int32_t run) {
     for (int32_t y = 0; y < image.rec()->height; ++y) {
       const uint8_t* row = image.row(y);
       ASSERT_EQ(WalkFromLeft<Pixel>(row, band, levels, run),
@@ -74,7 +75,8 @@ class BorderWalksTest : public ::testing::Test {
     }
   }
 
-  void CompareColumns(const TestImage& image, const ScanBand& band, GreyBand levels, int32_t run) {
+  void CompareColumns(const TestImage& image, const frame::PixelRect& band, GreyBand levels,
+                      int32_t run) {
     const ColumnRange columns{band.left, band.right};
     std::vector<int32_t> top(columns.count());
     std::vector<int32_t> bottom(top);
@@ -89,8 +91,8 @@ class BorderWalksTest : public ::testing::Test {
   // All bands, whole and in part, and all lengths of run, in images of this size.
   template <typename Compare>
   static void ForEachScan(int32_t width, int32_t height, Compare compare) {
-    const ScanBand whole{0, width - 1, 0, height - 1};
-    const ScanBand inner{width / 5, width - 1 - width / 7, height / 5, height - 1};
+    const frame::PixelRect whole{0, width - 1, 0, height - 1};
+    const frame::PixelRect inner{width / 5, width - 1 - width / 7, height / 5, height - 1};
     for (const TestImage& image : Images(width, height, kDepth<Pixel>)) {
       for (int32_t run = 1; run <= kLongestRun; ++run) {
         SCOPED_TRACE(::testing::PrintToString(std::make_tuple(width, height, run)));
@@ -148,7 +150,7 @@ TEST(BitWalks, StepOverZeroBytesAndStopBehindARun) {
       {{0xFF}, 2, 2, 2, -1},
   };
   for (const auto& [bytes, width, run, left, right] : cases) {
-    const ScanBand band{0, width - 1, 0, 0};
+    const frame::PixelRect band{0, width - 1, 0, 0};
     SCOPED_TRACE(::testing::PrintToString(bytes));
     EXPECT_EQ(PlainWalkFromLeft<Bit1>(bytes.data(), band, {}, run), left);
     EXPECT_EQ(WalkFromLeft<Bit1>(bytes.data(), band, {}, run), left);

@@ -1,7 +1,6 @@
 #include "analysis/edge_lines.h"
 
 #include <tuple>
-#include <utility>
 
 #include "analysis/border_drawing.h"
 
@@ -14,8 +13,8 @@ class BuildEdgesTest : public AnalysisTest {
  protected:
   int32_t Build() {
     edges_ = {};
-    straightness_ = 7;
-    return BuildEdges(image_.rec(), &extremes_, &straightness_, &traces_, &edges_);
+    origin_ = {};
+    return BuildEdges(settings_, *image_.rec(), extremes_, traces_, &origin_, &edges_);
   }
 
   // 30 segments a side of a page that stands on its corner; all run down to the right, so that
@@ -25,15 +24,8 @@ class BuildEdgesTest : public AnalysisTest {
     FillTrace(&traces_.right, Line(30, 300, 100, 6, 12));
     FillTrace(&traces_.top, Line(30, 500, 300, -12, -6));
     FillTrace(&traces_.bottom, Line(30, 500, 600, -12, -6));
-    std::tie(frame::settings.LeftExtremeSegFirst, frame::settings.LeftExtremeSegLast) =
-        std::pair(15, 16);
-    std::tie(frame::settings.RightExtremeSegFirst, frame::settings.RightExtremeSegLast) =
-        std::pair(17, 18);
-    std::tie(frame::settings.TopExtremeSegFirst, frame::settings.TopExtremeSegLast) =
-        std::pair(19, 13);
-    std::tie(frame::settings.BottomExtremeSegFirst, frame::settings.BottomExtremeSegLast) =
-        std::pair(20, 12);
-    extremes_ = {{100, 350}, {500, 300}, {400, 0}, {200, 700}};
+    extremes_ = {{100, 350}, {500, 300}, {400, 0}, {200, 700},
+                 {15, 16},   {17, 18},   {19, 13}, {20, 12}};
   }
 
   // 30 segments a side of an upright page, with the leftmost point low.
@@ -42,10 +34,18 @@ class BuildEdgesTest : public AnalysisTest {
     FillTrace(&traces_.right, Line(30, 500, 20, 0, 12));
     FillTrace(&traces_.top, Line(30, 500, 20, -12, 0));
     FillTrace(&traces_.bottom, Line(30, 500, 380, -12, 0));
-    extremes_ = {{100, 30}, {500, 30}, {300, 20}, {300, 380}};
+    extremes_ = {.leftmost = {100, 30},
+                 .rightmost = {500, 30},
+                 .topmost = {300, 20},
+                 .bottommost = {300, 380}};
   }
 
   auto Sides() { return std::tie(traces_.left, traces_.right, traces_.top, traces_.bottom); }
+
+  const SideTrace& TraceOf(Side side) {
+    const SideTrace* const sides[] = {&traces_.left, &traces_.right, &traces_.top, &traces_.bottom};
+    return *sides[static_cast<size_t>(side)];
+  }
 
   struct Part {
     const SideTrace& side;
@@ -56,6 +56,7 @@ class BuildEdgesTest : public AnalysisTest {
     const EdgeLine* edges[] = {&edges_.e1, &edges_.e2, &edges_.e3, &edges_.e4};
     for (size_t i = 0; i < 4; ++i) {
       ASSERT_EQ(edges[i]->list.segmentCount, parts[i].count) << "edge " << i + 1;
+      EXPECT_EQ(&TraceOf(edges[i]->side), &parts[i].side);
       EXPECT_EQ(edges[i]->list.segments[0].first, parts[i].side.list.segments[parts[i].first].first)
           << "edge " << i + 1;
     }
@@ -63,7 +64,7 @@ class BuildEdgesTest : public AnalysisTest {
 
   TestImage image_{800, 800, 8};
   ExtremePoints extremes_{};
-  int32_t straightness_ = 7;
+  EdgeOrigin origin_;
   BorderTraces traces_;
   DocumentEdges edges_;
 };
@@ -73,44 +74,43 @@ class BuildEdgesTest : public AnalysisTest {
 TEST_F(BuildEdgesTest, TakesTheSidesBeyondTheExtremesOfATurnedPage) {
   TraceDiamond();
   ASSERT_EQ(Build(), STATUS_OK);
-  EXPECT_EQ(straightness_, 1);
-  EXPECT_EQ(frame::settings.EdgeArrangement, 2);  // 700 - 350 is not more than 350 - 0
+  EXPECT_EQ(origin_.source, EdgeSource::kBeyondExtremes);
+  EXPECT_EQ(origin_.arrangement, Arrangement::kLeftFirst);  // 700 - 350 is not more than 350 - 0
   const auto& [left, right, top, bottom] = Sides();
   ExpectParts({{left, 5, 5}, {bottom, 17, 8}, {right, 23, 2}, {top, 5, 9}});
   extremes_.leftmost.y = 300;
   ASSERT_EQ(Build(), STATUS_OK);
-  EXPECT_EQ(frame::settings.EdgeArrangement, 1);
+  EXPECT_EQ(origin_.arrangement, Arrangement::kTopFirst);
   ExpectParts({{top, 18, 7}, {left, 21, 4}, {bottom, 5, 10}, {right, 5, 7}});
 }
 
 TEST_F(BuildEdgesTest, TakesWholeSidesOfAStraightPage) {
   TraceUpright();
-  frame::settings.EdgeArrangement = 9;
   ASSERT_EQ(Build(), STATUS_OK);
-  EXPECT_EQ(straightness_, 0);
-  EXPECT_EQ(frame::settings.EdgeArrangement, 9);
+  EXPECT_EQ(origin_.source, EdgeSource::kWholeSides);
+  EXPECT_EQ(origin_.arrangement, Arrangement::kUndecided);
   const auto& [left, right, top, bottom] = Sides();
   ExpectParts({{top, 5, 20}, {left, 5, 20}, {bottom, 5, 20}, {right, 5, 20}});
-  frame::settings.BorderMethod = 3;
+  settings_.BorderMethod = 3;
   ASSERT_EQ(Build(), STATUS_OK);
-  EXPECT_EQ(frame::settings.EdgeArrangement, 1);
+  EXPECT_EQ(origin_.arrangement, Arrangement::kTopFirst);
   extremes_.leftmost.y = 300;
   ASSERT_EQ(Build(), STATUS_OK);
-  EXPECT_EQ(frame::settings.EdgeArrangement, 2);
+  EXPECT_EQ(origin_.arrangement, Arrangement::kLeftFirst);
   ExpectParts({{left, 5, 20}, {bottom, 5, 20}, {right, 5, 20}, {top, 5, 20}});
   // The trim goes by the points of a segment: 32 / 10 = 3, then more than there are.
-  frame::settings.SegmentPointNum = 10;
+  settings_.SegmentPointNum = 10;
   ASSERT_EQ(Build(), STATUS_OK);
   EXPECT_EQ(edges_.e1.list.segmentCount, 24);
-  frame::settings.SegmentPointNum = 1;
+  settings_.SegmentPointNum = 1;
   EXPECT_EQ(Build(), BAD_ARGUMENT);
 }
 
 // 10 segments 12 apart along x = 100; some lie 50 aside, paired so that the halves' means stay at
 // 100. With segments 1, 3, 6, 8 aside 6 of 10 are near, which is not more than 0.6 of them. With 1,
 // 3 and 6 aside the chord runs from (100, 44) to (110, 104), at 80.5 degrees, and 7 are near.
-std::vector<EdgePoint> Crooked(bool fourAside) {
-  std::vector<EdgePoint> side = Line(10, 100, 20, 0, 12);
+std::vector<frame::PixelPoint> Crooked(bool fourAside) {
+  std::vector<frame::PixelPoint> side = Line(10, 100, 20, 0, 12);
   side[1].x += 50;
   side[3].x -= 50;
   side[6].x += 50;
@@ -120,33 +120,36 @@ std::vector<EdgePoint> Crooked(bool fourAside) {
 
 TEST_F(BuildEdgesTest, StraightnessIsJudgedOnTheLongerSidesOrTheUprightOnes) {
   struct Case {
-    std::vector<EdgePoint> left;
-    std::vector<EdgePoint> top;
+    std::vector<frame::PixelPoint> left;
+    std::vector<frame::PixelPoint> top;
     int32_t width;  // of the page; it is 400 high
     int32_t topmost;
-    int32_t straightness;
+    EdgeSource source;
   };
-  const std::vector<EdgePoint> level = Line(10, 20, 100, 12, 0);
-  const std::vector<EdgePoint> upright = Line(10, 100, 20, 0, 12);
-  const std::vector<EdgePoint> slanted = Line(10, 100, 20, 12, 60);  // at 78.7 degrees
-  const std::vector<EdgePoint> crookedTop = Transposed(Crooked(true));
+  const std::vector<frame::PixelPoint> level = Line(10, 20, 100, 12, 0);
+  const std::vector<frame::PixelPoint> upright = Line(10, 100, 20, 0, 12);
+  const std::vector<frame::PixelPoint> slanted = Line(10, 100, 20, 12, 60);  // at 78.7 degrees
+  const std::vector<frame::PixelPoint> crookedTop = Transposed(Crooked(true));
   const Case cases[] = {
-      {Crooked(true), level, 300, 9, 1},
-      {Crooked(false), level, 300, 9, 0},
-      {upright, crookedTop, 401, 9, 1},
+      {Crooked(true), level, 300, 9, EdgeSource::kBeyondExtremes},
+      {Crooked(false), level, 300, 9, EdgeSource::kWholeSides},
+      {upright, crookedTop, 401, 9, EdgeSource::kBeyondExtremes},
       // At the frame only the upright sides count, and their angle: a slanted one is not straight.
-      {upright, crookedTop, 401, 0, 0},
-      {slanted, level, 300, 9, 0},
-      {slanted, level, 300, 399, 1},
+      {upright, crookedTop, 401, 0, EdgeSource::kWholeSides},
+      {slanted, level, 300, 9, EdgeSource::kWholeSides},
+      {slanted, level, 300, 399, EdgeSource::kBeyondExtremes},
   };
   for (const Case& c : cases) {
     FillTrace(&traces_.left, c.left);
     FillTrace(&traces_.right, c.left);
     FillTrace(&traces_.top, c.top);
     FillTrace(&traces_.bottom, c.top);
-    extremes_ = {{10, 200}, {10 + c.width, 200}, {200, c.topmost}, {200, c.topmost + 400}};
+    extremes_ = {.leftmost = {10, 200},
+                 .rightmost = {10 + c.width, 200},
+                 .topmost = {200, c.topmost},
+                 .bottommost = {200, c.topmost + 400}};
     EXPECT_EQ(Build(), BAD_ARGUMENT);  // the trim leaves no segment
-    EXPECT_EQ(straightness_, c.straightness) << "case " << &c - cases;
+    EXPECT_EQ(origin_.source, c.source) << "case " << &c - cases;
   }
 }
 
@@ -157,7 +160,6 @@ TEST_F(BuildEdgesTest, PassesFailingFitsAndChecksOn) {
   EXPECT_EQ(Build(), BAD_ARGUMENT);
   FillTrace(&traces_.right, Line(4, 500, 100, 0, 0));
   EXPECT_EQ(Build(), ANGLE_NOT_FOUND);
-  EXPECT_EQ(BuildEdges(image_.rec(), nullptr, &straightness_, &traces_, &edges_), BAD_ARGUMENT);
   TraceDiamond();
   ExpectOutOfMemoryAtEveryRequest([this] { return Build(); });
 }

@@ -7,38 +7,43 @@ namespace vorlanepic::testing {
 using namespace analysis;
 namespace {
 
-using Points = std::vector<EdgePoint>;
+constexpr EdgeSource kWhole = EdgeSource::kWholeSides;
+constexpr EdgeSource kBeyond = EdgeSource::kBeyondExtremes;
+
+using Points = std::vector<frame::PixelPoint>;
 using SegmentSelectionTest = AnalysisTest;
 
 // The chord of (0, 0) and (20, 10) has y = 5 at x = 10, the one of (0, 10) and (20, 0) as well.
 TEST_F(SegmentSelectionTest, JudgeKeepsWhatIsInLineWithItsNeighbours) {
   struct Case {
     const char* name;
-    EdgePoint previous;
-    EdgePoint next;
-    EdgePoint tested;
-    int32_t straightness;
-    int32_t verdicts[4];  // for codes 1..4; 7 stands for a verdict left alone
+    frame::PixelPoint previous;
+    frame::PixelPoint next;
+    frame::PixelPoint tested;
+    EdgeSource source;
+    int32_t verdicts[4];  // for edges 1..4; 7 stands for a verdict left alone
   };
   const Case cases[] = {
-      {"six across", {0, 100}, {0, 106}, {6, 106}, 0, {1, 1, 1, 1}},
-      {"seven below", {0, 100}, {0, 106}, {6, 107}, 0, {0, 1, 0, 1}},
-      {"seven aside", {0, 100}, {7, 100}, {7, 100}, 0, {1, 0, 1, 0}},
-      {"below a rising chord", {0, 0}, {20, 10}, {10, 6}, 1, {1, 1, 0, 0}},
-      {"above a falling chord", {0, 10}, {20, 0}, {10, 4}, 1, {1, 1, 0, 0}},
-      {"the chord's 5.5 is cut to 5", {0, 0}, {20, 10}, {11, 5}, 1, {1, 1, 1, 1}},
-      {"level chord", {0, 5}, {20, 5}, {10, 90}, 1, {7, 7, 7, 7}},
+      {"six across", {0, 100}, {0, 106}, {6, 106}, kWhole, {1, 1, 1, 1}},
+      {"seven below", {0, 100}, {0, 106}, {6, 107}, kWhole, {0, 1, 0, 1}},
+      {"seven aside", {0, 100}, {7, 100}, {7, 100}, kWhole, {1, 0, 1, 0}},
+      {"below a rising chord", {0, 0}, {20, 10}, {10, 6}, kBeyond, {1, 1, 0, 0}},
+      {"above a falling chord", {0, 10}, {20, 0}, {10, 4}, kBeyond, {1, 1, 0, 0}},
+      {"the chord's 5.5 is cut to 5", {0, 0}, {20, 10}, {11, 5}, kBeyond, {1, 1, 1, 1}},
+      {"level chord", {0, 5}, {20, 5}, {10, 90}, kBeyond, {7, 7, 7, 7}},
   };
   for (const Case& c : cases) {
     for (int32_t code = 1; code <= 4; ++code) {
       int32_t verdict = 7;
-      EXPECT_EQ(JudgeSegment(c.previous, c.next, c.tested, c.straightness, code, &verdict), 0);
+      EXPECT_EQ(JudgeSegment(settings_, c.previous, c.next, c.tested, c.source,
+                             static_cast<EdgeCode>(code), &verdict),
+                0);
       EXPECT_EQ(verdict, c.verdicts[code - 1]) << c.name << ", code " << code;
     }
   }
 }
 
-Points With(Points line, size_t index, EdgePoint point) {
+Points With(Points line, size_t index, frame::PixelPoint point) {
   line[index] = point;
   return line;
 }
@@ -67,8 +72,7 @@ TEST_F(SegmentSelectionTest, SelectKeepsTheSegmentsOfOneLine) {
   struct Case {
     const char* name;
     Points means;
-    int32_t straightness;
-    int32_t code;
+    EdgeSource source;
     int32_t status;
     Points kept;
   };
@@ -78,26 +82,26 @@ TEST_F(SegmentSelectionTest, SelectKeepsTheSegmentsOfOneLine) {
   const Points steep = Line(10, 5, 0, 0, 12);
   const Points nearOutlier = With(kRising, 5, {70, 47});
   const Case cases[] = {
-      {"up to three are not judged", three, 1, 1, 0, three},
-      {"no segment", {}, 1, 1, BAD_ARGUMENT, {}},
-      {"straight", kRising, 1, 1, 0, kRising},
+      {"up to three are not judged", three, kBeyond, 0, three},
+      {"no segment", {}, kBeyond, BAD_ARGUMENT, {}},
+      {"straight", kRising, kBeyond, 0, kRising},
       // No level chord judges its segments: only the ends make the line, and all lie on it.
-      {"level", level, 1, 1, 0, level},
+      {"level", level, kBeyond, 0, level},
       // A corner of other paper far inside the page: judged away, and too far from the line.
-      {"outlier goes", With(kRising, 5, {70, 30}), 1, 1, 0, Without(kRising, 5)},
+      {"outlier goes", With(kRising, 5, {70, 30}), kBeyond, 0, Without(kRising, 5)},
       // 3 rows above the chord it is judged away, but lies near enough to the line.
-      {"near outlier comes back", nearOutlier, 1, 1, 0, nearOutlier},
+      {"near outlier comes back", nearOutlier, kBeyond, 0, nearOutlier},
       // Not straight: its neighbours are dropped with it, and come back.
-      {"jump goes", With(notStraight, 4, {48, 110}), 0, 1, 0, Without(notStraight, 4)},
+      {"jump goes", With(notStraight, 4, {48, 110}), kWhole, 0, Without(notStraight, 4)},
       // Steps of 12 rows are more than the gap of 6 that a side along x may have, but the two
       // ends make a line on which all others lie.
-      {"steep side along x", steep, 0, 1, 0, steep},
+      {"steep side along x", steep, kWhole, 0, steep},
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(c.name);
     SideTrace side;
     FillTrace(&side, c.means);
-    EXPECT_EQ(SelectSegments(&side.list, c.straightness, c.code), c.status);
+    EXPECT_EQ(SelectSegments(settings_, c.source, EdgeCode::kE1, &side.list), c.status);
     if (c.status != STATUS_OK) continue;
     EXPECT_EQ(MeansOf(side.list), c.kept);
     for (const BorderSegment& segment : side.list.view()) EXPECT_EQ(segment.used, 1);
@@ -121,23 +125,17 @@ TEST_F(SegmentSelectionTest, ANotchIsCutOffUnlessTheEdgeIsScattered) {
     const Points means = NotchedEdge(c.half, c.depth);
     SideTrace side;
     FillTrace(&side, c.code % 2 == 1 ? means : Transposed(means));
-    EXPECT_EQ(SelectSegments(&side.list, 0, c.code), c.kept == 0 ? EDGE_NOT_FOUND : STATUS_OK);
+    EXPECT_EQ(SelectSegments(settings_, kWhole, static_cast<EdgeCode>(c.code), &side.list),
+              c.kept == 0 ? EDGE_NOT_FOUND : STATUS_OK);
     if (c.kept == 0) continue;
     EXPECT_EQ(side.list.segmentCount, 2 * c.kept) << "code " << c.code;
   }
 }
 
 TEST_F(SegmentSelectionTest, RefusesWhatItCannotJudge) {
-  SideTrace side;
-  FillTrace(&side, kRising);
-  EXPECT_EQ(SelectSegments(nullptr, 0, 1), BAD_ARGUMENT);
-  EXPECT_EQ(SelectSegments(&side.list, 0, 5), BAD_ARGUMENT);
-  EXPECT_EQ(SelectSegments(&side.list, 2, 1), BAD_ARGUMENT);
   int32_t verdict = 7;
-  EXPECT_EQ(JudgeSegment({0, 0}, {1, 1}, {2, 2}, 0, 1, nullptr), BAD_ARGUMENT);
-  EXPECT_EQ(JudgeSegment({0, 0}, {1, 1}, {2, 2}, 2, 1, &verdict), BAD_ARGUMENT);
-  EXPECT_EQ(JudgeSegment({0, 0}, {1, 1}, {2, 2}, 0, 0, &verdict), BAD_ARGUMENT);
-  EXPECT_EQ(JudgeSegment({3, 3}, {3, 3}, {2, 2}, 1, 1, &verdict), BAD_ARGUMENT);
+  EXPECT_EQ(JudgeSegment(settings_, {3, 3}, {3, 3}, {2, 2}, kBeyond, EdgeCode::kE1, &verdict),
+            BAD_ARGUMENT);
   EXPECT_EQ(verdict, 7);
 }
 

@@ -7,19 +7,19 @@ namespace vorlanepic::testing {
 using namespace analysis;
 namespace {
 
-std::vector<EdgePoint> Joined(std::initializer_list<std::vector<EdgePoint>> parts) {
-  std::vector<EdgePoint> all;
+std::vector<frame::PixelPoint> Joined(std::initializer_list<std::vector<frame::PixelPoint>> parts) {
+  std::vector<frame::PixelPoint> all;
   for (const auto& part : parts) all.insert(all.end(), part.begin(), part.end());
   return all;
 }
 
 TEST_F(AnalysisTest, TraceCutsTheBorderIntoSegments) {
   struct Case {
-    std::vector<EdgePoint> points;
+    std::vector<frame::PixelPoint> points;
     std::vector<int32_t> counts;
-    std::vector<EdgePoint> means;
+    std::vector<frame::PixelPoint> means;
   };
-  const std::vector<EdgePoint> upper = Line(4, 20, 0, 0, 2);
+  const std::vector<frame::PixelPoint> upper = Line(4, 20, 0, 0, 2);
   const Case cases[] = {
       // 10, 12, ... 20 and 22, ... 28; means are truncated. A rest of three is dropped.
       {Line(10, 5, 10, 0, 2), {6, 4}, {{5, 15}, {5, 25}}},
@@ -34,12 +34,12 @@ TEST_F(AnalysisTest, TraceCutsTheBorderIntoSegments) {
   };
   for (const Case& c : cases) {
     SCOPED_TRACE(&c - cases);
-    TraceBuilder builder;
-    for (const EdgePoint point : c.points) ASSERT_EQ(builder.Add(point), STATUS_OK);
+    TraceBuilder builder(settings_);
+    for (const frame::PixelPoint point : c.points) ASSERT_EQ(builder.Add(point), STATUS_OK);
     ASSERT_EQ(builder.Finish(), STATUS_OK);
     const SideTrace side = builder.Take();
     std::vector<int32_t> counts;
-    const EdgePoint* first = side.points.data();
+    const frame::PixelPoint* first = side.points.data();
     for (const BorderSegment& segment : side.list.view()) {
       counts.push_back(segment.count);
       EXPECT_EQ(segment.first, first);
@@ -53,15 +53,15 @@ TEST_F(AnalysisTest, TraceCutsTheBorderIntoSegments) {
 }
 
 TEST_F(AnalysisTest, TraceRefusesNegativeCoordinates) {
-  TraceBuilder builder;
+  TraceBuilder builder(settings_);
   EXPECT_EQ(builder.Add({-1, 0}), BAD_ARGUMENT);
   EXPECT_EQ(builder.Add({0, -1}), BAD_ARGUMENT);
   EXPECT_TRUE(builder.IsEmpty());
 }
 
 TEST_F(AnalysisTest, TraceReportsExhaustedMemoryAtEveryStep) {
-  const int32_t requests = ExpectOutOfMemoryAtEveryRequest([] {
-    TraceBuilder builder;
+  const int32_t requests = ExpectOutOfMemoryAtEveryRequest([this] {
+    TraceBuilder builder(settings_);
     int32_t status = STATUS_OK;
     // 6500 points in segments of 6: points grow six times, segments twice.
     for (int32_t i = 0; i < 6500 && status == STATUS_OK; ++i) status = builder.Add({i, i});

@@ -34,7 +34,7 @@ TEST(EstimateThreshold, IsTheRoundedMeanOfTheOuterColumns) {
       if (c.bitsPerPixel == 24) image.row(i % 7)[3 * x + i % 3] = 7;
     }
     uint8_t threshold = 99;
-    EXPECT_EQ(EstimateThreshold(image.rec(), &threshold), STATUS_OK);
+    EXPECT_EQ(EstimateThreshold(*image.rec(), &threshold), STATUS_OK);
     EXPECT_EQ(threshold, c.threshold) << "case " << &c - cases;
   }
 }
@@ -43,10 +43,8 @@ TEST(EstimateThreshold, RefusesWhatItCannotRead) {
   uint8_t threshold = 99;
   TestImage column(1, 9, 8);
   TestImage otherDepth(9, 9, 4);
-  EXPECT_EQ(EstimateThreshold(column.rec(), nullptr), BAD_ARGUMENT);
-  EXPECT_EQ(EstimateThreshold(nullptr, &threshold), BAD_ARGUMENT);
-  EXPECT_EQ(EstimateThreshold(column.rec(), &threshold), BAD_ARGUMENT);
-  EXPECT_EQ(EstimateThreshold(otherDepth.rec(), &threshold), BAD_ARGUMENT);
+  EXPECT_EQ(EstimateThreshold(*column.rec(), &threshold), BAD_ARGUMENT);
+  EXPECT_EQ(EstimateThreshold(*otherDepth.rec(), &threshold), BAD_ARGUMENT);
   EXPECT_EQ(threshold, 99);
 }
 

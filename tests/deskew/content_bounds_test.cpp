@@ -12,15 +12,17 @@ using namespace deskew;
 namespace {
 
 // Makes an area as light as paper.
-void Fill(TestImage* image, const ContentBounds& area) {
+void Fill(TestImage* image, const frame::PixelRect& area) {
   FillRectangle(image, area.left, area.top, area.right, area.bottom, 200);
 }
 
 class FindContentBoundsTest : public DeskewTest, public ::testing::WithParamInterface<int32_t> {
  protected:
-  static ContentBounds Find(const TestImage& image, uint32_t searchLimit, uint32_t pixelCount) {
-    ContentBounds bounds{-1, -1, -1, -1};
-    EXPECT_EQ(FindContentBounds(image.rec(), {searchLimit, pixelCount, 100, kSearchRowsAndColumns},
+  static frame::PixelRect Find(const TestImage& image, uint32_t searchLimit, uint32_t pixelCount,
+                               bool takesShare = false) {
+    frame::PixelRect bounds{-1, -1, -1, -1};
+    EXPECT_EQ(FindContentBounds(*image.rec(),
+                                {searchLimit, pixelCount, 100, kSearchRowsAndColumns, takesShare},
                                 &bounds),
               STATUS_OK);
     return bounds;
@@ -34,20 +36,20 @@ INSTANTIATE_TEST_SUITE_P(Depths, FindContentBoundsTest, ::testing::Values(1, 8, 
 // exceeds 3; the search goes back to 107 - 4 - 11 = 92 and takes the first bright row from there.
 // From the other end of 200, 199, 191, .. 103 are dark and 95..92 make the run: 92 + 4 + 11 = 107.
 TEST_P(FindContentBoundsTest, LooksElevenLinesBeyondTheRun) {
-  constexpr ContentBounds kWhole{0, 199, 0, 199};
+  constexpr frame::PixelRect kWhole{0, 199, 0, 199};
   struct Case {
-    int32_t ContentBounds::*paperStart;  // where the paper's limit is set
+    int32_t frame::PixelRect::*paperStart;  // where the paper's limit is set
     int32_t paper;
-    int32_t ContentBounds::*lineOther;  // the other limit of the bright line
-    int32_t beyond;                     // a bright line here is not seen, ...
-    int32_t within;                     // ... one here is
+    int32_t frame::PixelRect::*lineOther;  // the other limit of the bright line
+    int32_t beyond;                        // a bright line here is not seen, ...
+    int32_t within;                        // ... one here is
   };
-  for (const Case& c : {Case{&ContentBounds::top, 100, &ContentBounds::bottom, 91, 92},
-                        Case{&ContentBounds::bottom, 99, &ContentBounds::top, 108, 107},
-                        Case{&ContentBounds::left, 100, &ContentBounds::right, 91, 92},
-                        Case{&ContentBounds::right, 99, &ContentBounds::left, 108, 107}}) {
+  for (const Case& c : {Case{&frame::PixelRect::top, 100, &frame::PixelRect::bottom, 91, 92},
+                        Case{&frame::PixelRect::bottom, 99, &frame::PixelRect::top, 108, 107},
+                        Case{&frame::PixelRect::left, 100, &frame::PixelRect::right, 91, 92},
+                        Case{&frame::PixelRect::right, 99, &frame::PixelRect::left, 108, 107}}) {
     TestImage image(200, 200, GetParam());
-    ContentBounds area = kWhole;
+    frame::PixelRect area = kWhole;
     area.*c.paperStart = c.paper;
     Fill(&image, area);
     area.*c.paperStart = area.*c.lineOther = c.beyond;
@@ -64,8 +66,8 @@ TEST_P(FindContentBoundsTest, TakesTheOutermostBrightLinesWithoutARun) {
   TestImage image(150, 140, GetParam());
   Fill(&image, {3, 60, 2, 50});
   Fill(&image, {140, 140, 0, 139});
-  EXPECT_EQ(Find(image, 0xFFFFFFFEU, 5), (ContentBounds{3, 140, 2, 50}));
-  EXPECT_EQ(Find(TestImage(90, 70, GetParam()), 3, 5), (ContentBounds{0, 89, 0, 69}));
+  EXPECT_EQ(Find(image, 0xFFFFFFFEU, 5), (frame::PixelRect{3, 140, 2, 50}));
+  EXPECT_EQ(Find(TestImage(90, 70, GetParam()), 3, 5), (frame::PixelRect{0, 89, 0, 69}));
 }
 
 // 100 wide, 20 high: a count of 101 becomes 30, which is above the height, and then 6. With a
@@ -74,15 +76,14 @@ TEST_P(FindContentBoundsTest, ACountBeyondTheImageBecomesAShareOfIt) {
   TestImage higher(100, 40, GetParam());
   Fill(&higher, {30, 60, 0, 33});
   Fill(&higher, {10, 39, 36, 36});
-  EXPECT_EQ(Find(higher, 0, 101), (ContentBounds{30, 60, 0, 33}));
+  EXPECT_EQ(Find(higher, 0, 101), (frame::PixelRect{30, 60, 0, 33}));
   TestImage image(100, 20, GetParam());
   Fill(&image, {30, 60, 0, 7});
   Fill(&image, {20, 70, 0, 5});
-  EXPECT_EQ(Find(image, 0, 101), (ContentBounds{30, 60, 0, 7}));
+  EXPECT_EQ(Find(image, 0, 101), (frame::PixelRect{30, 60, 0, 7}));
 }
 
-TEST_P(FindContentBoundsTest, TheFlagAsksForAShareOfTheLine) {
-  frame::settings.CropPixelFlag = 1;
+TEST_P(FindContentBoundsTest, TakesAShareOfTheLine) {
   const int32_t rowShare = GetParam() == 1 ? 40 : 30;  // of 100
   TestImage image(100, 210, GetParam());
   Fill(&image, {10, 9 + rowShare, 16, 16});
@@ -90,8 +91,7 @@ TEST_P(FindContentBoundsTest, TheFlagAsksForAShareOfTheLine) {
   // Of the 100 rows 20..119 a column takes 31.
   Fill(&image, {5, 5, 20, 49});
   Fill(&image, {7, 7, 20, 50});
-  EXPECT_EQ(Find(image, 0, 1), (ContentBounds{7, 10 + rowShare, 20, 119}));
-  frame::settings.CropPixelFlag = 2;
+  EXPECT_EQ(Find(image, 0, 1, true), (frame::PixelRect{7, 10 + rowShare, 20, 119}));
   EXPECT_EQ(Find(image, 0, 1).top, 16);
 }
 
@@ -99,29 +99,30 @@ TEST_P(FindContentBoundsTest, LooksForColumnsInTheGivenRows) {
   TestImage image(100, 50, GetParam());
   Fill(&image, {10, 89, 0, 9});
   Fill(&image, {30, 49, 10, 39});
-  ContentBounds bounds{-1, -1, 10, 49};
+  frame::PixelRect bounds{-1, -1, 10, 49};
   const ContentSearch search{0, 5, 100, kSearchColumns};
-  ASSERT_EQ(FindContentBounds(image.rec(), search, &bounds), STATUS_OK);
-  EXPECT_EQ(bounds, (ContentBounds{30, 49, 10, 49}));
+  ASSERT_EQ(FindContentBounds(*image.rec(), search, &bounds), STATUS_OK);
+  EXPECT_EQ(bounds, (frame::PixelRect{30, 49, 10, 49}));
 
-  for (const ContentBounds& refused :
-       {ContentBounds{0, 0, -1, 40}, ContentBounds{0, 0, 0, -1}, ContentBounds{0, 0, 0, 50}}) {
+  for (const frame::PixelRect& refused :
+       {frame::PixelRect{0, 0, -1, 40}, frame::PixelRect{0, 0, 0, -1},
+        frame::PixelRect{0, 0, 0, 50}}) {
     bounds = refused;
-    EXPECT_EQ(FindContentBounds(image.rec(), search, &bounds), BAD_ARGUMENT);
+    EXPECT_EQ(FindContentBounds(*image.rec(), search, &bounds), BAD_ARGUMENT);
   }
   bounds = {0, 0, INT32_MAX, 40};  // no row at all
-  EXPECT_EQ(FindContentBounds(image.rec(), search, &bounds), STATUS_OK);
-  EXPECT_EQ(bounds, (ContentBounds{0, 99, INT32_MAX, 40}));
+  EXPECT_EQ(FindContentBounds(*image.rec(), search, &bounds), STATUS_OK);
+  EXPECT_EQ(bounds, (frame::PixelRect{0, 99, INT32_MAX, 40}));
 }
 
 // Six bright pixels, the last of them in the last row.
 TEST_P(FindContentBoundsTest, ABitColumnEndsAboveTheLastRow) {
   TestImage image(100, 20, GetParam());
   Fill(&image, {40, 59, 14, 19});
-  ContentBounds bounds{0, 0, 0, 19};
-  ASSERT_EQ(FindContentBounds(image.rec(), {0, 5, 100, kSearchColumns}, &bounds), STATUS_OK);
+  frame::PixelRect bounds{0, 0, 0, 19};
+  ASSERT_EQ(FindContentBounds(*image.rec(), {0, 5, 100, kSearchColumns}, &bounds), STATUS_OK);
   EXPECT_EQ(bounds.left, GetParam() == 1 ? 0 : 40);
-  ASSERT_EQ(FindContentBounds(image.rec(), {0, 4, 100, kSearchColumns}, &bounds), STATUS_OK);
+  ASSERT_EQ(FindContentBounds(*image.rec(), {0, 4, 100, kSearchColumns}, &bounds), STATUS_OK);
   EXPECT_EQ(bounds.left, 40);
 }
 
@@ -137,7 +138,7 @@ TEST(BrightColour, TakesTheLuminance) {
   }
 }
 
-#if defined(__SSE2__)
+#if defined(VORLANEPIC_X86)
 
 enum { kNoise, kTwoNeighbouringLevels, kLightCornerOnDark, kFillings };
 

@@ -24,13 +24,10 @@ inline DeskewCropParam ForMethod(int32_t method) {
   return param;
 }
 
-// Begins with blank settings and leaves none to other tests.
 class DeskewTest : public ::testing::Test {
  protected:
-  DeskewTest() { frame::settings = {}; }
-  ~DeskewTest() override { frame::settings = {}; }
-
   FailingImgbuf imgbuf_;
+  frame::Settings settings_{};
   double angle_ = -1.0;
 };
 

@@ -1,3 +1,5 @@
+#include "omr/mark_sheet_angle.h"
+
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
@@ -7,8 +9,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "frame/settings.h"
-#include "omr/bar_records.h"
 #include "support/dib_image.h"
 #include "support/failing_heap.h"
 #include "support/page_drawing.h"
@@ -57,6 +57,10 @@ class MarkSheet {
                          maxThickness, angle);
   }
 
+  int32_t Measure(BarRecords* records, double* angle) const {
+    return MeasureBar({image_.rec()->pixels, 500, 800}, 128, {300, 4, 20}, records, angle);
+  }
+
  private:
   TestImage image_;
 };
@@ -65,12 +69,10 @@ TEST(MarkSheetAngleTest, IsTheBarsAngle) {
   MarkSheet level;
   level.DrawWideBar(100, 200, 600, 0, 10);
   BarRecords records;
-  frame::settings.barRecords = &records;
   double angle = 1;
-  ASSERT_EQ(level.Angle(&angle), 0);
-  frame::settings.barRecords = nullptr;
+  ASSERT_EQ(level.Measure(&records, &angle), BAR_FOUND);
   EXPECT_EQ(angle, 0.0);
-  EXPECT_THAT(records.sheet, FieldsAre(30, 468, 40, 759));
+  EXPECT_THAT(records.sheet, FieldsAre(40, 759, 30, 468));
   ASSERT_EQ(records.samples.size(), 600U);
   EXPECT_THAT(records.samples[3], FieldsAre(200, 209, 103));
 
@@ -94,11 +96,9 @@ struct Judgement {
 
 Judgement Judge(const MarkSheet& sheet) {
   BarRecords records;
-  frame::settings.barRecords = &records;
   double angle = 0;
   Judgement judgement;
-  judgement.status = sheet.Angle(&angle);
-  frame::settings.barRecords = nullptr;
+  judgement.status = sheet.Measure(&records, &angle);
   judgement.stage = records.stage;
   for (size_t i = 0; i < records.barCount; ++i) {
     judgement.verdicts.push_back(records.bars[i].verdict);

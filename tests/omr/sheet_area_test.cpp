@@ -23,34 +23,34 @@ BlockPicture LightField(int32_t left, int32_t top, int32_t right, int32_t bottom
   return picture;
 }
 
-SheetArea Find(const BlockPicture& picture, int32_t threshold, int32_t count, bool found) {
-  SheetArea area{};
+frame::PixelRect Find(const BlockPicture& picture, int32_t threshold, int32_t count, bool found) {
+  frame::PixelRect area{};
   const GreyView view{picture.pixels.data(), picture.height, picture.width};
   EXPECT_EQ(FindSheetArea(view, threshold, count, &area), found);
   return area;
 }
 
-// Fields: top, bottom, left, right.
+// Fields: left, right, top, bottom.
 TEST(SheetAreaTest, EverySecondLineIsLookedAtFromEachSide) {
   const BlockPicture even = LightField(20, 40, 180, 260);
-  EXPECT_THAT(Find(even, 100, 100, true), FieldsAre(40, 260, 20, 179));
+  EXPECT_THAT(Find(even, 100, 100, true), FieldsAre(20, 179, 40, 260));
   const BlockPicture odd = LightField(21, 41, 181, 261);
-  EXPECT_THAT(Find(odd, 100, 100, true), FieldsAre(42, 260, 22, 181));
+  EXPECT_THAT(Find(odd, 100, 100, true), FieldsAre(22, 181, 42, 260));
   // The last row is never looked at, the last column is.
-  EXPECT_THAT(Find(LightField(0, 0, 199, 299), 100, 100, true), FieldsAre(0, 298, 0, 199));
+  EXPECT_THAT(Find(LightField(0, 0, 199, 299), 100, 100, true), FieldsAre(0, 199, 0, 298));
 }
 
 TEST(SheetAreaTest, ALineNeedsAsManyLightPixelsAsAsked) {
   const BlockPicture picture = LightField(20, 40, 179, 261);  // 160 in a row, 222 in a column
-  EXPECT_THAT(Find(picture, 100, 160, true), FieldsAre(40, 260, 20, 179));
-  EXPECT_THAT(Find(picture, 100, 161, false), FieldsAre(0, 0, 20, 179));
+  EXPECT_THAT(Find(picture, 100, 160, true), FieldsAre(20, 179, 40, 260));
+  EXPECT_THAT(Find(picture, 100, 161, false), FieldsAre(20, 179, 0, 0));
   EXPECT_THAT(Find(picture, 100, 223, false), FieldsAre(0, 0, 0, 0));
-  EXPECT_THAT(Find(picture, 199, 160, true), FieldsAre(40, 260, 20, 179));
+  EXPECT_THAT(Find(picture, 199, 160, true), FieldsAre(20, 179, 40, 260));
   EXPECT_THAT(Find(picture, 200, 160, false), FieldsAre(0, 0, 0, 0));
   // Extreme thresholds are not cut to 8 bits.
   EXPECT_THAT(Find(picture, 256, 1, false), FieldsAre(0, 0, 0, 0));
-  EXPECT_THAT(Find(picture, INT32_MIN, 200, true), FieldsAre(0, 298, 0, 199));
-  EXPECT_THAT(Find(picture, INT32_MAX, 0, true), FieldsAre(0, 298, 0, 199));
+  EXPECT_THAT(Find(picture, INT32_MIN, 200, true), FieldsAre(0, 199, 0, 298));
+  EXPECT_THAT(Find(picture, INT32_MAX, 0, true), FieldsAre(0, 199, 0, 298));
   EXPECT_THAT(Find(BlockPicture(1, 1, 255), 100, 1, false), FieldsAre(0, 0, 0, 0));
 }
 

@@ -33,7 +33,7 @@ TEST(RegionIndex, NeverSaysWhatDoesNotHoldForARaggedRegion) {
   RegionIndex index;
   ASSERT_TRUE(index.Build(region, 64));
   for (int32_t i = 0; i < 20000; ++i) {
-    SourceRect rect{below(64), 0, below(110), 0};
+    frame::PixelRect rect{below(64), 0, below(110), 0};
     rect.right = rect.left + below(12);
     rect.bottom = rect.top + below(i % 2 == 0 ? 1 : 30);
     bool holds = true;

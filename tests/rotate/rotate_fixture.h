@@ -15,7 +15,6 @@ using namespace rotate;
 // Columns left..right of rows top..bottom.
 inline RowSpans RectangleRegion(int32_t left, int32_t right, int32_t top, int32_t bottom) {
   RowSpans region;
-  region.count = bottom - top + 1;
   region.top = top;
   region.bottom = bottom;
   if (region.spans.Allocate(static_cast<size_t>(bottom) + 1)) {

@@ -5,7 +5,6 @@
 #include <vector>
 
 #include "frame/scratch.h"
-#include "frame/settings.h"
 #include "rotate/rotate_fixture.h"
 #include "support/failing_heap.h"
 #include "support/failing_imgbuf.h"
@@ -20,9 +19,6 @@ constexpr uint8_t kFill[3] = {11, 22, 33};
 
 class RotateImageTest : public ::testing::Test {
  protected:
-  RotateImageTest() { frame::settings.ImageNum = 1; }
-  ~RotateImageTest() override { frame::settings = {}; }
-
   // Turns into target_, afresh.
   int32_t Rotate(const TestImage& source, const RowSpans& region, const Turn& turn) {
     target_.Release();
@@ -83,15 +79,12 @@ TEST_F(RotateImageTest, RefusesWhatItCannotTurn) {
   EXPECT_EQ(RotateImage(source_.rec(), &target, &region_, turn, nullptr), BAD_ARGUMENT);
 }
 
-TEST_F(RotateImageTest, MakesNothingForNoImagesOrAnotherDepth) {
+TEST_F(RotateImageTest, MakesNothingOfAnotherDepth) {
   const Turn turn{0.0, 5, 5, 4, 4, INTERP_NEAREST};
   for (const int32_t depth : {4, 16, 32}) {
     EXPECT_EQ(Rotate(TestImage(20, 10, depth), region_, turn), STATUS_OK);
     EXPECT_EQ(target_.rec()->pixels, nullptr);
   }
-  frame::settings.ImageNum = 0;
-  EXPECT_EQ(Rotate(source_, region_, turn), STATUS_OK);
-  EXPECT_EQ(target_.rec()->pixels, nullptr);
 }
 
 TEST_F(RotateImageTest, PassesFailuresOnAndLeavesNothing) {
@@ -152,6 +145,28 @@ TEST_F(RotateImageTest, AQuarterTurnIsClockwise) {
                   isInside ? PixelAt(*source.rec(), y - 5, 18 - x) : FillAt(depth, x));
       }
       EXPECT_EQ(target_.rec()->rows[y][target_.rec()->lineBytes - 1], depth == 24 ? 0 : kFill[0]);
+    }
+  }
+}
+
+TEST_F(RotateImageTest, QuarterTurnsOnTopOfAnAngleMoveFinishedPixels) {
+  for (const int32_t depth : {1, 8, 24}) {
+    const TestImage source = Gradient(60, 50, depth);
+    const RowSpans region = RectangleRegion(0, 59, 0, 49);
+    for (const int32_t interpolation : {INTERP_BICUBIC, INTERP_BILINEAR, INTERP_NEAREST}) {
+      ASSERT_EQ(Rotate(source, region, {-0.07, 29, 24, 41, 41, interpolation}), STATUS_OK);
+      const frame::ScratchImage straight = std::move(target_);
+      for (int32_t quarters = 1; quarters < 4; ++quarters) {
+        const Turn turn{-0.07, 29, 24, 41, 41, interpolation, quarters};
+        ASSERT_EQ(Rotate(source, region, turn), STATUS_OK);
+        for (int32_t i = 0; i < 41 * 41; ++i) {
+          int32_t x = i % 41;
+          int32_t y = i / 41;
+          const std::vector<int> moved = PixelAt(*target_.rec(), x, y);
+          for (int32_t k = 0; k < quarters; ++k) x = std::exchange(y, 40 - x);
+          ASSERT_EQ(moved, PixelAt(*straight.rec(), x, y)) << depth << " bits, " << quarters;
+        }
+      }
     }
   }
 }

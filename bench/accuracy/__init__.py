@@ -1,0 +1,1 @@
+"""Composes pages whose turn and corners are known, and holds detectors against them."""

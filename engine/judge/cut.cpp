@@ -1,0 +1,406 @@
+#include "engine/judge/cut.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <optional>
+
+#include "engine/evidence/inner_trace.h"
+#include "engine/evidence/light_beyond.h"
+#include "engine/evidence/side_contrast.h"
+#include "engine/judge/page_axes.h"
+#include "vorlanepic/vorlanepic.h"
+
+namespace vorlane::judge {
+namespace {
+
+using evidence::HalfPlane;
+using evidence::InkPicture;
+using evidence::kAllSides;
+using evidence::kSides;
+using evidence::PageLevels;
+using evidence::PaperSides;
+using evidence::Side;
+using evidence::SideGroup;
+using evidence::SideLine;
+
+// Sides lean as the page does within this, in degrees; where print alone gave the angle, those of
+// the paper may lean this much otherwise.
+constexpr double kSameDegrees = 0.35;
+constexpr double kPaperDegrees = 3.0;
+// The same side at another threshold may lie this much further out, as a share of the picture's
+// longer side: the page's edge is soft.
+constexpr double kSoftShare = 0.006;
+// Where no line is seen, the page is taken to reach this far from the opposite side, and the cut
+// to end this much beyond its light; both shares of the longer side.
+constexpr double kLeastPage = 0.1;
+constexpr double kLightSlack = 0.004;
+// A side beyond whose end a neighbouring one goes on by this share is none of the sheet's.
+constexpr double kOvershoot = 0.005;
+constexpr double kOnFrame = 0.5;
+// A side is looked for from inside from this far within the ends of its neighbours, and a gap is
+// the page's end where it begins no further beyond them; shares of the longer side.
+constexpr double kStartInside = 0.015;
+constexpr double kGapWithin = 0.025;
+// What a side that was found from inside has to be: straight, and lighter than the gap.
+constexpr double kInnerStraight = 0.6;
+constexpr double kInnerContrast = 8.0;
+// A line beyond the ends of both its neighbours by this share is another sheet's.
+constexpr double kTooFar = 0.025;
+// What lies outside a side is lighter than outside the others by this much where it is no surround
+// but a bar on the sheet; bars that the frame cuts lie this near to it.
+constexpr double kBarLevels = 15.0;
+constexpr double kBarShare = 0.04;
+// Where the page runs off the picture, its other sides end this near to the frame.
+constexpr double kFrameShare = 0.02;
+constexpr int32_t kInkSamples = 500;
+
+// A convex polygon: a rectangle clipped four times.
+struct Polygon {
+  std::array<Point, 12> points{};
+  size_t count = 0;
+};
+
+// Sutherland and Hodgman's clipping by one line.
+Polygon Clip(const Polygon& polygon, const HalfPlane& plane) {
+  Polygon clipped;
+  for (size_t i = 0; i < polygon.count; ++i) {
+    const Point a = polygon.points[i];
+    const Point b = polygon.points[(i + 1) % polygon.count];
+    const double insideA = plane.Inside(a.x, a.y);
+    const double insideB = plane.Inside(b.x, b.y);
+    if (insideA >= 0.0) clipped.points[clipped.count++] = a;
+    if ((insideA >= 0.0) != (insideB >= 0.0)) {
+      const double share = insideA / (insideA - insideB);
+      clipped.points[clipped.count++] = {a.x + share * (b.x - a.x), a.y + share * (b.y - a.y)};
+    }
+  }
+  return clipped;
+}
+
+Polygon PictureOf(int32_t width, int32_t height) {
+  Polygon polygon;
+  const double right = width - 0.5;
+  const double bottom = height - 0.5;
+  polygon.points = {Point{-0.5, -0.5}, {right, -0.5}, {right, bottom}, {-0.5, bottom}};
+  polygon.count = 4;
+  return polygon;
+}
+
+class Cutter {
+ public:
+  Cutter(const PageLevels& page, const PaperSides& sides, const Decision& decision)
+      : page_(page),
+        sides_(sides),
+        decision_(decision),
+        axes_(PageAxes::Of(decision.degrees, page.width(), page.height())) {}
+
+  bool Find(const InkPicture& ink, double outwards, Cut* cut) {
+    *cut = {};
+    group_ = decision_.group != nullptr ? decision_.group : PaperOfPrint();
+    if (group_ == nullptr) {
+      cut->rect = WholePicture(decision_.degrees, page_.width(), page_.height());
+      return true;
+    }
+    PickLines();
+    DropBars();
+    DropFarLines();
+    if (!LookFromInside()) return false;
+    const std::array<HalfPlane, kSides> region = Region();
+    if (!evidence::MeasureLightBeyond(page_, Threshold(), region, &beyond_)) return false;
+    cut->isBelieved = true;
+    for (const Side side : kAllSides) {
+      double& beyond = beyond_[Index(side)];
+      if (lines_[Index(side)]) {
+        if (IsClosed(side, region)) beyond = 0.0;
+        continue;
+      }
+      const bool runsOff = RunsOff(side);
+      const double gap = GapBeyond(side, region);
+      if (std::isfinite(gap)) {
+        beyond = gap;
+      } else if (runsOff || !HasNeighbour(side)) {
+        // Nothing tells where the page ends before the picture does.
+        beyond = 2.0 * page_.size();
+        cut->isBelieved = cut->isBelieved && NeighboursReachFrame(side);
+      }
+      ++(std::isfinite(gap) || !runsOff ? cut->sidesUnseen : cut->sidesOffFrame);
+    }
+    cut->rect = Bound(region, outwards, cut);
+    cut->inkOutside = InkOutside(ink, cut->rect);
+    cut->isBelieved =
+        cut->isBelieved && cut->rect.right > cut->rect.left && cut->rect.bottom > cut->rect.top;
+    return true;
+  }
+
+ private:
+  static size_t Index(Side side) { return static_cast<size_t>(side); }
+
+  // The paper that the print lies on, where the print alone gave the angle.
+  const SideGroup* PaperOfPrint() const {
+    const auto groups = sides_.view();
+    const auto found = std::ranges::find_if(groups, [this](const SideGroup& group) {
+      return !group.isRim && std::abs(group.degrees - decision_.degrees) <= kPaperDegrees;
+    });
+    return found == groups.end() ? nullptr : &*found;
+  }
+
+  // How far out a line lies from the middle of the picture.
+  double OutnessOf(const SideLine& line, Side side) const {
+    return evidence::InsideOf(line, side, 0.0).Inside(axes_.middle.x, axes_.middle.y);
+  }
+
+  // The group's own lines, at the threshold where they lie furthest out within a soft edge; for
+  // its missing sides the innermost line that leans alike: light beyond it moves it out again.
+  void PickLines() {
+    for (const Side side : kAllSides) {
+      std::optional<SideLine>& picked = lines_[Index(side)];
+      if (group_->Has(side)) picked = sides_.SidesOf(*group_)[Index(side)];
+      const bool isOwn = picked.has_value();
+      const double furthest = isOwn ? OutnessOf(*picked, side) + kSoftShare * page_.size() : 0.0;
+      for (const SideGroup& other : sides_.view()) {
+        if (!other.Has(side) || other.isRim) continue;
+        if (std::abs(other.degrees - group_->degrees) > kSameDegrees) continue;
+        const SideLine& line = sides_.SidesOf(other)[Index(side)];
+        const double outness = OutnessOf(line, side);
+        const bool isBetter =
+            !picked || (isOwn ? outness > OutnessOf(*picked, side) && outness <= furthest
+                              : outness < OutnessOf(*picked, side));
+        if (isBetter) picked = line;
+      }
+    }
+  }
+
+  // Where the page's light starts from on a side without a line: the ends of the lines beside it,
+  // or a little off the line opposite. Outwards positive, in page coordinates.
+  double StartOf(Side side) const {
+    const bool across = evidence::RunsAcross(side);
+    const double sign = side == Side::kTop || side == Side::kLeft ? -1.0 : 1.0;
+    double start = -INFINITY;
+    for (const Side other : kAllSides) {
+      const auto& line = lines_[Index(other)];
+      if (!line) continue;
+      if (evidence::RunsAcross(other) == across) {
+        start = std::max(start, kLeastPage * page_.size() - OutnessOf(*line, other));
+        continue;
+      }
+      for (const double along : {line->from, line->to}) {
+        const Point place = axes_.ToPage(PointAt(*line, Index(other), along));
+        start = std::max(start, sign * (across ? place.y : place.x));
+      }
+    }
+    return start;
+  }
+
+  // The half plane of the picture inside `outness` of a side of the upright page.
+  HalfPlane UprightSide(Side side, double outness) const {
+    const double sign = side == Side::kTop || side == Side::kLeft ? 1.0 : -1.0;
+    HalfPlane plane = evidence::RunsAcross(side)
+                          ? HalfPlane{-sign * axes_.sine, sign * axes_.cosine, 0.0}
+                          : HalfPlane{sign * axes_.cosine, sign * axes_.sine, 0.0};
+    plane.c = plane.a * axes_.middle.x + plane.b * axes_.middle.y - outness;
+    return plane;
+  }
+
+  std::array<HalfPlane, kSides> Region() const {
+    std::array<HalfPlane, kSides> region{};
+    for (const Side side : kAllSides) {
+      const auto& line = lines_[Index(side)];
+      region[Index(side)] =
+          line ? evidence::InsideOf(*line, side, 0.0) : UprightSide(side, StartOf(side));
+    }
+    return region;
+  }
+
+  // Whether the sides next to `side` are seen and end where they meet it: what is light beyond is
+  // something else. Where one goes on, the line is a bar or a picture on the sheet.
+  bool IsClosed(Side side, std::span<const HalfPlane, kSides> region) const {
+    const HalfPlane& plane = region[Index(side)];
+    for (const size_t next : {(Index(side) + 1) % kSides, (Index(side) + 3) % kSides}) {
+      const auto& line = lines_[next];
+      if (!line) return false;
+      for (const double along : {line->from, line->to}) {
+        const Point end = PointAt(*line, next, along);
+        if (plane.Inside(end.x, end.y) < -kOvershoot * page_.size()) return false;
+      }
+    }
+    return true;
+  }
+
+  uint8_t Threshold() const { return sides_.thresholds.levels[group_->threshold]; }
+
+  bool RunsOff(Side side) const {
+    return isBar_[Index(side)] || sides_.SidesOf(*group_)[Index(side)].onFrame >= kOnFrame;
+  }
+
+  bool HasNeighbour(Side side) const {
+    return lines_[(Index(side) + 1) % kSides] || lines_[(Index(side) + 3) % kSides];
+  }
+
+  // Looks for each side that is missing from where its neighbours end. False when there is no
+  // memory.
+  bool LookFromInside() {
+    for (const Side side : kAllSides) {
+      if (lines_[Index(side)] || isBar_[Index(side)] || !HasNeighbour(side)) continue;
+      std::array<HalfPlane, kSides> region = Region();
+      region[Index(side)].c += kStartInside * page_.size();
+      vorlanepic::analysis::SideTrace trace;
+      SideLine line;
+      if (!evidence::TraceFromInside(page_, Threshold(), region, side, &trace)) return false;
+      if (evidence::FitSide(trace, side, page_.width(), page_.height(), &line) != STATUS_OK) {
+        return false;
+      }
+      if (!line.isSeen || line.straight < kInnerStraight) continue;
+      if (std::abs(line.degrees - group_->degrees) > kSameDegrees) continue;
+      evidence::MeasureContrast(page_, side, &line);
+      if (line.contrast < kInnerContrast || line.outside > Surround() + kBarLevels) continue;
+      lines_[Index(side)] = line;
+    }
+    return true;
+  }
+
+  // The level around the sheet: the darkest outside the group's sides.
+  double Surround() const {
+    double level = 255.0;
+    for (const Side side : kAllSides) {
+      if (group_->Has(side)) level = std::min(level, sides_.SidesOf(*group_)[Index(side)].outside);
+    }
+    return level;
+  }
+
+  // Takes away the lines that both neighbours end before: those of another sheet.
+  void DropFarLines() {
+    const auto lines = lines_;
+    for (const Side side : kAllSides) {
+      const auto& line = lines[Index(side)];
+      const auto& before = lines[(Index(side) + 3) % kSides];
+      const auto& behind = lines[(Index(side) + 1) % kSides];
+      if (!line || !before || !behind) continue;
+      const HalfPlane plane = evidence::InsideOf(*line, side, kTooFar * page_.size());
+      if (EndsInside(*before, (Index(side) + 3) % kSides, plane) &&
+          EndsInside(*behind, (Index(side) + 1) % kSides, plane)) {
+        lines_[Index(side)].reset();
+      }
+    }
+  }
+
+  static Point PointAt(const SideLine& line, size_t side, double along) {
+    return evidence::RunsAcross(kAllSides[side]) ? Point{along, line.At(along)}
+                                                 : Point{line.At(along), along};
+  }
+
+  // Whether both ends of a line lie inside a half plane.
+  static bool EndsInside(const SideLine& line, size_t side, const HalfPlane& plane) {
+    const Point from = PointAt(line, side, line.from);
+    const Point to = PointAt(line, side, line.to);
+    return plane.Inside(from.x, from.y) > 0.0 && plane.Inside(to.x, to.y) > 0.0;
+  }
+
+  // Takes away the lines that are a bar's: the page runs off the picture there.
+  void DropBars() {
+    for (const Side side : kAllSides) {
+      isBar_[Index(side)] = lines_[Index(side)] && IsBar(side);
+    }
+    for (const Side side : kAllSides) {
+      if (isBar_[Index(side)]) lines_[Index(side)].reset();
+    }
+  }
+
+  // Whether the dark outside a line is a bar on the sheet that the frame cuts.
+  bool IsBar(Side side) const {
+    const SideLine& line = *lines_[Index(side)];
+    if (line.outside <= Surround() + kBarLevels) return false;
+    const double across = line.At((line.from + line.to) / 2);
+    const double extent = evidence::RunsAcross(side) ? page_.height() : page_.width();
+    return std::min(across, extent - 1.0 - across) <= kBarShare * page_.size();
+  }
+
+  // How far beyond its start a side without a line ends at a dark gap, or INFINITY.
+  double GapBeyond(Side side, std::span<const HalfPlane, kSides> region) const {
+    if (isBar_[Index(side)] || !HasNeighbour(side)) return INFINITY;
+    const double gap = evidence::FirstGapBeyond(page_, Threshold(), region, side);
+    return gap <= kGapWithin * page_.size() ? gap : INFINITY;
+  }
+
+  // Whether the lines next to a side that runs off the picture reach the picture's edge there. A
+  // sheet that ends before it is not seen to end.
+  bool NeighboursReachFrame(Side side) const {
+    const double within = kFrameShare * page_.size();
+    for (const size_t next : {(Index(side) + 1) % kSides, (Index(side) + 3) % kSides}) {
+      const auto& line = lines_[next];
+      if (!line) continue;
+      const bool isFirst = side == Side::kTop || side == Side::kLeft;
+      const double extent = evidence::RunsAcross(kAllSides[next]) ? page_.width() : page_.height();
+      const double end = isFirst ? line->from : extent - 1.0 - line->to;
+      const double across = line->At(isFirst ? line->from : line->to);
+      const double acrossExtent =
+          evidence::RunsAcross(kAllSides[next]) ? page_.height() : page_.width();
+      if (end > within && across > within && acrossExtent - 1.0 - across > within) return false;
+    }
+    return true;
+  }
+
+  CutRect Bound(std::span<const HalfPlane, kSides> region, double outwards, Cut* cut) const {
+    Polygon polygon = PictureOf(page_.width(), page_.height());
+    for (size_t i = 0; i < kSides; ++i) {
+      HalfPlane plane = region[i];
+      if (lines_[i]) {
+        plane.c -= std::max(outwards, beyond_[i] + 1.0);
+        cut->widened = std::max(cut->widened, beyond_[i] / page_.size());
+      } else {
+        plane.c -= beyond_[i] + kLightSlack * page_.size();
+      }
+      polygon = Clip(polygon, plane);
+    }
+    CutRect rect{INFINITY, INFINITY, -INFINITY, -INFINITY};
+    for (size_t i = 0; i < polygon.count; ++i) {
+      const Point point = axes_.ToPage(polygon.points[i]);
+      rect = {std::min(rect.left, point.x), std::min(rect.top, point.y),
+              std::max(rect.right, point.x), std::max(rect.bottom, point.y)};
+    }
+    return rect;
+  }
+
+  double InkOutside(const InkPicture& ink, const CutRect& rect) const {
+    const int32_t step = std::max(1, std::max(ink.width, ink.height) / kInkSamples);
+    const double scale = static_cast<double>(1 << page_.reduced().shift);
+    int64_t all = 0;
+    int64_t outside = 0;
+    for (int32_t y = 0; y < ink.height; y += step) {
+      const uint8_t* row = ink.Row(y);
+      for (int32_t x = 0; x < ink.width; ++x) {
+        if (row[x] == 0) continue;
+        ++all;
+        const Point place = axes_.ToPage({x * scale, y * scale});
+        outside += place.x < rect.left || place.x > rect.right || place.y < rect.top ||
+                   place.y > rect.bottom;
+      }
+    }
+    return all > 0 ? static_cast<double>(outside) / static_cast<double>(all) : 0.0;
+  }
+
+  const PageLevels& page_;
+  const PaperSides& sides_;
+  const Decision& decision_;
+  PageAxes axes_;
+  const SideGroup* group_ = nullptr;  // whose lines bound the page
+  std::array<std::optional<SideLine>, kSides> lines_;
+  std::array<bool, kSides> isBar_{};
+  std::array<double, kSides> beyond_{};  // how far the page goes on beyond each, in pixels
+};
+
+}  // namespace
+
+CutRect WholePicture(double degrees, int32_t width, int32_t height) {
+  const double right = width - 0.5;
+  const double bottom = height - 0.5;
+  return CutAround({Point{-0.5, -0.5}, {right, -0.5}, {right, bottom}, {-0.5, bottom}}, -degrees,
+                   width, height);
+}
+
+bool FindCut(const PageLevels& page, const PaperSides& sides, const InkPicture& ink,
+             const Decision& decision, double outwards, Cut* cut) {
+  return Cutter(page, sides, decision).Find(ink, outwards, cut);
+}
+
+}  // namespace vorlane::judge

@@ -1,7 +1,0 @@
-#include "frame/settings.h"
-
-namespace vorlanepic::frame {
-
-Settings settings{};
-
-}  // namespace vorlanepic::frame
