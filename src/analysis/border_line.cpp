@@ -68,21 +68,22 @@ bool SetMidpointAndAxis(BorderLine* line, EdgePoint a, EdgePoint b) {
 
 }  // namespace
 
-int32_t DistanceToLine(int32_t x, int32_t y, const BorderLine& line, int32_t* distance) {
-  switch (line.kind) {
-    case kLineHorizontal:
-      *distance = frame::TruncToInt32(y - line.intercept);
-      return STATUS_OK;
-    case kLineVertical:
-      *distance = frame::TruncToInt32(line.intercept - x);
-      return STATUS_OK;
-    case kLineGeneral:
-      *distance = frame::TruncToInt32((y - line.intercept - x * line.slope) /
-                                      std::sqrt(line.slope * line.slope + 1.0));
-      return STATUS_OK;
-    default:
-      return BAD_ARGUMENT;
+LineDistance::LineDistance(const BorderLine& line)
+    : rowFactor_(1.0), offset_(line.intercept), columnFactor_(0.0), length_(1.0) {
+  if (line.kind == kLineVertical) {
+    rowFactor_ = 0.0;
+    offset_ = -line.intercept;
+    columnFactor_ = 1.0;
+  } else if (line.kind == kLineGeneral) {
+    columnFactor_ = line.slope;
+    length_ = std::sqrt(line.slope * line.slope + 1.0);
   }
+}
+
+int32_t DistanceToLine(int32_t x, int32_t y, const BorderLine& line, int32_t* distance) {
+  if (!IsFitted(line)) return BAD_ARGUMENT;
+  *distance = LineDistance(line).Of({x, y});
+  return STATUS_OK;
 }
 
 int32_t FitChordLine(BorderLine* line, const SegmentList& list) {

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "analysis/border_line.h"
 #include "frame/arithmetic.h"
 #include "frame/trigonometry.h"
 #include "vorlanepic/vorlanepic.h"
@@ -13,10 +14,6 @@ constexpr double kRightAngle = 90.0;
 constexpr double kSteep = 45.0;
 
 bool HaveOneSign(double a, double b) { return (a >= 0 && b >= 0) || (a < 0 && b < 0); }
-
-bool IsFitted(const BorderLine& line) {
-  return line.kind == kLineHorizontal || line.kind == kLineVertical || line.kind == kLineGeneral;
-}
 
 double YAt(const BorderLine& line, double x) {
   return line.kind == kLineHorizontal ? line.intercept : line.slope * x + line.intercept;

@@ -36,16 +36,12 @@ analysis::EdgePoint MeanOf(std::span<const analysis::EdgePoint> points) {
 }
 
 // |distance| of every point from `line`.
-int32_t MeasureDistances(const analysis::BorderLine& line,
-                         std::span<const analysis::EdgePoint> points,
-                         std::span<uint32_t> distances) {
+void MeasureDistances(const analysis::BorderLine& line, std::span<const analysis::EdgePoint> points,
+                      std::span<uint32_t> distances) {
+  const analysis::LineDistance distance(line);
   for (size_t i = 0; i < points.size(); ++i) {
-    int32_t distance = 0;
-    const int32_t status = analysis::DistanceToLine(points[i].x, points[i].y, line, &distance);
-    if (status != STATUS_OK) return status;
-    distances[i] = static_cast<uint32_t>(frame::WrapAbs(distance));
+    distances[i] = static_cast<uint32_t>(frame::WrapAbs(distance.Of(points[i])));
   }
-  return STATUS_OK;
 }
 
 size_t CountBelow(std::span<const uint32_t> distances, uint32_t limit) {
@@ -71,8 +67,7 @@ int32_t RefineLine(std::span<analysis::EdgePoint> points, std::span<uint32_t> di
   for (;;) {
     if (FitLineByHalves(line, points) != STATUS_OK) return ANGLE_NOT_FOUND;
     distances = distances.first(points.size());
-    const int32_t status = MeasureDistances(*line, points, distances);
-    if (status != STATUS_OK) return status;
+    MeasureDistances(*line, points, distances);
     if (CountBelow(distances, inlierLimit) == points.size()) return STATUS_OK;
 
     uint32_t sum = 0;
@@ -171,10 +166,9 @@ int32_t EstimateBorderAngle(std::span<const analysis::BorderSegment> segments, i
   std::copy(points.span().begin(), points.span().end(), working.span().begin());
 
   analysis::BorderLine line;
-  int32_t status = RefineLine(working.span(), distances.span(), &line);
+  const int32_t status = RefineLine(working.span(), distances.span(), &line);
   if (status != STATUS_OK) return status;
-  status = MeasureDistances(line, points.span(), distances.span());
-  if (status != STATUS_OK) return status;
+  MeasureDistances(line, points.span(), distances.span());
   const auto inlierLimit = static_cast<uint32_t>(frame::settings.ToLineDistance);
   const auto votes = static_cast<int32_t>(CountBelow(distances.span(), inlierLimit));
   *vote = {line.angle, line, votes, true};

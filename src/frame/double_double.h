@@ -61,11 +61,11 @@ constexpr DoubleDouble operator*(DoubleDouble a, DoubleDouble b) {
 // The quotient by long division, one double a digit.
 constexpr DoubleDouble operator/(DoubleDouble a, DoubleDouble b) {
   const double first = a.high / b.high;
-  const DoubleDouble rest = a - b * DoubleDouble{first, 0};
-  const double second = rest.high / b.high;
-  const DoubleDouble last = rest - b * DoubleDouble{second, 0};
-  const DoubleDouble quotient = SumOfLargerAndSmaller(first, second);
-  return quotient + DoubleDouble{last.high / b.high, 0};
+  const DoubleDouble product = ExactProduct(first, b.high);
+  const double rest = a.high - product.high - product.low + (a.low - first * b.low);
+  return SumOfLargerAndSmaller(first, rest / b.high);
 }
+
+constexpr DoubleDouble operator/(DoubleDouble a, double b) { return a / DoubleDouble{b, 0}; }
 
 }  // namespace vorlanepic::frame

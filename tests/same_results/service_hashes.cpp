@@ -1,11 +1,10 @@
 // Prints what every service makes of a set of drawn pages, one line a call, so that two builds can
 // be compared line by line.
 //
-// Pixels, sizes, statuses and block records are compared exactly, through a checksum. Angles are
-// printed to 9 decimals: one in a few hundred differs by a unit in the last place between glibc and
-// the library's own angle functions. A pixel or a size could differ with it where a rounding hangs
-// on that unit; on the pages drawn here none does. The picture itself has a checksum too, so that
-// a difference in the drawing is not taken for one in a service.
+// Everything is compared exactly: pixels and block records through a checksum, angles by their
+// bits. The picture itself has a checksum too, so that a difference in the drawing is not taken for
+// one in a service.
+#include <bit>
 #include <cinttypes>
 #include <cstdio>
 #include <cstring>
@@ -55,8 +54,8 @@ Checksum OfImage(const ImageRec& image) {
 
 void Print(const std::string& call, int32_t status, int32_t width, int32_t height, double angle,
            const Checksum& sum) {
-  std::printf("%s: status %d, %d x %d, angle %.9f, %016" PRIx64 "\n", call.c_str(), status, width,
-              height, angle, sum.value());
+  std::printf("%s: status %d, %d x %d, angle %.9f (%016" PRIx64 "), %016" PRIx64 "\n", call.c_str(),
+              status, width, height, angle, std::bit_cast<uint64_t>(angle), sum.value());
 }
 
 void PrintDib(const std::string& call, int32_t status, double angle, const DibRec& image) {
