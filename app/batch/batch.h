@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <string>
 
 #include "app/batch/input_list.h"
@@ -40,9 +39,5 @@ int RunBatch(const BatchRequest& request, const PageService& service);
 
 // The same with all pages of a file at once; its pages must be alike in size and depth.
 int RunPageSets(const BatchRequest& request, const SetService& service);
-
-// Takes the pages one after the other through `run`, which prints what it finds; a file that cannot
-// be read is told, and the others go on. Returns an ExitCode.
-int ForEachPage(const BatchRequest& request, const std::function<void(const files::Page&)>& run);
 
 }  // namespace vorlane::batch

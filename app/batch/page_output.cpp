@@ -15,25 +15,6 @@ namespace fs = std::filesystem;
 
 constexpr uint64_t kCopyStep = uint64_t{1} << 20;
 
-files::EncodedPage Encode(const std::string& path, const ImageRec& image, const files::Page& page) {
-  std::vector<std::string> notes;
-  try {
-    return files::EncodePage(FormatFor(path), image, page, {}, &notes);
-  } catch (const files::FileError& error) {
-    throw files::FileError(path + ": " + error.what());
-  }
-}
-
-files::EncodedPage DrawOverlay(const std::string& path, const files::Page& page,
-                               const PageOutcome& outcome) {
-  const files::PixPtr pix = outcome.draw(page);
-  files::Page overlay;
-  if (files::PixToImage(pix, &overlay.image) != 0) {
-    throw files::FileError(path + ": there is not enough memory for the overlay");
-  }
-  return Encode(path, *overlay.image.rec(), overlay);
-}
-
 }  // namespace
 
 files::Replacing ReplacingFor(const RunContext& run, const JournalPages& before,
@@ -86,11 +67,21 @@ void CopyFile(const std::string& from, const std::string& to, files::Replacing r
   copy.Commit();
 }
 
+void WritePicture(const std::string& path, const files::PixPtr& pix, files::Replacing replacing) {
+  files::Page picture;
+  if (!pix || files::PixToImage(pix, &picture.image) != 0) {
+    throw files::FileError(path + ": there is not enough memory for the overlay");
+  }
+  std::vector<std::string> notes;
+  WritePage(path, files::EncodePage(FormatFor(path), *picture.image.rec(), picture, {}, &notes),
+            replacing);
+}
+
 void WriteOverlay(const std::string& path, const files::Page& page,
                   const PageOutcome& outcome, files::Replacing replacing, PageRecord* record) {
   if (!outcome.draw) return;
   try {
-    WritePage(path, DrawOverlay(path, page, outcome), replacing);
+    WritePicture(path, outcome.draw(page), replacing);
     record->overlay = path;
   } catch (const files::FileError& error) {
     record->lacksOverlay = true;

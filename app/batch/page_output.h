@@ -27,6 +27,9 @@ void WritePage(const std::string& path, files::EncodedPage page, files::Replacin
 // Copies a file byte for byte; does nothing when both are the same file. Throws FileError.
 void CopyFile(const std::string& from, const std::string& to, files::Replacing replacing);
 
+// Writes an overlay. Throws FileError.
+void WritePicture(const std::string& path, const files::PixPtr& pix, files::Replacing replacing);
+
 // Draws the page's overlay and names it in the record; a failure is noted there and does no harm.
 void WriteOverlay(const std::string& path, const files::Page& page,
                   const PageOutcome& outcome, files::Replacing replacing, PageRecord* record);
