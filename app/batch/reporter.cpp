@@ -72,6 +72,7 @@ bool Reporter::isBroken() const {
 
 Reporter::Line Reporter::LineOf(const PageRecord& record) const {
   Line line;
+  line.name = NameToTell(record);
   if (record.isError) line.error = "vorlane: " + Printable(record.words) + "\n";
   if (request_.json) {
     line.out = JsonLine(record) + "\n";
@@ -100,6 +101,9 @@ void Reporter::PrintReady() {
 }
 
 void Reporter::Print(const Line& line) {
+  if (!line.name.empty() && tally_.names.size() < kNamesInSummary) {
+    tally_.names.push_back(line.name);
+  }
   if (line.out.empty() && line.error.empty()) return;
   ClearProgress();
   (void)std::fwrite(line.error.data(), 1, line.error.size(), stderr);

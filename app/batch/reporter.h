@@ -51,6 +51,7 @@ class Reporter {
   struct Line {
     std::string out;    // standard output
     std::string error;  // error output, before it
+    std::string name;   // for the summary; empty: it does not name the page
   };
   struct Input {
     int32_t pages = 0;  // 0: not known yet

@@ -26,14 +26,15 @@ void Append(int64_t count, const char* one, const char* many, std::string* line)
 
 void Count(const PageRecord& record, Tally* tally) {
   ++tally->pages;
-  int64_t* place = PlaceFor(record, tally);
-  ++*place;
+  ++*PlaceFor(record, tally);
   if (record.lacksOverlay) ++tally->noOverlay;
-  const bool isDone =
-      place == &tally->sure || place == &tally->likely || place == &tally->other;
-  if (isDone || tally->names.size() == kNamesInSummary) return;
-  tally->names.push_back(NameOf(record.file, record.number, record.count) + " (" +
-                         WhyNamed(record) + ")");
+}
+
+std::string NameToTell(const PageRecord& record) {
+  const bool isDone = !record.isError && (record.fate == PageFate::kMeasured ||
+                                          record.fate == PageFate::kStraightened);
+  if (isDone) return "";
+  return NameOf(record.file, record.number, record.count) + " (" + WhyNamed(record) + ")";
 }
 
 std::string TallyLine(const Tally& tally) {

@@ -19,7 +19,7 @@ struct Tally {
   int64_t errors = 0;  // could not be read or written
   int64_t noOverlay = 0;
   int64_t doneBefore = 0;          // by the run that this one resumes
-  std::vector<std::string> names;  // of pages left, failed or in error: the first ones
+  std::vector<std::string> names;  // of pages left, failed or in error: the first ones of the report
 
   int64_t unnamed() const { return left + failed + errors - static_cast<int64_t>(names.size()); }
 };
@@ -28,6 +28,9 @@ struct Tally {
 inline constexpr size_t kNamesInSummary = 20;
 
 void Count(const PageRecord& record, Tally* tally);
+
+// What a summary calls a page by that was left or failed; empty: it names only others.
+std::string NameToTell(const PageRecord& record);
 
 // The counts in one line: "12 pages: 9 sure, 2 left as they are, 1 error".
 std::string TallyLine(const Tally& tally);
