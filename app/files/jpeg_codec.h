@@ -1,0 +1,24 @@
+// The JPEG library's records with its errors as exceptions.
+#pragma once
+
+#include <csetjmp>
+#include <cstdio>
+#include <jpeglib.h>
+#include <string>
+
+namespace vorlane::files {
+
+// Takes the library's errors and warnings. An error leaves the library by longjmp, since no
+// exception may pass its C frames: whoever calls the library does so in a frame that holds no
+// object with a destructor, after setjmp(errors.jump).
+struct JpegErrors {
+  jpeg_error_mgr manager{};
+  std::jmp_buf jump{};
+  char error[JMSG_LENGTH_MAX] = "";
+  char warning[JMSG_LENGTH_MAX] = "";  // the first one
+  int warnings = 0;
+
+  JpegErrors();
+};
+
+}  // namespace vorlane::files
