@@ -34,22 +34,26 @@ bool IsStreak(const SideLine& line, int32_t extent) {
          line.to >= extent - kStreakEnd && line.straight >= kStreakStraight;
 }
 
-int32_t FindSidesAt(const PageLevels& page, uint8_t threshold, SideSet* set) {
+int32_t FindSidesAt(const PageLevels& page, size_t threshold, PaperSides* sides) {
   vorlanepic::analysis::BorderTraces traces;
-  int32_t status = TraceBorders(page, threshold, &traces);
+  int32_t status = TraceBorders(page, sides->thresholds.levels[threshold], &traces);
   if (status == BORDER_NOT_FOUND) return STATUS_OK;
   if (status != STATUS_OK) return status;
   const std::array<const vorlanepic::analysis::SideTrace*, kSides> order{
       &traces.top, &traces.right, &traces.bottom, &traces.left};
-  for (size_t i = 0; i < kSides && status == STATUS_OK; ++i) {
-    SideLine& line = (*set)[i];
+  for (size_t i = 0; i < kSides; ++i) {
+    SideLine& line = sides->sets[threshold][i];
     status = FitSide(*order[i], kAllSides[i], page.width(), page.height(), &line);
+    if (status != STATUS_OK) return status;
     if (!line.isSeen) continue;
-    line.contrast = ContrastOf(page, kAllSides[i], line);
+    MeasureContrast(page, kAllSides[i], &line);
     line.isSeen = line.contrast >= kLeastContrast;
     line.isFrameLike = IsStreak(line, RunsAcross(kAllSides[i]) ? page.width() : page.height());
   }
-  return status;
+  if (threshold > 0) return STATUS_OK;
+  status = LetBordersVote(traces, &sides->voteDegrees);
+  sides->hasVote = status == STATUS_OK;
+  return status == OUT_OF_MEMORY ? status : STATUS_OK;
 }
 
 // How far the middle of a side lies from the picture's own edge.
@@ -161,7 +165,7 @@ int32_t FindPaperSides(const PageLevels& page, PaperSides* sides) {
   *sides = {};
   sides->thresholds = ChooseThresholds(page);
   for (size_t i = 0; i < sides->thresholds.count; ++i) {
-    const int32_t status = FindSidesAt(page, sides->thresholds.levels[i], &sides->sets[i]);
+    const int32_t status = FindSidesAt(page, i, sides);
     if (status != STATUS_OK) return status;
     AddGroups(page, i, sides);
     LookForQuad(page, i, sides);

@@ -66,8 +66,7 @@ class PairPicker {
 };
 
 // Where the page's edge lies for a traced point. The walks stop one pixel behind the first page
-// pixel from the left and from the right, at it from the top, and at it or one before it from the
-// bottom, which looks at every second row.
+// pixel from the left and from the right, and at it from the top and from the bottom.
 double AcrossOf(Side side, vorlanepic::frame::PixelPoint point) {
   switch (side) {
     case Side::kTop:
@@ -75,7 +74,7 @@ double AcrossOf(Side side, vorlanepic::frame::PixelPoint point) {
     case Side::kRight:
       return point.x + 1.5;
     case Side::kBottom:
-      return point.y + 1.0;
+      return point.y + 0.5;
     default:
       return point.x - 1.5;
   }

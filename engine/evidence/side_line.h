@@ -34,6 +34,7 @@ struct SideLine {
   double straight = 0.0;  // share of the trace's points in from..to that lie on the line
   double onFrame = 0.0;   // share of the trace that runs at the picture's own edge
   double contrast = 0.0;  // levels by which the page is lighter than what lies outside the line
+  double outside = 0.0;   // the level of that
 
   double length() const { return to - from; }
   double weight() const { return length() * filled; }

@@ -45,6 +45,12 @@ constexpr double kGapWithin = 0.025;
 // What a side that was found from inside has to be: straight, and lighter than the gap.
 constexpr double kInnerStraight = 0.6;
 constexpr double kInnerContrast = 8.0;
+// A line beyond the ends of both its neighbours by this share is another sheet's.
+constexpr double kTooFar = 0.025;
+// What lies outside a side is lighter than outside the others by this much where it is no surround
+// but a bar on the sheet; bars that the frame cuts lie this near to it.
+constexpr double kBarLevels = 15.0;
+constexpr double kBarShare = 0.04;
 // Where the page runs off the picture, its other sides end this near to the frame.
 constexpr double kFrameShare = 0.02;
 constexpr int32_t kInkSamples = 500;
@@ -97,6 +103,8 @@ class Cutter {
       return true;
     }
     PickLines();
+    DropBars();
+    DropFarLines();
     if (!LookFromInside()) return false;
     const std::array<HalfPlane, kSides> region = Region();
     if (!evidence::MeasureLightBeyond(page_, Threshold(), region, &beyond_)) return false;
@@ -107,13 +115,16 @@ class Cutter {
         if (IsClosed(side, region)) beyond = 0.0;
         continue;
       }
+      const bool runsOff = RunsOff(side);
       const double gap = GapBeyond(side, region);
       if (std::isfinite(gap)) {
         beyond = gap;
-      } else if (RunsOff(side)) {
+      } else if (runsOff || !HasNeighbour(side)) {
+        // Nothing tells where the page ends before the picture does.
         beyond = 2.0 * page_.size();
         cut->isBelieved = cut->isBelieved && NeighboursReachFrame(side);
       }
+      ++(std::isfinite(gap) || !runsOff ? cut->sidesUnseen : cut->sidesOffFrame);
     }
     cut->rect = Bound(region, outwards, cut);
     cut->inkOutside = InkOutside(ink, cut->rect);
@@ -174,9 +185,7 @@ class Cutter {
         continue;
       }
       for (const double along : {line->from, line->to}) {
-        const Point end = evidence::RunsAcross(other) ? Point{along, line->At(along)}
-                                                      : Point{line->At(along), along};
-        const Point place = axes_.ToPage(end);
+        const Point place = axes_.ToPage(PointAt(*line, Index(other), along));
         start = std::max(start, sign * (across ? place.y : place.x));
       }
     }
@@ -211,8 +220,7 @@ class Cutter {
       const auto& line = lines_[next];
       if (!line) return false;
       for (const double along : {line->from, line->to}) {
-        const Point end = evidence::RunsAcross(kAllSides[next]) ? Point{along, line->At(along)}
-                                                                : Point{line->At(along), along};
+        const Point end = PointAt(*line, next, along);
         if (plane.Inside(end.x, end.y) < -kOvershoot * page_.size()) return false;
       }
     }
@@ -221,7 +229,9 @@ class Cutter {
 
   uint8_t Threshold() const { return sides_.thresholds.levels[group_->threshold]; }
 
-  bool RunsOff(Side side) const { return sides_.SidesOf(*group_)[Index(side)].onFrame >= kOnFrame; }
+  bool RunsOff(Side side) const {
+    return isBar_[Index(side)] || sides_.SidesOf(*group_)[Index(side)].onFrame >= kOnFrame;
+  }
 
   bool HasNeighbour(Side side) const {
     return lines_[(Index(side) + 1) % kSides] || lines_[(Index(side) + 3) % kSides];
@@ -231,7 +241,7 @@ class Cutter {
   // memory.
   bool LookFromInside() {
     for (const Side side : kAllSides) {
-      if (lines_[Index(side)] || !HasNeighbour(side)) continue;
+      if (lines_[Index(side)] || isBar_[Index(side)] || !HasNeighbour(side)) continue;
       std::array<HalfPlane, kSides> region = Region();
       region[Index(side)].c += kStartInside * page_.size();
       vorlanepic::analysis::SideTrace trace;
@@ -242,15 +252,72 @@ class Cutter {
       }
       if (!line.isSeen || line.straight < kInnerStraight) continue;
       if (std::abs(line.degrees - group_->degrees) > kSameDegrees) continue;
-      if (evidence::ContrastOf(page_, side, line) < kInnerContrast) continue;
+      evidence::MeasureContrast(page_, side, &line);
+      if (line.contrast < kInnerContrast || line.outside > Surround() + kBarLevels) continue;
       lines_[Index(side)] = line;
     }
     return true;
   }
 
+  // The level around the sheet: the darkest outside the group's sides.
+  double Surround() const {
+    double level = 255.0;
+    for (const Side side : kAllSides) {
+      if (group_->Has(side)) level = std::min(level, sides_.SidesOf(*group_)[Index(side)].outside);
+    }
+    return level;
+  }
+
+  // Takes away the lines that both neighbours end before: those of another sheet.
+  void DropFarLines() {
+    const auto lines = lines_;
+    for (const Side side : kAllSides) {
+      const auto& line = lines[Index(side)];
+      const auto& before = lines[(Index(side) + 3) % kSides];
+      const auto& behind = lines[(Index(side) + 1) % kSides];
+      if (!line || !before || !behind) continue;
+      const HalfPlane plane = evidence::InsideOf(*line, side, kTooFar * page_.size());
+      if (EndsInside(*before, (Index(side) + 3) % kSides, plane) &&
+          EndsInside(*behind, (Index(side) + 1) % kSides, plane)) {
+        lines_[Index(side)].reset();
+      }
+    }
+  }
+
+  static Point PointAt(const SideLine& line, size_t side, double along) {
+    return evidence::RunsAcross(kAllSides[side]) ? Point{along, line.At(along)}
+                                                 : Point{line.At(along), along};
+  }
+
+  // Whether both ends of a line lie inside a half plane.
+  static bool EndsInside(const SideLine& line, size_t side, const HalfPlane& plane) {
+    const Point from = PointAt(line, side, line.from);
+    const Point to = PointAt(line, side, line.to);
+    return plane.Inside(from.x, from.y) > 0.0 && plane.Inside(to.x, to.y) > 0.0;
+  }
+
+  // Takes away the lines that are a bar's: the page runs off the picture there.
+  void DropBars() {
+    for (const Side side : kAllSides) {
+      isBar_[Index(side)] = lines_[Index(side)] && IsBar(side);
+    }
+    for (const Side side : kAllSides) {
+      if (isBar_[Index(side)]) lines_[Index(side)].reset();
+    }
+  }
+
+  // Whether the dark outside a line is a bar on the sheet that the frame cuts.
+  bool IsBar(Side side) const {
+    const SideLine& line = *lines_[Index(side)];
+    if (line.outside <= Surround() + kBarLevels) return false;
+    const double across = line.At((line.from + line.to) / 2);
+    const double extent = evidence::RunsAcross(side) ? page_.height() : page_.width();
+    return std::min(across, extent - 1.0 - across) <= kBarShare * page_.size();
+  }
+
   // How far beyond its start a side without a line ends at a dark gap, or INFINITY.
   double GapBeyond(Side side, std::span<const HalfPlane, kSides> region) const {
-    if (!HasNeighbour(side)) return INFINITY;
+    if (isBar_[Index(side)] || !HasNeighbour(side)) return INFINITY;
     const double gap = evidence::FirstGapBeyond(page_, Threshold(), region, side);
     return gap <= kGapWithin * page_.size() ? gap : INFINITY;
   }
@@ -282,7 +349,6 @@ class Cutter {
         cut->widened = std::max(cut->widened, beyond_[i] / page_.size());
       } else {
         plane.c -= beyond_[i] + kLightSlack * page_.size();
-        ++cut->sidesUnseen;
       }
       polygon = Clip(polygon, plane);
     }
@@ -319,6 +385,7 @@ class Cutter {
   PageAxes axes_;
   const SideGroup* group_ = nullptr;  // whose lines bound the page
   std::array<std::optional<SideLine>, kSides> lines_;
+  std::array<bool, kSides> isBar_{};
   std::array<double, kSides> beyond_{};  // how far the page goes on beyond each, in pixels
 };
 
