@@ -18,6 +18,7 @@ namespace vorlane::files {
 namespace {
 
 constexpr double kMetresPerInch = 0.0254;
+constexpr int kBitsLevel = 6;  // of deflate: bits are few enough to be packed well
 constexpr size_t kLargestChunk = size_t{1} << 30;
 
 void PutNumber(uint32_t value, Bytes* to) {
@@ -171,7 +172,8 @@ void PutMetadata(const EncodeJob& job, Bytes* to) {
 
 EncodedPage EncodePng(const EncodeJob& job) {
   const PngShape shape = ShapeOf(job);
-  const Bytes packed = Deflate(FilteredRows(job, shape).bytes(), kDeflateLevel);
+  const int level = shape.bits == 1 ? kBitsLevel : kDeflateLevel;
+  const Bytes packed = Deflate(FilteredRows(job, shape).bytes(), level);
   EncodedPage page;
   page.bytes.reserve(packed.size() + 4096);
   page.bytes.assign(kPngSignature.begin(), kPngSignature.end());

@@ -4,6 +4,11 @@
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
+#include <type_traits>
+
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
 
 namespace vorlane::files {
 namespace {
@@ -36,18 +41,69 @@ void UndoAverage(std::span<uint8_t> row, const uint8_t* above) {
   }
 }
 
+#if defined(__SSE2__)
+// What a pixel is read as at once: put together from parts it would wait for each of them.
+template <size_t kPixel>
+using PixelWord =
+    std::conditional_t<(kPixel > 4), uint64_t,
+                       std::conditional_t<(kPixel > 2), uint32_t,
+                                          std::conditional_t<(kPixel > 1), uint16_t, uint8_t>>>;
+
+// The bytes of a pixel, and those of the next one that the word holds besides, as 16-bit lanes.
+template <size_t kPixel>
+__m128i LoadPixel(const uint8_t* from) {
+  PixelWord<kPixel> word = 0;
+  std::memcpy(&word, from, sizeof(word));
+  return _mm_unpacklo_epi8(_mm_cvtsi64_si128(static_cast<int64_t>(word)), _mm_setzero_si128());
+}
+
+template <size_t kPixel>
+void StorePixel(__m128i lanes, uint8_t* to) {
+  const auto bytes = static_cast<uint64_t>(_mm_cvtsi128_si64(_mm_packus_epi16(lanes, lanes)));
+  constexpr size_t kFirst = kPixel == 3 ? 2 : kPixel == 6 ? 4 : kPixel;
+  std::memcpy(to, &bytes, kFirst);
+  for (size_t k = kFirst; k < kPixel; ++k) to[k] = static_cast<uint8_t>(bytes >> 8 * k);
+}
+
+__m128i Select(__m128i mask, __m128i yes, __m128i no) {
+  return _mm_or_si128(_mm_and_si128(mask, yes), _mm_andnot_si128(mask, no));
+}
+
+// What Paeth gives, without distances: the smaller of left and above where left + above - corner
+// lies beyond it, the larger one where it lies beyond that, and the corner between.
 template <size_t kPixel>
 void UndoPaeth(std::span<uint8_t> row, const uint8_t* above) {
-  uint8_t left[kPixel] = {};
-  uint8_t corner[kPixel] = {};
-  for (size_t i = 0; i + kPixel <= row.size(); i += kPixel) {
-    for (size_t k = 0; k < kPixel; ++k) {
-      left[k] = Sum(row[i + k], Paeth(left[k], above[i + k], corner[k]));
-      corner[k] = above[i + k];
-      row[i + k] = left[k];
-    }
+  const __m128i byteMask = _mm_set1_epi16(0xFF);
+  __m128i left = _mm_setzero_si128();
+  __m128i corner = _mm_setzero_si128();
+  size_t i = 0;
+  for (; i + sizeof(PixelWord<kPixel>) <= row.size(); i += kPixel) {
+    const __m128i up = LoadPixel<kPixel>(above + i);
+    const __m128i triple = _mm_add_epi16(corner, _mm_add_epi16(corner, corner));
+    const __m128i limit = _mm_sub_epi16(_mm_sub_epi16(triple, up), left);
+    const __m128i low = _mm_min_epi16(left, up);
+    const __m128i high = _mm_max_epi16(left, up);
+    const __m128i upper = Select(_mm_cmpgt_epi16(limit, low), corner, high);
+    const __m128i foretold = Select(_mm_cmpgt_epi16(high, limit), upper, low);
+    const __m128i stored = LoadPixel<kPixel>(row.data() + i);
+    left = _mm_and_si128(_mm_add_epi16(stored, foretold), byteMask);
+    corner = up;
+    StorePixel<kPixel>(left, row.data() + i);
+  }
+  for (; i < row.size(); ++i) {
+    row[i] = i < kPixel ? Sum(row[i], above[i])
+                        : Sum(row[i], Paeth(row[i - kPixel], above[i], above[i - kPixel]));
   }
 }
+#else
+template <size_t kPixel>
+void UndoPaeth(std::span<uint8_t> row, const uint8_t* above) {
+  for (size_t i = 0; i < row.size(); ++i) {
+    row[i] = i < kPixel ? Sum(row[i], above[i])
+                        : Sum(row[i], Paeth(row[i - kPixel], above[i], above[i - kPixel]));
+  }
+}
+#endif
 
 template <size_t kPixel>
 bool Undo(uint8_t filter, std::span<uint8_t> row, const uint8_t* above) {

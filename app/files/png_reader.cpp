@@ -157,6 +157,7 @@ PngFile ReadChunks(std::span<const uint8_t> bytes, const ReadLimits& limits, Met
   PngFile file;
   file.header = HeaderOf(chunks.Next());
   CheckSize(file.header.width, file.header.height, limits);
+  file.packed.reserve(bytes.size());
   for (PngChunkView chunk = chunks.Next(); chunk.type != "IEND"; chunk = chunks.Next()) {
     constexpr char kLowerCase = 0x20;
     if (chunk.type == "IDAT") {

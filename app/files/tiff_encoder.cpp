@@ -35,14 +35,18 @@ struct MemoryFile {
   // No exception may pass the library's frames: without memory the write fails.
   static tmsize_t Write(thandle_t handle, void* from, tmsize_t count) {
     auto* file = static_cast<MemoryFile*>(handle);
-    const uint64_t end = file->at + static_cast<uint64_t>(count);
+    const auto* bytes = static_cast<const uint8_t*>(from);
+    const auto length = static_cast<size_t>(count);
     try {
-      if (end > file->bytes.size()) file->bytes.resize(static_cast<size_t>(end));
+      if (file->at > file->bytes.size()) file->bytes.resize(static_cast<size_t>(file->at));
+      const size_t at = static_cast<size_t>(file->at);
+      const size_t over = std::min(length, file->bytes.size() - at);
+      std::copy_n(bytes, over, file->bytes.begin() + static_cast<ptrdiff_t>(at));
+      file->bytes.insert(file->bytes.end(), bytes + over, bytes + length);
     } catch (const std::bad_alloc&) {
       return -1;
     }
-    std::memcpy(file->bytes.data() + file->at, from, static_cast<size_t>(count));
-    file->at = end;
+    file->at += length;
     return count;
   }
   static toff_t Seek(thandle_t handle, toff_t offset, int whence) {
@@ -268,26 +272,61 @@ struct StripTags {
 constexpr StripTags kStrips = {TIFFTAG_STRIPOFFSETS, TIFFTAG_STRIPBYTECOUNTS};
 constexpr StripTags kTiles = {TIFFTAG_TILEOFFSETS, TIFFTAG_TILEBYTECOUNTS};
 
-// Gathers the strips or tiles that the entries point to. Afterwards they count from the first byte.
-std::vector<uint8_t> TakeStrips(const ByteSource& source, std::vector<TiffEntry>* entries) {
+// Where the strips or tiles of a page are.
+struct StripList {
+  TiffEntry* offsets = nullptr;
+  const TiffEntry* counts = nullptr;
+};
+
+StripList FindStrips(std::vector<TiffEntry>* entries) {
   const StripTags tags = FindEntry(*entries, kTiles.offsets) != nullptr ? kTiles : kStrips;
-  auto* offsets = const_cast<TiffEntry*>(FindEntry(*entries, tags.offsets));
-  const TiffEntry* counts = FindEntry(*entries, tags.counts);
-  if (offsets == nullptr || counts == nullptr || offsets->count != counts->count) {
+  StripList strips;
+  for (TiffEntry& entry : *entries) {
+    if (entry.tag == tags.offsets) strips.offsets = &entry;
+    if (entry.tag == tags.counts) strips.counts = &entry;
+  }
+  if (strips.offsets == nullptr || strips.counts == nullptr ||
+      strips.offsets->count != strips.counts->count) {
     throw DecodeError("its list of strips is damaged");
   }
+  return strips;
+}
+
+// Gathers the strips or tiles that the entries point to. Afterwards they count from the first byte.
+std::vector<uint8_t> GatherStrips(const ByteSource& source, std::vector<TiffEntry>* entries) {
+  const StripList strips = FindStrips(entries);
   std::vector<uint64_t> places;
   std::vector<uint8_t> bytes;
-  for (size_t i = 0; i < offsets->count; ++i) {
-    const uint64_t length = NumberOf(*counts, i);
+  for (size_t i = 0; i < strips.counts->count; ++i) {
+    const uint64_t length = NumberOf(*strips.counts, i);
     places.push_back(bytes.size());
     if (length > source.size()) throw DecodeError("it was cut short");
     bytes.resize(bytes.size() + static_cast<size_t>(length));
     const std::span<uint8_t> to(bytes.data() + places.back(), static_cast<size_t>(length));
-    if (source.ReadAt(NumberOf(*offsets, i), to) < to.size()) throw DecodeError("it was cut short");
+    if (source.ReadAt(NumberOf(*strips.offsets, i), to) < to.size()) {
+      throw DecodeError("it was cut short");
+    }
   }
-  *offsets = OffsetsEntryOf(tags.offsets, places);
+  *strips.offsets = OffsetsEntryOf(strips.offsets->tag, places);
   return bytes;
+}
+
+// The same for a file that the TIFF library has just written: header, strips, directory.
+std::vector<uint8_t> TakeStrips(std::vector<uint8_t> file, std::vector<TiffEntry>* entries) {
+  const StripList strips = FindStrips(entries);
+  const uint64_t first = NumberOf(*strips.offsets);
+  std::vector<uint64_t> places;
+  uint64_t end = first;
+  for (size_t i = 0; i < strips.counts->count; ++i) {
+    const uint64_t place = NumberOf(*strips.offsets, i);
+    if (place < first) return GatherStrips(MemorySource(file), entries);
+    places.push_back(place - first);
+    end = std::max(end, place + NumberOf(*strips.counts, i));
+  }
+  file.resize(static_cast<size_t>(end));
+  file.erase(file.begin(), file.begin() + static_cast<ptrdiff_t>(first));
+  *strips.offsets = OffsetsEntryOf(strips.offsets->tag, places);
+  return file;
 }
 
 }  // namespace
@@ -296,6 +335,8 @@ EncodedPage EncodeTiff(const EncodeJob& job) {
   const TiffPlan plan = PlanFor(job);
   TiffMessages messages;
   MemoryFile file;
+  const auto pixels = static_cast<size_t>(job.image.width) * static_cast<size_t>(job.image.height);
+  if (plan.compression == COMPRESSION_NONE) file.bytes.reserve(pixels * plan.samples + 65536);
   {
     const TiffPtr tiff = OpenForWriting(&file, &messages);
     SetTags(tiff.get(), job, plan);
@@ -308,7 +349,7 @@ EncodedPage EncodeTiff(const EncodeJob& job) {
   EncodedPage page;
   size_t lost = 0;
   page.entries = ReadDirectory(written, *header, header->first, &lost);
-  page.bytes = TakeStrips(written, &page.entries);
+  page.bytes = TakeStrips(std::move(file.bytes), &page.entries);
   AddResolution(job.source.metadata.resolution, &page.entries);
   for (TiffEntry& entry : TiffEntriesOf(job.source.metadata)) {
     if (entry.tag == TIFFTAG_ICCPROFILE && !IccFits(entry.data, job.image.bitsPerPixel)) {
@@ -330,7 +371,7 @@ std::optional<EncodedPage> CopyTiffPage(const PictureFile::TiffPlace& place) {
   const bool isOldJpeg = compression != nullptr && NumberOf(*compression) == COMPRESSION_OJPEG;
   if (lost > 0 || isOldJpeg || (place.header.isSwapped && isWide)) return std::nullopt;
   std::erase_if(page.entries, [](const TiffEntry& entry) { return entry.tag == TIFFTAG_SUBIFD; });
-  page.bytes = TakeStrips(place.source, &page.entries);
+  page.bytes = GatherStrips(place.source, &page.entries);
   return page;
 }
 

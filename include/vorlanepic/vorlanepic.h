@@ -119,7 +119,8 @@ VORLANEPIC_API int32_t VORLANEPIC_STDCALL ImageVorlaneEx(const ImageRec* source,
  * Fields are read by the methods named; a value out of range makes the call return BAD_ARGUMENT.
  */
 typedef struct DeskewCropParam {
-  const char* profilePath; /* zero-terminated path, read when useProfile is 1 */
+  const char* profilePath; /* zero-terminated path, read once a call when useProfile is 1: a regular
+                              file of at most 1 MB (2^20 bytes); all else gives the defaults */
   int32_t useProfile;      /* 1: settings from the profile; else from this record */
   int32_t DeskewMethod;    /* 1 or 3: pruned rotation; any other value: method 2, border vote */
   int32_t SearchBorderPixelNum; /* all methods, 1..10: document pixels that make a border point */

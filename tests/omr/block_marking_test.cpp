@@ -140,7 +140,9 @@ void ExpectSame(TestSet& set, const PlainSet& plain) {
 
 TEST(BlockMarkingTest, AgreesWithThePlainMarkerOnRandomPictures) {
   std::mt19937 random(7);
-  const auto upTo = [&](int32_t most) { return static_cast<int32_t>(random() % (most + 1U)); };
+  const auto upTo = [&](int32_t most) {
+    return static_cast<int32_t>(random() % static_cast<uint32_t>(most + 1));
+  };
   for (int round = 0; round < 600; ++round) {
     // Now and then long rows, for runs of many vectors and lists beyond the first reserve.
     const int32_t width = 1 + upTo(round % 10 == 0 ? 400 : 70);
