@@ -1,0 +1,3 @@
+file(REMOVE_RECURSE
+  "../lib/libvorlane_engine.a"
+)

@@ -1,0 +1,2 @@
+# Empty dependencies file for vorlane_api.
+# This may be replaced when dependencies are built.

@@ -1,0 +1,2 @@
+# Empty compiler generated dependencies file for detect_page.
+# This may be replaced when dependencies are built.

@@ -1,0 +1,2 @@
+# Empty dependencies file for straighten_page.
+# This may be replaced when dependencies are built.

@@ -1,0 +1,3 @@
+file(REMOVE_RECURSE
+  "../lib/libvorlanepic_core.a"
+)
