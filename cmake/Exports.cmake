@@ -32,11 +32,13 @@ function(vorlanepic_export_from_shared_object target lines)
   set_property(TARGET ${target} APPEND PROPERTY LINK_DEPENDS ${script})
 endfunction()
 
-# The library's functions are decorated (_Name@24), its exported names are not, and the import
-# library leads callers from the one to the other.
+# The library's functions are decorated on 32-bit targets (_Name@24), its exported names are not, and
+# the import library leads callers from the one to the other.
 function(vorlanepic_export_from_dll target lines)
-  list(TRANSFORM lines REPLACE "\n    ([A-Za-z_]+) *\\| stdcall ([0-9]+)" "    \\1@\\2\n")
-  list(TRANSFORM lines REPLACE "\n    ([A-Za-z_]+) *\\| cdecl" "    \\1\n")
+  if(CMAKE_SIZEOF_VOID_P EQUAL 4)
+    list(TRANSFORM lines REPLACE "\n    ([A-Za-z_]+) *\\| stdcall ([0-9]+)" "    \\1@\\2\n")
+  endif()
+  list(TRANSFORM lines REPLACE "\n    ([A-Za-z_]+) *\\| .*" "    \\1\n")
   string(CONCAT names ${lines})
   set(decorated ${CMAKE_CURRENT_BINARY_DIR}/${target}.decorated.def)
   file(WRITE ${decorated} "EXPORTS\n${names}")

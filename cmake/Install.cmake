@@ -12,11 +12,11 @@ install(DIRECTORY include/vorlanepic include/vorlane DESTINATION ${CMAKE_INSTALL
 set(package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/VorlanePic)
 install(EXPORT VorlanePicTargets NAMESPACE VorlanePic:: DESTINATION ${package_dir})
 configure_package_config_file(cmake/VorlanePicConfig.cmake.in
-  ${CMAKE_BINARY_DIR}/VorlanePicConfig.cmake INSTALL_DESTINATION ${package_dir})
-write_basic_package_version_file(${CMAKE_BINARY_DIR}/VorlanePicConfigVersion.cmake
+  ${PROJECT_BINARY_DIR}/VorlanePicConfig.cmake INSTALL_DESTINATION ${package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/VorlanePicConfigVersion.cmake
   COMPATIBILITY SameMajorVersion)
-install(FILES ${CMAKE_BINARY_DIR}/VorlanePicConfig.cmake
-              ${CMAKE_BINARY_DIR}/VorlanePicConfigVersion.cmake
+install(FILES ${PROJECT_BINARY_DIR}/VorlanePicConfig.cmake
+              ${PROJECT_BINARY_DIR}/VorlanePicConfigVersion.cmake
   DESTINATION ${package_dir})
 
 install(TARGETS vorlane_library
@@ -28,16 +28,16 @@ get_target_property(vorlane_version vorlane_library VERSION)
 set(vorlane_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Vorlane)
 install(EXPORT VorlaneTargets NAMESPACE Vorlane:: DESTINATION ${vorlane_package_dir})
 configure_package_config_file(cmake/VorlaneConfig.cmake.in
-  ${CMAKE_BINARY_DIR}/VorlaneConfig.cmake INSTALL_DESTINATION ${vorlane_package_dir})
-write_basic_package_version_file(${CMAKE_BINARY_DIR}/VorlaneConfigVersion.cmake
+  ${PROJECT_BINARY_DIR}/VorlaneConfig.cmake INSTALL_DESTINATION ${vorlane_package_dir})
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/VorlaneConfigVersion.cmake
   VERSION ${vorlane_version} COMPATIBILITY SameMinorVersion)
-install(FILES ${CMAKE_BINARY_DIR}/VorlaneConfig.cmake
-              ${CMAKE_BINARY_DIR}/VorlaneConfigVersion.cmake
+install(FILES ${PROJECT_BINARY_DIR}/VorlaneConfig.cmake
+              ${PROJECT_BINARY_DIR}/VorlaneConfigVersion.cmake
   DESTINATION ${vorlane_package_dir})
 
 # From the folder of the pkg-config files back to the prefix, so that an installation can be moved.
 file(RELATIVE_PATH pc_prefix /${CMAKE_INSTALL_LIBDIR}/pkgconfig /)
 foreach(library imgbuf vorlanepic vorlane)
-  configure_file(cmake/${library}.pc.in ${CMAKE_BINARY_DIR}/${library}.pc @ONLY)
-  install(FILES ${CMAKE_BINARY_DIR}/${library}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
+  configure_file(cmake/${library}.pc.in ${PROJECT_BINARY_DIR}/${library}.pc @ONLY)
+  install(FILES ${PROJECT_BINARY_DIR}/${library}.pc DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig)
 endforeach()

@@ -28,8 +28,9 @@ static uint8_t* DrawScan(vorlane_image* scan) {
   const double cosine = 0.99862953; /* of 3 degrees */
   const double sine = 0.05233596;
   for (int32_t i = 0; pixels != NULL && i < scan->width * scan->height; ++i) {
+    const int32_t row = i / scan->width;
     const double x = i % scan->width - 199.5;
-    const double y = i / scan->width - 249.5;
+    const double y = row - 249.5;
     const double right = x * cosine + y * sine;
     const double down = y * cosine - x * sine;
     pixels[i] = Magnitude(right) <= 140 && Magnitude(down) <= 180 ? 230 : 20;

@@ -1,5 +1,4 @@
 // The profile reader on files of any bytes.
-#include <algorithm>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -17,12 +16,6 @@ namespace {
 const char* const kSections[] = {"S", "[", "]", "ImageDeskew", "a b", "#"};
 const char* const kKeys[] = {"K", "", "a b", "+", "[", "SegmentLen"};
 
-bool IsStatus(int32_t status) {
-  const int32_t known[] = {frame::kProfileFound, frame::kProfileNoSection, frame::kProfileNoKey,
-                           frame::kProfileMalformedLine, frame::kProfileValueTooLong};
-  return std::find(std::begin(known), std::end(known), status) != std::end(known);
-}
-
 void RequireSoundValue(const frame::ProfileText& value) {
   Require(value.length <= frame::kProfileLineCapacity, "a value fits into a line");
   Require(value.text[value.length] == '\0', "a value ends with a zero");
@@ -34,9 +27,9 @@ void RequireSoundValue(const frame::ProfileText& value) {
 
 // In storage of the exact size, so that a sanitizer sees a byte written too many.
 void RequireSameText(const frame::ProfileText& value, uint32_t size, const char* section,
-                     const char* key, const char* path) {
+                     const char* key, const frame::Profile& profile) {
   const auto out = std::make_unique<char[]>(size_t{size} + 1);
-  const uint32_t length = frame::ReadProfileText(section, key, "d", out.get(), size, path);
+  const size_t length = profile.Text(section, key, "d", out.get(), size);
   const std::string_view expected =
       value.length > size ? value.view().substr(0, size - 1) : value.view();
   Require(std::string_view(out.get(), length) == expected && out[length] == '\0',
@@ -56,18 +49,18 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   bytes += input.RestAsText();
   const testing::ProfileOnDisk file(bytes);
 
+  frame::Profile profile;
+  Require(profile.Load(file.path()) == frame::FileRead::kDone, "the file is read");
   frame::ProfileText value;
-  const int32_t status = frame::FindProfileValue(file.path(), section, key, &value);
-  Require(IsStatus(status), "a search ends with one of its statuses");
-  if (status == frame::kProfileFound) RequireSoundValue(value);
+  const bool isFound = profile.Find(section, key, &value) == frame::ProfileStatus::kFound;
+  if (isFound) RequireSoundValue(value);
 
-  if (*key == '\0') return 0;  // found where a key is blank, but refused by the readers
-  const int32_t number = frame::ReadProfileInt(section, key, -7, file.path());
-  if (status != frame::kProfileFound || value.length == 0) {
+  const int32_t number = profile.Int(section, key, -7);
+  if (!isFound || value.length == 0) {
     Require(number == -7, "a failed or empty read gives the default");
   } else {
     Require(number >= 0, "a number is never negative");
   }
-  if (status == frame::kProfileFound) RequireSameText(value, textSize, section, key, file.path());
+  if (isFound) RequireSameText(value, textSize, section, key, profile);
   return 0;
 }

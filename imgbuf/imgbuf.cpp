@@ -35,6 +35,12 @@ bool IsPossibleShape(int32_t width, int32_t height, int32_t bitsPerPixel) {
          PaddedRowBytes(width, bitsPerPixel) <= INT32_MAX / int64_t{height};
 }
 
+// The row table of an image, padded so that the pixels behind it are aligned.
+int64_t RowTableBytes(int32_t height) {
+  constexpr int64_t kStep = imgbuf::kBlockAlignment;
+  return (height * int64_t{sizeof(uint8_t*)} + kStep - 1) / kStep * kStep;
+}
+
 int32_t PaletteEntries(int32_t bitsPerPixel) { return bitsPerPixel <= 8 ? 1 << bitsPerPixel : 0; }
 
 // Black to white in equal steps.
@@ -52,18 +58,16 @@ int32_t IMGBUF_CALL Imgbuf_New(ImageRec* image, int32_t width, int32_t height, i
   if (image == nullptr || !IsPossibleShape(width, height, bitsPerPixel)) return kRefused;
 
   // One block: the row table, padded to an alignment step, then the pixels.
-  const auto rowCount = static_cast<size_t>(height);
-  const auto lineBytes = static_cast<size_t>(PaddedRowBytes(width, bitsPerPixel));
-  const size_t tableBytes = (rowCount * sizeof(uint8_t*) + imgbuf::kBlockAlignment - 1) /
-                            imgbuf::kBlockAlignment * imgbuf::kBlockAlignment;
-  const size_t imageBytes = lineBytes * rowCount;
-  if (imageBytes > SIZE_MAX - tableBytes) return kNoMemory;
-  void* block = imgbuf::AllocateBlock(tableBytes + imageBytes);
+  const int64_t tableBytes = RowTableBytes(height);
+  const int64_t lineBytes = PaddedRowBytes(width, bitsPerPixel);
+  const int64_t imageBytes = lineBytes * height;
+  if (tableBytes + imageBytes > INT32_MAX) return kRefused;
+  void* block = imgbuf::AllocateBlock(static_cast<size_t>(tableBytes + imageBytes));
   if (block == nullptr) return kNoMemory;
 
   auto** rows = static_cast<uint8_t**>(block);
   uint8_t* pixels = static_cast<uint8_t*>(block) + tableBytes;
-  for (size_t y = 0; y < rowCount; ++y) rows[y] = pixels + y * lineBytes;
+  for (int32_t y = 0; y < height; ++y) rows[y] = pixels + y * lineBytes;
   *image = {width,
             height,
             bitsPerPixel,

@@ -1,5 +1,6 @@
 """Builds the package by the project's own CMake files; the rest stands in pyproject.toml."""
 
+import os
 import re
 import subprocess
 import sys
@@ -25,8 +26,10 @@ class CMakeBuild(build_ext):
         }
         settings = [f"-D{name}={value}" for name, value in options.items()]
         subprocess.run(["cmake", "-S", PROJECT, "-B", build, *settings], check=True)
-        make = ["cmake", "--build", build, "--parallel", "--target"]
-        subprocess.run([*make, "vorlane_python"], check=True)
+        jobs = str(os.cpu_count() or 1)
+        subprocess.run(
+            ["cmake", "--build", build, "--parallel", jobs, "--target", "vorlane_python"], check=True
+        )
         subprocess.run(
             ["cmake", "--install", build, "--component", "python", "--prefix", wheel, "--strip"],
             check=True,

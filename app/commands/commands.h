@@ -6,6 +6,7 @@
 
 namespace vorlane::commands {
 
+CommandRun AddDetect(CLI::App* app);
 CommandRun AddStraighten(CLI::App* app);
 CommandRun AddCrop(CLI::App* app);
 CommandRun AddAngle(CLI::App* app);

@@ -3,8 +3,9 @@
 #include <array>
 #include <cstdio>
 #include <memory>
+#include <mutex>
+#include <utility>
 
-#include "app/batch/page_set.h"
 #include "app/commands/commands.h"
 #include "app/commands/deskew_options.h"
 #include "app/commands/fill_colour.h"
@@ -18,6 +19,7 @@ namespace {
 
 struct CropOptions {
   batch::BatchRequest batch;
+  TurnReport report;
   ThresholdOptions threshold;
   DeskewOptions deskew;
   int32_t interpolation = INTERP_BICUBIC;
@@ -25,6 +27,13 @@ struct CropOptions {
   FillColour fill;
   bool oneGeometry = false;
 };
+
+void ReleaseAll(std::vector<ImageRec>* images) {
+  for (ImageRec& image : *images) {
+    if (image.pixels != nullptr) Imgbuf_Destory(&image);
+    image = ImageRec{};
+  }
+}
 
 void FinishOutcome(int32_t method, double angle, const ImageRec& image,
                    judging::TurnOutcome* outcome) {
@@ -50,7 +59,7 @@ judging::TurnOutcome CropSet(const CropOptions& options, const std::vector<Image
         pages, {options.interpolation, threshold, options.corner, fill.data(), param, false},
         &angle, results->data(), outcome.page.get());
   });
-  if (outcome.status != STATUS_OK) batch::ReleaseAll(results);
+  if (outcome.status != STATUS_OK) ReleaseAll(results);
   FinishOutcome(MethodOf(options.deskew), angle, pages[0], &outcome);
   return outcome;
 }
@@ -92,21 +101,49 @@ void AddCropSettings(CLI::App* command, const std::shared_ptr<CropOptions>& opti
 // Checked before any page is touched; a profile's values are known to the library only.
 void CheckProfile(const CropOptions& options) { (void)ParamOf(options.deskew); }
 
+// The pages of a file with the first one's geometry: one outcome, told of each with its own picture.
+std::vector<batch::PageOutcome> CropTogether(const CropOptions& options,
+                                             const std::vector<files::Page>& pages) {
+  const ImageRec& first = *pages[0].image.rec();
+  std::vector<ImageRec> records;
+  for (const files::Page& page : pages) {
+    const ImageRec& image = *page.image.rec();
+    if (image.width != first.width || image.height != first.height ||
+        image.bitsPerPixel != first.bitsPerPixel) {
+      throw files::FileError(page.file + ": page " + std::to_string(page.number) +
+                             " differs from the first in size or depth; run it without "
+                             "--one-geometry");
+    }
+    records.push_back(image);
+  }
+  const int32_t given = options.threshold.threshold;
+  std::vector<ImageRec> results(pages.size());
+  const auto outcome = std::make_shared<judging::TurnOutcome>(
+      CropSet(options, records, given >= 0 ? given : Preferred(options, first), &results));
+  std::vector<batch::PageOutcome> outcomes;
+  for (size_t i = 0; i < pages.size(); ++i) {
+    *outcome->result.rec() = std::exchange(results[i], ImageRec{});
+    outcomes.push_back(OutcomeOf(options.report, pages[i], outcome));
+    (void)outcome->result.Release();
+  }
+  return outcomes;
+}
+
 int RunCrop(const std::shared_ptr<CropOptions>& options) {
-  options->batch.command = "crop";
   CheckProfile(*options);
   if (options->oneGeometry) {
-    return batch::RunPageSets(options->batch, [&](const std::vector<ImageRec>& pages,
-                                                  std::vector<ImageRec>* results) {
-      const int32_t given = options->threshold.threshold;
-      return CropSet(*options, pages, given >= 0 ? given : Preferred(*options, pages[0]), results);
+    std::mutex turns;
+    return batch::RunPageSets(options->batch, [&](const std::vector<files::Page>& pages) {
+      const std::lock_guard lock(turns);
+      return CropTogether(*options, pages);
     });
   }
-  return batch::RunBatch(options->batch, [&](const files::Page& page) {
+  const auto service = ServiceOf(options->report, [&](const files::Page& page) {
     return RunThresholds(
         options->threshold, Preferred(*options, *page.image.rec()), *page.image.rec(),
         [&](int32_t threshold) { return CropPage(*options, *page.image.rec(), threshold); });
   });
+  return batch::RunBatch(options->batch, service);
 }
 
 }  // namespace
@@ -115,7 +152,7 @@ CommandRun AddCrop(CLI::App* app) {
   auto options = std::make_shared<CropOptions>();
   CLI::App* command =
       app->add_subcommand("crop", "Deskew and crop by a chosen method, settings or a profile");
-  AddBatchOptions(command, &options->batch);
+  AddBatchOptions(command, &options->batch, &options->report);
   AddInterpolationOption(command, &options->interpolation);
   AddCropSettings(command, options);
   command
@@ -133,7 +170,10 @@ CommandRun AddCrop(CLI::App* app) {
       "  vorlane crop box/*.tif -o out/ --profile sample-profile.ini\n"
       "  vorlane crop exposures.tif -o cut.tif --one-geometry\n"
       "The angle is the turn that was made, in degrees, clockwise positive.");
-  return [options] { return RunCrop(options); };
+  return [options, command] {
+    FinishRequest(*command, &options->batch);
+    return RunCrop(options);
+  };
 }
 
 CommandRun AddAngle(CLI::App* app) {
@@ -146,14 +186,16 @@ CommandRun AddAngle(CLI::App* app) {
       "Examples:\n"
       "  vorlane angle scan.tif --method 1\n"
       "  vorlane angle box/*.png --json");
-  return [options] {
-    options->batch.command = "angle";
+  return [options, command] {
+    FinishRequest(*command, &options->batch);
+    options->report.makesPages = false;
     CheckProfile(*options);
-    return batch::RunBatch(options->batch, [&](const files::Page& page) {
+    const auto service = ServiceOf(options->report, [&](const files::Page& page) {
       return RunThresholds(
           options->threshold, Preferred(*options, *page.image.rec()), *page.image.rec(),
           [&](int32_t threshold) { return MeasureAngle(*options, *page.image.rec(), threshold); });
     });
+    return batch::RunBatch(options->batch, service);
   };
 }
 

@@ -81,10 +81,12 @@ DeskewCropParam ParamOf(const DeskewOptions& options) {
 }
 
 int32_t MethodOf(const DeskewOptions& options) {
-  const int32_t method = options.profile.empty()
-                             ? options.method
-                             : vorlanepic::frame::ReadProfileInt("ImageDeskew", "DeskewMethod", 2,
-                                                                 options.profile.c_str());
+  int32_t method = options.method;
+  if (!options.profile.empty()) {
+    vorlanepic::frame::Profile profile;
+    profile.Load(options.profile.c_str());
+    method = profile.Int("ImageDeskew", "DeskewMethod", 2);
+  }
   return method == 1 || method == 3 ? method : 2;
 }
 

@@ -14,6 +14,7 @@ namespace {
 
 struct FormOptions {
   batch::BatchRequest batch;
+  TurnReport report;
   DeskewOptions deskew;
   int32_t threshold = -1;
   int32_t dpi = 0;
@@ -33,7 +34,7 @@ judging::TurnOutcome StraightenForm(const FormOptions& options, const files::Pag
 
   ScratchDib source;
   outcome.status =
-      MakeDib(image, options.dpi > 0 ? options.dpi : page.xDpi, RowOrder::kBottomFirst, &source);
+      MakeDib(image, options.dpi > 0 ? options.dpi : page.Dpi(), RowOrder::kBottomFirst, &source);
   if (outcome.status != STATUS_OK) return outcome;
   ScratchDib result;
   const DeskewCropParam param = ParamOf(options.deskew);
@@ -59,7 +60,7 @@ CommandRun AddForm(CLI::App* app) {
   auto options = std::make_shared<FormOptions>();
   CLI::App* command = app->add_subcommand(
       "form", "Straighten and crop a form by its printed reference bar: one long, thin, solid bar");
-  AddBatchOptions(command, &options->batch);
+  AddBatchOptions(command, &options->batch, &options->report);
   AddInterpolationOption(command, &options->interpolation);
   AddBarPageOptions(command, &options->threshold, &options->dpi);
   AddContentOptions(command, &options->deskew);
@@ -71,11 +72,12 @@ CommandRun AddForm(CLI::App* app) {
       "Examples:\n"
       "  vorlane form sheets.tif -o forms.tif --overlay found/\n"
       "  vorlane form photo.jpg -o form.png --dpi 150 --profile sample-profile.ini");
-  return [options] {
-    options->batch.command = "form";
+  return [options, command] {
+    FinishRequest(*command, &options->batch);
     (void)ParamOf(options->deskew);
-    return batch::RunBatch(options->batch,
-                           [&](const files::Page& page) { return StraightenForm(*options, page); });
+    const auto service = ServiceOf(
+        options->report, [&](const files::Page& page) { return StraightenForm(*options, page); });
+    return batch::RunBatch(options->batch, service);
   };
 }
 

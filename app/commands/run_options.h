@@ -7,6 +7,7 @@
 #include <CLI/CLI.hpp>
 
 #include "app/batch/batch.h"
+#include "app/commands/turn_report.h"
 #include "app/judge/judgement.h"
 
 namespace vorlane::commands {
@@ -14,11 +15,20 @@ namespace vorlane::commands {
 // What a command does once its options are read; returns an ExitCode.
 using CommandRun = std::function<int()>;
 
-// INPUT..., -o, --overlay, --json, --overwrite ..., for commands that write pages.
-void AddBatchOptions(CLI::App* app, batch::BatchRequest* request);
+// What is read, where it goes and how the run goes on, for commands that write pages.
+void AddBatchOptions(CLI::App* app, batch::BatchRequest* request, TurnReport* report);
 
-// INPUT..., --overlay, --json and what overlays need, for commands that only measure.
+// The same for commands that only measure.
 void AddMeasureOptions(CLI::App* app, batch::BatchRequest* request);
+
+// The part of both that names the inputs, and the part that says how the run goes on.
+void AddInputOptions(CLI::App* app, batch::BatchRequest* request);
+void AddRunOptions(CLI::App* app, batch::BatchRequest* request);
+
+// Completes a request when the command line is read: the command's name, and the SHA-256 of all
+// options that decide what is written, with the bytes of a profile. Throws UsageError when options
+// contradict each other.
+void FinishRequest(const CLI::App& command, batch::BatchRequest* request);
 
 // --threshold N and --dpi N, for commands that look for a reference bar.
 void AddBarPageOptions(CLI::App* app, int32_t* threshold, int32_t* dpi);

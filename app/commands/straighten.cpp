@@ -11,6 +11,7 @@ namespace {
 
 struct StraightenOptions {
   batch::BatchRequest batch;
+  TurnReport report;
   ThresholdOptions threshold;
   int32_t interpolation = INTERP_BICUBIC;
   int32_t background = 0;
@@ -40,7 +41,7 @@ CommandRun AddStraighten(CLI::App* app) {
   auto options = std::make_shared<StraightenOptions>();
   CLI::App* command = app->add_subcommand(
       "straighten", "Find the page on a darker background, turn it upright and cut it out");
-  AddBatchOptions(command, &options->batch);
+  AddBatchOptions(command, &options->batch, &options->report);
   AddInterpolationOption(command, &options->interpolation);
   AddThresholdOptions(command, &options->threshold);
   command
@@ -55,13 +56,14 @@ CommandRun AddStraighten(CLI::App* app) {
       "  vorlane straighten box/*.jpg -o out/ --try-thresholds\n"
       "  vorlane straighten book.tif -o 'pages/{name}-{page}.png' --json\n"
       "The angle is the turn that was made, in degrees, clockwise positive.");
-  return [options] {
-    options->batch.command = "straighten";
-    return batch::RunBatch(options->batch, [&](const files::Page& page) {
+  return [options, command] {
+    FinishRequest(*command, &options->batch);
+    const auto service = ServiceOf(options->report, [&](const files::Page& page) {
       return RunThresholds(options->threshold, 0, *page.image.rec(), [&](int32_t threshold) {
         return Straighten(*options, *page.image.rec(), threshold);
       });
     });
+    return batch::RunBatch(options->batch, service);
   };
 }
 

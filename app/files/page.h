@@ -2,10 +2,13 @@
 #pragma once
 
 #include <cstdint>
-#include <stdexcept>
+#include <functional>
 #include <string>
 #include <vector>
 
+#include "app/files/errors.h"
+#include "app/files/metadata.h"
+#include "app/files/page_coding.h"
 #include "frame/scratch.h"
 
 namespace vorlane::files {
@@ -14,20 +17,25 @@ struct Page {
   std::string file;
   int32_t number = 1;                     // 1 for the file's first page
   int32_t count = 1;                      // pages in the file
-  vorlanepic::frame::ScratchImage image;  // 1, 8 or 24 bits per pixel
-  int32_t xDpi = 0;                       // dots per inch; 0: the file does not say
-  int32_t yDpi = 0;
-  std::vector<std::string> notes;  // what reading it changed, in words
+  vorlanepic::frame::ScratchImage image;  // 1, 8 or 24 bits per pixel, the right way up
+  Metadata metadata;
+  PageCoding coding;
+  std::vector<std::string> notes;     // what reading it changed, in words
+  std::vector<std::string> messages;  // what the decoder remarked on without harm
+
+  // Whole dots per inch across, as the services take them; 0: the file does not say.
+  int32_t Dpi() const { return static_cast<int32_t>(metadata.resolution.x + 0.5); }
 };
 
-// A file that cannot be read or written; the text names it and says what to do.
-struct FileError : std::runtime_error {
-  using std::runtime_error::runtime_error;
-};
+// Called with a page's size before anything of it is decoded, at least once; may wait until there is
+// memory for it.
+using SizeGate = std::function<void(uint64_t width, uint64_t height)>;
 
-// A request that cannot be carried out as it was put.
-struct UsageError : std::runtime_error {
-  using std::runtime_error::runtime_error;
+// What a file may ask of us; a page beyond is refused before anything of it is decoded.
+struct ReadLimits {
+  int64_t mostPixels = int64_t{1} << 31;  // in a page
+  int32_t mostPages = 1'000'000;          // in a file
+  SizeGate gate;                          // null: a page of any size may be decoded at once
 };
 
 }  // namespace vorlane::files

@@ -21,14 +21,18 @@ int32_t RunCrop(std::span<const ImageRec> images, const CropRun& run, double* an
                 ImageRec* results, deskew::PageRecords* page) {
   Settings settings{};
   settings.AngleOnlyFlag = run.angleOnly ? 1 : 0;
-  const int32_t method = deskew::ChosenMethod(run.param);
+  vorlanepic::frame::Profile profile;
+  const int32_t status = deskew::LoadProfile(run.param, &profile);
+  if (status != STATUS_OK) return status;
+  const int32_t method = deskew::ChosenMethod(run.param, profile);
   if (method != 1 && method != 3) {
-    if (!deskew::AssignDeskewCropSettings(run.param, &settings)) return BAD_ARGUMENT;
+    if (!deskew::AssignDeskewCropSettings(run.param, profile, &settings)) return BAD_ARGUMENT;
     return deskew::DeskewCropPipeline(settings, images.data(), images.size(),
                                       {run.interpolation, run.threshold, run.fill}, angle, results,
                                       page);
   }
-  if (!deskew::AssignPrunedRotationSettings(run.param, method, &settings)) return BAD_ARGUMENT;
+  if (!deskew::AssignPrunedRotationSettings(run.param, profile, method, &settings))
+    return BAD_ARGUMENT;
   const deskew::PrunedRotationOptions options{run.interpolation, run.threshold, 0, run.cornerOption,
                                               run.fill};
   return deskew::RunCheckedPrunedRotation(settings, images.data(), options, angle, results,
@@ -38,10 +42,14 @@ int32_t RunCrop(std::span<const ImageRec> images, const CropRun& run, double* an
 int32_t RunForm(const DibRec& form, const deskew::LineDeskewOptions& options,
                 const DeskewCropParam& param, double* degrees, DibRec* result,
                 deskew::PageRecords* page, vorlanepic::omr::BarRecords* bar) {
-  const int32_t status = ImgbufCheck(&form);
+  int32_t status = ImgbufCheck(&form);
+  if (status != STATUS_OK) return status;
+  vorlanepic::frame::Profile profile;
+  status = deskew::LoadProfile(param, &profile);
   if (status != STATUS_OK) return status;
   Settings settings{};
-  const vorlanepic::omr::BarLimits limits = deskew::AssignLineGuidedSettings(param, &settings);
+  const vorlanepic::omr::BarLimits limits =
+      deskew::AssignLineGuidedSettings(param, profile, &settings);
   return deskew::RunLineDeskew(settings, &form, 1, limits, options, degrees, result, page, bar);
 }
 

@@ -1,8 +1,10 @@
-# The target package-win32: one archive with what a host needs.
-set(package_name vorlanepic-${PROJECT_VERSION}-win32)
+# The target package-win32 or package-win64: one archive with what a host needs.
+set(package_name vorlanepic-${PROJECT_VERSION}-${VORLANEPIC_WINDOWS})
 set(package_dir ${CMAKE_BINARY_DIR}/package/${package_name})
 set(package_file ${CMAKE_BINARY_DIR}/${package_name}.zip)
-add_custom_target(package-win32
+math(EXPR bits "8 * ${CMAKE_SIZEOF_VOID_P}")
+configure_file(${PROJECT_SOURCE_DIR}/docs/windows-readme.txt ${PROJECT_BINARY_DIR}/README.txt @ONLY)
+add_custom_target(package-${VORLANEPIC_WINDOWS}
   COMMAND ${CMAKE_COMMAND} -E rm -rf ${package_dir} ${package_file}
   COMMAND ${CMAKE_COMMAND} -E make_directory
           ${package_dir}/bin ${package_dir}/lib ${package_dir}/include ${package_dir}/examples
@@ -18,8 +20,7 @@ add_custom_target(package-win32
   COMMAND ${CMAKE_COMMAND} -E copy
           ${PROJECT_SOURCE_DIR}/docs/sample-profile.ini
           ${PROJECT_SOURCE_DIR}/docs/hosts-guide.md ${package_dir}/docs
-  COMMAND ${CMAKE_COMMAND} -E copy
-          ${PROJECT_SOURCE_DIR}/docs/windows-readme.txt ${package_dir}/README.txt
+  COMMAND ${CMAKE_COMMAND} -E copy ${PROJECT_BINARY_DIR}/README.txt ${package_dir}
   COMMAND ${CMAKE_COMMAND} -E chdir ${CMAKE_BINARY_DIR}/package
           ${CMAKE_COMMAND} -E tar cf ${package_file} --format=zip ${package_name}
   DEPENDS vorlanepic imgbuf

@@ -16,4 +16,9 @@ namespace vorlane::evidence {
 int32_t TraceBorders(const PageLevels& page, uint8_t threshold,
                      vorlanepic::analysis::BorderTraces* traces);
 
+// Lets the traced borders vote for an angle, *degrees by which the page lies turned clockwise.
+//
+// Returns STATUS_OK; ANGLE_NOT_FOUND when they give none; OUT_OF_MEMORY.
+int32_t LetBordersVote(const vorlanepic::analysis::BorderTraces& traces, double* degrees);
+
 }  // namespace vorlane::evidence

@@ -12,7 +12,7 @@ using vorlanepic::frame::ScratchArray;
 // Pixels looked at along the picture's longer side.
 constexpr int32_t kSamples = 800;
 // Light counts that is beyond a side for this share of the longer side.
-constexpr double kLeastShare = 0.02;
+constexpr double kLeastShare = 0.01;
 // The soft edge of the page itself, in pixels.
 constexpr double kSoftEdge = 2.0;
 

@@ -17,7 +17,7 @@ double FirstGapBeyond(const PageLevels& page, uint8_t threshold,
                       std::span<const HalfPlane, kSides> region, Side side);
 
 // How far beyond each side of `region` the picture stays at or above `threshold` without a dark
-// gap, in pixels; 0 where it does not, or only for less than a fiftieth of the picture's longer
+// gap, in pixels; 0 where it does not, or only for less than a hundredth of the picture's longer
 // side, as a scanner's streaks, hairs and dust do.
 //
 //   region  the page's sides in the order of Side, of normals of length 1, in pixels

@@ -2,6 +2,7 @@
 // light are looked at.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <span>
 
@@ -37,6 +38,8 @@ class PageLevels {
   int32_t height() const { return image_.height; }
   int32_t size() const { return image_.width > image_.height ? image_.width : image_.height; }
   const uint8_t* Row(int32_t y) const { return rows_[static_cast<size_t>(y)]; }
+  // From a row to the one below; negative where the caller's top row is the last in memory.
+  ptrdiff_t lineBytes() const { return height() > 1 ? Row(1) - Row(0) : width(); }
   // The levels for the core's stages, which only read them.
   const ImageRec& image() const { return image_; }
   const ReducedPicture& reduced() const { return reduced_; }

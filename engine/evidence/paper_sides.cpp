@@ -34,22 +34,26 @@ bool IsStreak(const SideLine& line, int32_t extent) {
          line.to >= extent - kStreakEnd && line.straight >= kStreakStraight;
 }
 
-int32_t FindSidesAt(const PageLevels& page, uint8_t threshold, SideSet* set) {
+int32_t FindSidesAt(const PageLevels& page, size_t threshold, PaperSides* sides) {
   vorlanepic::analysis::BorderTraces traces;
-  int32_t status = TraceBorders(page, threshold, &traces);
+  int32_t status = TraceBorders(page, sides->thresholds.levels[threshold], &traces);
   if (status == BORDER_NOT_FOUND) return STATUS_OK;
   if (status != STATUS_OK) return status;
   const std::array<const vorlanepic::analysis::SideTrace*, kSides> order{
       &traces.top, &traces.right, &traces.bottom, &traces.left};
-  for (size_t i = 0; i < kSides && status == STATUS_OK; ++i) {
-    SideLine& line = (*set)[i];
+  for (size_t i = 0; i < kSides; ++i) {
+    SideLine& line = sides->sets[threshold][i];
     status = FitSide(*order[i], kAllSides[i], page.width(), page.height(), &line);
+    if (status != STATUS_OK) return status;
     if (!line.isSeen) continue;
-    line.contrast = ContrastOf(page, kAllSides[i], line);
+    MeasureContrast(page, kAllSides[i], &line);
     line.isSeen = line.contrast >= kLeastContrast;
     line.isFrameLike = IsStreak(line, RunsAcross(kAllSides[i]) ? page.width() : page.height());
   }
-  return status;
+  if (threshold > 0) return STATUS_OK;
+  status = LetBordersVote(traces, &sides->voteDegrees);
+  sides->hasVote = status == STATUS_OK;
+  return status == OUT_OF_MEMORY ? status : STATUS_OK;
 }
 
 // How far the middle of a side lies from the picture's own edge.
@@ -98,14 +102,20 @@ SideGroup GroupOf(const PageLevels& page, const SideSet& set, uint32_t members, 
   return group;
 }
 
+// Spreads in steps of a tenth of a degree: within one, length tells more.
+int32_t SpreadClass(const SideGroup& group) { return static_cast<int32_t>(group.spread * 10.0); }
+
 // Sides are told first by how many there are, then by whether both directions are among them; a
 // larger spread outweighs length.
 bool IsBetter(const SideGroup& a, const SideGroup& b) {
   if (a.isRim != b.isRim) return !a.isRim;
   if (a.count != b.count) return a.count > b.count;
   if (a.HasBothDirections() != b.HasBothDirections()) return a.HasBothDirections();
-  if (std::abs(a.spread - b.spread) > 0.1) return a.spread < b.spread;
-  return a.weight > b.weight;
+  const int32_t spreadA = SpreadClass(a);
+  const int32_t spreadB = SpreadClass(b);
+  if (spreadA != spreadB) return spreadA < spreadB;
+  if (a.weight != b.weight) return a.weight > b.weight;
+  return a.threshold != b.threshold ? a.threshold < b.threshold : a.sides < b.sides;
 }
 
 void AddGroups(const PageLevels& page, size_t threshold, PaperSides* sides) {
@@ -161,13 +171,12 @@ int32_t FindPaperSides(const PageLevels& page, PaperSides* sides) {
   *sides = {};
   sides->thresholds = ChooseThresholds(page);
   for (size_t i = 0; i < sides->thresholds.count; ++i) {
-    const int32_t status = FindSidesAt(page, sides->thresholds.levels[i], &sides->sets[i]);
+    const int32_t status = FindSidesAt(page, i, sides);
     if (status != STATUS_OK) return status;
     AddGroups(page, i, sides);
     LookForQuad(page, i, sides);
   }
-  std::stable_sort(sides->groups.begin(),
-                   sides->groups.begin() + static_cast<ptrdiff_t>(sides->groupCount), IsBetter);
+  std::ranges::sort(std::span(sides->groups).first(sides->groupCount), IsBetter);
   return STATUS_OK;
 }
 

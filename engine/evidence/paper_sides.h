@@ -46,6 +46,9 @@ struct PaperSides {
   // square.
   SideGroup quad;
   bool hasQuad = false;
+  // What the borders vote for at the first threshold.
+  double voteDegrees = 0.0;
+  bool hasVote = false;
 
   std::span<const SideGroup> view() const { return std::span(groups).first(groupCount); }
   const SideSet& SidesOf(const SideGroup& group) const { return sets[group.threshold]; }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <span>
 
 namespace vorlane::evidence {
 namespace {
@@ -28,24 +29,31 @@ int32_t LevelBeside(const PageLevels& page, Side side, int32_t along, int32_t ac
   return sum / (kFurthest - kNearest + 1);
 }
 
+double MedianOf(std::span<int32_t> values) {
+  const auto middle = values.begin() + static_cast<ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
+
 }  // namespace
 
-double ContrastOf(const PageLevels& page, Side side, const SideLine& line) {
+void MeasureContrast(const PageLevels& page, Side side, SideLine* line) {
   const int32_t inwards = side == Side::kTop || side == Side::kLeft ? 1 : -1;
   std::array<int32_t, kPlaces> steps{};
+  std::array<int32_t, kPlaces> levels{};
   size_t count = 0;
   for (int32_t i = 0; i < kPlaces; ++i) {
-    const double along = line.from + line.length() * (i + 0.5) / kPlaces;
-    const auto across = static_cast<int32_t>(std::lround(line.At(along)));
+    const double along = line->from + line->length() * (i + 0.5) / kPlaces;
+    const auto across = static_cast<int32_t>(std::lround(line->At(along)));
     const auto place = static_cast<int32_t>(along);
     const int32_t inside = LevelBeside(page, side, place, across, inwards);
     const int32_t outside = LevelBeside(page, side, place, across, -inwards);
-    if (inside >= 0 && outside >= 0) steps[count++] = inside - outside;
+    if (inside < 0 || outside < 0) continue;
+    levels[count] = outside;
+    steps[count++] = inside - outside;
   }
-  if (count == 0) return 0.0;
-  const auto middle = steps.begin() + static_cast<ptrdiff_t>(count / 2);
-  std::nth_element(steps.begin(), middle, steps.begin() + static_cast<ptrdiff_t>(count));
-  return *middle;
+  line->contrast = count > 0 ? MedianOf(std::span(steps).first(count)) : 0.0;
+  line->outside = count > 0 ? MedianOf(std::span(levels).first(count)) : 0.0;
 }
 
 }  // namespace vorlane::evidence

@@ -6,8 +6,9 @@
 
 namespace vorlane::evidence {
 
-// The levels by which the picture is lighter 2 to 4 pixels inside `line` than as far outside: the
-// median of 64 places between its ends. 0 where all of them lie at the picture's edge.
-double ContrastOf(const PageLevels& page, Side side, const SideLine& line);
+// Writes line->outside, the level 2 to 4 pixels outside the line, and line->contrast, by how much
+// it is lighter as far inside: the medians of 64 places between the line's ends. Both are 0 where
+// all of them lie at the picture's edge.
+void MeasureContrast(const PageLevels& page, Side side, SideLine* line);
 
 }  // namespace vorlane::evidence

@@ -37,7 +37,9 @@ constexpr double kLeastPage = 0.1;
 constexpr double kLightSlack = 0.004;
 // A side beyond whose end a neighbouring one goes on by this share is none of the sheet's.
 constexpr double kOvershoot = 0.005;
-constexpr double kOnFrame = 0.5;
+constexpr double kOnFrame = 0.25;
+// A line is no side where so much of the trace beside it runs at the picture's edge.
+constexpr double kContradicted = 0.3;
 // A side is looked for from inside from this far within the ends of its neighbours, and a gap is
 // the page's end where it begins no further beyond them; shares of the longer side.
 constexpr double kStartInside = 0.015;
@@ -45,6 +47,12 @@ constexpr double kGapWithin = 0.025;
 // What a side that was found from inside has to be: straight, and lighter than the gap.
 constexpr double kInnerStraight = 0.6;
 constexpr double kInnerContrast = 8.0;
+// A line beyond the ends of both its neighbours by this share is another sheet's.
+constexpr double kTooFar = 0.025;
+// What lies outside a side is lighter than outside the others by this much where it is no surround
+// but a bar on the sheet; bars that the frame cuts lie this near to it.
+constexpr double kBarLevels = 15.0;
+constexpr double kBarShare = 0.04;
 // Where the page runs off the picture, its other sides end this near to the frame.
 constexpr double kFrameShare = 0.02;
 constexpr int32_t kInkSamples = 500;
@@ -91,12 +99,14 @@ class Cutter {
 
   bool Find(const InkPicture& ink, double outwards, Cut* cut) {
     *cut = {};
-    group_ = decision_.group != nullptr ? decision_.group : PaperOfPrint();
+    PickGroup();
     if (group_ == nullptr) {
       cut->rect = WholePicture(decision_.degrees, page_.width(), page_.height());
       return true;
     }
     PickLines();
+    DropBars();
+    DropFarLines();
     if (!LookFromInside()) return false;
     const std::array<HalfPlane, kSides> region = Region();
     if (!evidence::MeasureLightBeyond(page_, Threshold(), region, &beyond_)) return false;
@@ -107,13 +117,16 @@ class Cutter {
         if (IsClosed(side, region)) beyond = 0.0;
         continue;
       }
+      const bool runsOff = RunsOff(side);
       const double gap = GapBeyond(side, region);
       if (std::isfinite(gap)) {
         beyond = gap;
-      } else if (RunsOff(side)) {
+      } else if (runsOff || !HasNeighbour(side)) {
+        // Nothing tells where the page ends before the picture does.
         beyond = 2.0 * page_.size();
         cut->isBelieved = cut->isBelieved && NeighboursReachFrame(side);
       }
+      ++(std::isfinite(gap) || !runsOff ? cut->sidesUnseen : cut->sidesOffFrame);
     }
     cut->rect = Bound(region, outwards, cut);
     cut->inkOutside = InkOutside(ink, cut->rect);
@@ -124,6 +137,16 @@ class Cutter {
 
  private:
   static size_t Index(Side side) { return static_cast<size_t>(side); }
+
+  // A page in perspective is bounded by all its sides, a rim bounds none.
+  void PickGroup() {
+    group_ = decision_.group;
+    if (group_ == nullptr || group_->isRim) group_ = PaperOfPrint();
+    const double off = std::abs(sides_.quad.degrees - decision_.degrees);
+    if (sides_.hasQuad && off <= kPaperDegrees && (group_ == nullptr || group_->count < 4)) {
+      group_ = &sides_.quad;
+    }
+  }
 
   // The paper that the print lies on, where the print alone gave the angle.
   const SideGroup* PaperOfPrint() const {
@@ -174,9 +197,7 @@ class Cutter {
         continue;
       }
       for (const double along : {line->from, line->to}) {
-        const Point end = evidence::RunsAcross(other) ? Point{along, line->At(along)}
-                                                      : Point{line->At(along), along};
-        const Point place = axes_.ToPage(end);
+        const Point place = axes_.ToPage(PointAt(*line, Index(other), along));
         start = std::max(start, sign * (across ? place.y : place.x));
       }
     }
@@ -211,8 +232,7 @@ class Cutter {
       const auto& line = lines_[next];
       if (!line) return false;
       for (const double along : {line->from, line->to}) {
-        const Point end = evidence::RunsAcross(kAllSides[next]) ? Point{along, line->At(along)}
-                                                                : Point{line->At(along), along};
+        const Point end = PointAt(*line, next, along);
         if (plane.Inside(end.x, end.y) < -kOvershoot * page_.size()) return false;
       }
     }
@@ -221,7 +241,9 @@ class Cutter {
 
   uint8_t Threshold() const { return sides_.thresholds.levels[group_->threshold]; }
 
-  bool RunsOff(Side side) const { return sides_.SidesOf(*group_)[Index(side)].onFrame >= kOnFrame; }
+  bool RunsOff(Side side) const {
+    return isBar_[Index(side)] || sides_.SidesOf(*group_)[Index(side)].onFrame >= kOnFrame;
+  }
 
   bool HasNeighbour(Side side) const {
     return lines_[(Index(side) + 1) % kSides] || lines_[(Index(side) + 3) % kSides];
@@ -231,7 +253,7 @@ class Cutter {
   // memory.
   bool LookFromInside() {
     for (const Side side : kAllSides) {
-      if (lines_[Index(side)] || !HasNeighbour(side)) continue;
+      if (lines_[Index(side)] || isBar_[Index(side)] || !HasNeighbour(side)) continue;
       std::array<HalfPlane, kSides> region = Region();
       region[Index(side)].c += kStartInside * page_.size();
       vorlanepic::analysis::SideTrace trace;
@@ -242,15 +264,73 @@ class Cutter {
       }
       if (!line.isSeen || line.straight < kInnerStraight) continue;
       if (std::abs(line.degrees - group_->degrees) > kSameDegrees) continue;
-      if (evidence::ContrastOf(page_, side, line) < kInnerContrast) continue;
+      evidence::MeasureContrast(page_, side, &line);
+      if (line.contrast < kInnerContrast || line.outside > Surround() + kBarLevels) continue;
       lines_[Index(side)] = line;
     }
     return true;
   }
 
+  // The level around the sheet: the darkest outside the group's sides.
+  double Surround() const {
+    double level = 255.0;
+    for (const Side side : kAllSides) {
+      if (group_->Has(side)) level = std::min(level, sides_.SidesOf(*group_)[Index(side)].outside);
+    }
+    return level;
+  }
+
+  // Takes away the lines that both neighbours end before: those of another sheet.
+  void DropFarLines() {
+    const auto lines = lines_;
+    for (const Side side : kAllSides) {
+      const auto& line = lines[Index(side)];
+      const auto& before = lines[(Index(side) + 3) % kSides];
+      const auto& behind = lines[(Index(side) + 1) % kSides];
+      if (!line || !before || !behind) continue;
+      const HalfPlane plane = evidence::InsideOf(*line, side, kTooFar * page_.size());
+      if (EndsInside(*before, (Index(side) + 3) % kSides, plane) &&
+          EndsInside(*behind, (Index(side) + 1) % kSides, plane)) {
+        lines_[Index(side)].reset();
+      }
+    }
+  }
+
+  static Point PointAt(const SideLine& line, size_t side, double along) {
+    return evidence::RunsAcross(kAllSides[side]) ? Point{along, line.At(along)}
+                                                 : Point{line.At(along), along};
+  }
+
+  // Whether both ends of a line lie inside a half plane.
+  static bool EndsInside(const SideLine& line, size_t side, const HalfPlane& plane) {
+    const Point from = PointAt(line, side, line.from);
+    const Point to = PointAt(line, side, line.to);
+    return plane.Inside(from.x, from.y) > 0.0 && plane.Inside(to.x, to.y) > 0.0;
+  }
+
+  // Takes away the lines that are a bar's: the page runs off the picture there.
+  void DropBars() {
+    for (const Side side : kAllSides) {
+      const auto& line = lines_[Index(side)];
+      isBar_[Index(side)] = line && (IsBar(side) || line->contradicted >= kContradicted);
+    }
+    for (const Side side : kAllSides) {
+      if (isBar_[Index(side)]) lines_[Index(side)].reset();
+    }
+  }
+
+  // Whether the dark outside a line is a bar on the sheet that the frame cuts.
+  bool IsBar(Side side) const {
+    const SideLine& line = *lines_[Index(side)];
+    if (line.outside <= Surround() + kBarLevels) return false;
+    const double across = line.At((line.from + line.to) / 2);
+    const double extent = evidence::RunsAcross(side) ? page_.height() : page_.width();
+    return std::min(across, extent - 1.0 - across) <= kBarShare * page_.size();
+  }
+
   // How far beyond its start a side without a line ends at a dark gap, or INFINITY.
   double GapBeyond(Side side, std::span<const HalfPlane, kSides> region) const {
-    if (!HasNeighbour(side)) return INFINITY;
+    if (isBar_[Index(side)] || !HasNeighbour(side)) return INFINITY;
     const double gap = evidence::FirstGapBeyond(page_, Threshold(), region, side);
     return gap <= kGapWithin * page_.size() ? gap : INFINITY;
   }
@@ -282,7 +362,6 @@ class Cutter {
         cut->widened = std::max(cut->widened, beyond_[i] / page_.size());
       } else {
         plane.c -= beyond_[i] + kLightSlack * page_.size();
-        ++cut->sidesUnseen;
       }
       polygon = Clip(polygon, plane);
     }
@@ -319,6 +398,7 @@ class Cutter {
   PageAxes axes_;
   const SideGroup* group_ = nullptr;  // whose lines bound the page
   std::array<std::optional<SideLine>, kSides> lines_;
+  std::array<bool, kSides> isBar_{};
   std::array<double, kSides> beyond_{};  // how far the page goes on beyond each, in pixels
 };
 

@@ -14,10 +14,11 @@ namespace vorlane::judge {
 struct Cut {
   bool isBelieved = false;
   CutRect rect;
-  int32_t sidesUnseen = 0;  // bounded by where the light ends
-  double widened = 0.0;     // the most by which light moved a side's line out, share of the
-                            // picture's longer side
-  double inkOutside = 0.0;  // share
+  int32_t sidesUnseen = 0;    // bounded by where the light ends
+  int32_t sidesOffFrame = 0;  // bounded by the picture's own edge
+  double widened = 0.0;       // the most by which light moved a side's line out, share of the
+                              // picture's longer side
+  double inkOutside = 0.0;    // share
 };
 
 // Bounds the page of `decision` by its sides, moved outwards by `outwards` pixels. A side that was

@@ -22,6 +22,7 @@ constexpr double kSteepPrint = 15.0;
 constexpr double kStraightSpread = 0.45;
 constexpr double kWeakAgreeing = 0.4;
 constexpr double kWeakSideAgreeing = 0.3;
+constexpr double kBarAgreeing = 0.3;
 
 constexpr double kRivalSpread = 0.15;  // by which a rival's sides may lie further apart
 constexpr double kParallel = 0.15;
@@ -39,19 +40,77 @@ constexpr double kWhollyOnFrame = 0.9;
 constexpr double kSharpContrast = 30.0;
 constexpr double kSteepConfidence = 6.0;
 constexpr double kLoneConfidence = 5.0;
+constexpr double kHintConfidence = 1.3;
 
 class Judge {
  public:
-  explicit Judge(const Evidence& evidence) : sides_(evidence.sides), print_(evidence.print) {}
+  explicit Judge(const Evidence& evidence)
+      : sides_(evidence.sides), print_(evidence.print), bars_(evidence.bars) {}
 
-  Decision Decide() const {
+  Decision Decide(By by) const {
+    switch (by) {
+      case By::kPaper:
+        return DecidePaper();
+      case By::kPrint:
+        return DecidePrint();
+      case By::kBar:
+        return DecideBar();
+      default:
+        return DecideAuto();
+    }
+  }
+
+ private:
+  Decision DecideAuto() const {
     const bool hasPrint = print_.strength >= PrintStrength::kFair;
     const Decision decision = hasPrint ? DecideWithPrint() : DecideWithoutPrint();
     return decision.confidence == Confidence::kDoubtful && sides_.hasQuad ? DecideQuad(decision)
                                                                           : decision;
   }
 
- private:
+  // The paper is to stand straight, however the print lies on it.
+  Decision DecidePaper() const {
+    Decision decision = DecideAuto();
+    if (decision.group == nullptr) decision = DecideWithoutPrint();
+    if (decision.group == nullptr) return Refused(Reason::kFewSides);
+    decision.degrees = decision.group->degrees;
+    return decision;
+  }
+
+  Decision DecidePrint() const {
+    if (print_.strength == PrintStrength::kNone) return Refused(Reason::kWeakPrint);
+    const ReasonReport reason{Reason::kPrintAlone, print_.whole.confidence};
+    if (print_.strength == PrintStrength::kWeak) return ByPrint(Confidence::kDoubtful, reason);
+    const Decision decision = DecideWithPrint();
+    const bool isSame = std::abs(decision.degrees - PrintDegrees()) <= kAgreeing;
+    Decision print = ByPrint(Confidence::kLikely, isSame ? decision.reason : reason);
+    if (isSame) print.confidence = decision.confidence;
+    print.group = decision.group;
+    return print;
+  }
+
+  // Sure when every bar and the print lie alike.
+  Decision DecideBar() const {
+    if (bars_.count == 0) return Refused(Reason::kNothingSeen);
+    Decision decision = DecideAuto();
+    const bool hasPrint = print_.strength >= PrintStrength::kFair;
+    const bool agrees = hasPrint && std::abs(PrintDegrees() - bars_.degrees) <= kBarAgreeing;
+    if (bars_.spread > kBarAgreeing || (hasPrint && !agrees)) {
+      decision.confidence = Confidence::kDoubtful;
+    } else {
+      decision.confidence = agrees ? Confidence::kSure : Confidence::kLikely;
+    }
+    decision.degrees = bars_.degrees;
+    decision.reason = {Reason::kBarAgrees, static_cast<double>(bars_.count)};
+    return decision;
+  }
+
+  static Decision Refused(Reason reason) {
+    Decision decision;
+    decision.reason = {reason, 0.0};
+    return decision;
+  }
+
   double PrintDegrees() const { return print_.whole.degrees; }
   double OffPrint(const SideGroup& group) const { return std::abs(group.degrees - PrintDegrees()); }
   bool IsStrong() const { return print_.strength == PrintStrength::kStrong; }
@@ -85,7 +144,6 @@ class Judge {
     decision.confidence = confidence;
     decision.degrees = group.degrees;
     decision.group = &group;
-    decision.printAgrees = print_.strength != PrintStrength::kNone && Agrees(group);
     decision.reason = reason;
     return decision;
   }
@@ -94,8 +152,6 @@ class Judge {
     Decision decision;
     decision.confidence = confidence;
     decision.degrees = PrintDegrees();
-    decision.isByPrint = true;
-    decision.printAgrees = true;
     decision.reason = reason;
     return decision;
   }
@@ -104,12 +160,14 @@ class Judge {
     const SideGroup* agreeing =
         First([this](const SideGroup& group) { return group.count >= 2 && Agrees(group); });
     if (agreeing != nullptr) {
-      const bool isSure = (agreeing->count >= 3 || IsStrong()) && IsStraight(*agreeing);
+      const bool isSure =
+          (agreeing->count >= 3 || IsStrong()) && IsStraight(*agreeing) && !agreeing->isRim;
       return ByBoth(*agreeing, isSure ? Confidence::kSure : Confidence::kLikely);
     }
     const SideGroup* single = First([this](const SideGroup& group) { return Agrees(group); });
     if (single != nullptr) {
-      return ByBoth(*single, IsStrong() ? Confidence::kSure : Confidence::kLikely);
+      const bool isSure = IsStrong() && !single->isRim;
+      return ByBoth(*single, isSure ? Confidence::kSure : Confidence::kLikely);
     }
     return DecideApart();
   }
@@ -190,10 +248,7 @@ class Judge {
       case 2:
         return DecideTwoSides(best);
       default:
-        return ByGroup(
-            best,
-            WeakPrintAgrees(best, kWeakSideAgreeing) ? Confidence::kLikely : Confidence::kDoubtful,
-            {Reason::kFewSides, 1.0});
+        return DecideOneSide(best);
     }
   }
 
@@ -234,19 +289,30 @@ class Judge {
         best.HasBothDirections() && (WeakPrintAgrees(best, kWeakAgreeing) || SidesSeen(best) == 2);
     const bool isStrip = best.HasOpposites() && best.spread <= kParallel &&
                          best.straight >= kExactShare && OthersRunOff(best, kOnFrame);
-    const bool isLikely = isCorner || isStrip;
+    const bool isConfirmed = best.HasOpposites() && WeakPrintAgrees(best, kWeakSideAgreeing);
+    const bool isLikely = isCorner || isStrip || isConfirmed;
     return ByGroup(best, isLikely ? Confidence::kLikely : Confidence::kDoubtful,
                    {isLikely ? Reason::kSidesAgree : Reason::kFewSides, 2.0});
   }
 
-  // A whole, sharp side of a page that runs off the picture everywhere else.
+  // The one side of a group of one.
+  const evidence::SideLine& LineOf(const SideGroup& group) const {
+    const auto side = std::ranges::find_if(evidence::kAllSides,
+                                           [&](Side candidate) { return group.Has(candidate); });
+    return sides_.SidesOf(group)[static_cast<size_t>(*side)];
+  }
+
+  // A whole, sharp side that nothing contradicts: of a page that runs off the picture everywhere
+  // else, or of one whose print, too weak to be believed by itself, lies alike.
   bool IsLoneEdge(const SideGroup& best) const {
-    const evidence::SideSet& set = sides_.SidesOf(best);
-    const auto line =
-        std::ranges::find_if(evidence::kAllSides, [&](Side side) { return best.Has(side); });
-    const evidence::SideLine& side = set[static_cast<size_t>(*line)];
-    return !best.isRim && side.straight >= kWholeShare && side.filled >= kWholeShare &&
-           side.contrast >= kSharpContrast && OthersRunOff(best, kWhollyOnFrame);
+    const evidence::SideLine& line = LineOf(best);
+    if (best.isRim || line.straight < kWholeShare || line.filled < kWholeShare ||
+        line.contrast < kSharpContrast) {
+      return false;
+    }
+    const bool isHinted = print_.whole.confidence >= kHintConfidence &&
+                          OffPrint(best) <= kWeakSideAgreeing && SidesSeen(best) == 1;
+    return isHinted || OthersRunOff(best, kWhollyOnFrame);
   }
 
   Decision DecideOneSide(const SideGroup& best) const {
@@ -256,20 +322,17 @@ class Judge {
   }
 
   Decision DecideNothing() const {
-    if (print_.strength == PrintStrength::kNone) {
-      Decision decision;
-      decision.reason = {Reason::kNothingSeen, 0.0};
-      return decision;
-    }
+    if (print_.strength == PrintStrength::kNone) return Refused(Reason::kNothingSeen);
     return ByPrint(Confidence::kDoubtful, {Reason::kWeakPrint, print_.whole.confidence});
   }
 
   const PaperSides& sides_;
   const evidence::PrintSkew& print_;
+  const evidence::FormBars& bars_;
 };
 
 }  // namespace
 
-Decision Decide(const Evidence& evidence) { return Judge(evidence).Decide(); }
+Decision Decide(const Evidence& evidence, By by) { return Judge(evidence).Decide(by); }
 
 }  // namespace vorlane::judge

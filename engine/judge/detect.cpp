@@ -1,20 +1,26 @@
 #include "engine/judge/detect.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstdlib>
 
+#include "engine/evidence/form_bars.h"
 #include "engine/evidence/ink.h"
 #include "engine/evidence/page_levels.h"
 #include "engine/evidence/paper_sides.h"
 #include "engine/evidence/print_skew.h"
+#include "engine/judge/content.h"
 #include "engine/judge/cut.h"
 #include "engine/judge/decision.h"
+#include "engine/judge/evidence_report.h"
+#include "engine/judge/expected_share.h"
 #include "vorlanepic/vorlanepic.h"
 
 namespace vorlane::judge {
 namespace {
 
+using evidence::FormBars;
 using evidence::HalfPlane;
 using evidence::InkPicture;
 using evidence::kAllSides;
@@ -28,6 +34,8 @@ using evidence::SideLine;
 
 // The core's coordinates, and the sums over them, hold pictures up to this size.
 constexpr int32_t kLargestSide = 32767;
+// On fewer pixels neither sides nor print can be told.
+constexpr int32_t kSmallestSide = 24;
 // The page's own outline is no ink: the region of the print ends so far inside its sides.
 constexpr double kInkInset = 0.012;
 // The cut lies outside the sides by so many pixels, a picture of two levels being the rougher one.
@@ -35,6 +43,9 @@ constexpr double kOutwards = 2.0;
 constexpr double kOutwardsOfBits = 3.0;
 // Above this share of ink outside the cut, fewer than four sides are not sure.
 constexpr double kMostInkOutside = 0.10;
+// Groups at every threshold that lie so alike, of sides so straight, are a plain sheet's.
+constexpr double kPlainDegrees = 0.25;
+constexpr double kPlainStraight = 0.5;
 
 bool IsUsable(const PictureView& picture) {
   if (picture.pixels == nullptr || picture.width < 1 || picture.height < 1) return false;
@@ -56,21 +67,62 @@ bool IsTooLarge(const PictureView& picture) {
          int64_t{picture.width} * picture.height > INT32_MAX;
 }
 
-bool FindPrint(const PageLevels& page, const PaperSides& sides, InkPicture* ink, PrintSkew* print) {
+// What was looked for on a page.
+struct PageEvidence {
+  PageLevels page;
+  PaperSides sides;
+  InkPicture ink;
+  PrintSkew print;
+  FormBars bars;
+  bool wasPrintLookedAt = false;
+  bool wereBarsLookedAt = false;
+
+  Evidence view() const { return {sides, print, bars}; }
+};
+
+// Whether the sides alone settle the matter where nothing lies under the sheet.
+bool IsPlainSheet(const PaperSides& sides) {
+  if (sides.groupCount == 0) return false;
+  const SideGroup& best = sides.groups[0];
+  size_t whole = 0;
+  for (const SideGroup& group : sides.view()) {
+    if (group.isRim || std::abs(group.degrees - best.degrees) > kPlainDegrees) return false;
+    whole += group.count == 4 && group.straight >= kPlainStraight;
+  }
+  return whole == sides.thresholds.count;
+}
+
+bool FindPrint(PageEvidence* seen) {
   std::array<HalfPlane, kSides> region{};
   size_t planes = 0;
-  if (sides.groupCount > 0 && sides.groups[0].count >= 2) {
-    const SideGroup& group = sides.groups[0];
+  const PageLevels& page = seen->page;
+  if (seen->sides.groupCount > 0 && seen->sides.groups[0].count >= 2) {
+    const SideGroup& group = seen->sides.groups[0];
     for (const Side side : kAllSides) {
       if (!group.Has(side)) continue;
-      HalfPlane plane = evidence::InsideOf(sides.SidesOf(group)[static_cast<size_t>(side)], side,
-                                           kInkInset * page.size());
+      const SideLine& line = seen->sides.SidesOf(group)[static_cast<size_t>(side)];
+      HalfPlane plane = evidence::InsideOf(line, side, kInkInset * page.size());
       plane.c /= 1 << page.reduced().shift;
       region[planes++] = plane;
     }
   }
-  return evidence::FindInk(page.reduced(), std::span(region).first(planes), ink) &&
-         evidence::FindPrintSkew(*ink, print);
+  seen->wasPrintLookedAt = true;
+  return evidence::FindInk(page.reduced(), std::span(region).first(planes), &seen->ink) &&
+         evidence::FindPrintSkew(seen->ink, &seen->print);
+}
+
+// Status::kOutOfMemory or kOk.
+Status LookAt(const PictureView& picture, const DetectOptions& options, PageEvidence* seen) {
+  if (!seen->page.Make(picture)) return Status::kOutOfMemory;
+  if (evidence::FindPaperSides(seen->page, &seen->sides) != STATUS_OK) return Status::kOutOfMemory;
+  const bool isSettled = options.hasNoMount && options.by == By::kAuto &&
+                         options.crop != Crop::kContent && IsPlainSheet(seen->sides);
+  if (!isSettled && !FindPrint(seen)) return Status::kOutOfMemory;
+  if ((options.isForm || options.by == By::kBar) && seen->sides.thresholds.count > 0) {
+    seen->bars = evidence::FindFormBars(seen->page, seen->sides.thresholds.levels[0]);
+    seen->wereBarsLookedAt = true;
+  }
+  return Status::kOk;
 }
 
 void AddReason(ReasonReport reason, Finding* finding) {
@@ -78,19 +130,103 @@ void AddReason(ReasonReport reason, Finding* finding) {
   finding->reasons[finding->reasonCount++] = reason;
 }
 
-void WriteCut(const PictureView& picture, const DetectOptions& options, const Cut& cut,
+// What speaks against acting on the decision.
+void Restrain(const DetectOptions& options, const PageEvidence& seen, Decision* decision,
               Finding* finding) {
-  const bool isCut = cut.isBelieved && options.crop != Crop::kNone;
-  finding->cutConfidence = cut.isBelieved ? finding->angleConfidence : Confidence::kDoubtful;
-  finding->cut =
-      isCut ? cut.rect : WholePicture(-finding->turnDegrees, picture.width, picture.height);
-  finding->cut.left -= options.marginPixels;
-  finding->cut.top -= options.marginPixels;
-  finding->cut.right += options.marginPixels;
-  finding->cut.bottom += options.marginPixels;
-  finding->corners =
-      CornersOfCut(finding->cut, finding->turnDegrees, picture.width, picture.height);
-  if (!isCut) AddReason({Reason::kKeptWhole, 0.0}, finding);
+  if (decision->confidence == Confidence::kRefused && seen.sides.thresholds.count == 0) {
+    AddReason({Reason::kNoContrast, 0.0}, finding);
+  }
+  AddReason(decision->reason, finding);
+  if (options.by != By::kAuto) AddReason({Reason::kAskedFor, 0.0}, finding);
+  if (std::abs(decision->degrees) > options.maxAngleDegrees) {
+    decision->confidence = std::min(decision->confidence, Confidence::kDoubtful);
+    AddReason({Reason::kTooSteep, std::abs(decision->degrees)}, finding);
+  }
+  if (decision->confidence != Confidence::kRefused &&
+      std::abs(decision->degrees) < options.minTurnDegrees) {
+    AddReason({Reason::kNotTurned, std::abs(decision->degrees)}, finding);
+    decision->degrees = 0.0;
+  }
+}
+
+void AddCutReasons(const Cut& cut, Finding* finding) {
+  if (cut.sidesUnseen > 0) {
+    AddReason({Reason::kSideUnseen, static_cast<double>(cut.sidesUnseen)}, finding);
+  }
+  if (cut.sidesOffFrame > 0) {
+    AddReason({Reason::kSideRunsOffFrame, static_cast<double>(cut.sidesOffFrame)}, finding);
+  }
+  if (cut.widened > 0.0) AddReason({Reason::kCutWidened, cut.widened}, finding);
+}
+
+void WriteCut(const DetectOptions& options, const PageEvidence& seen, const Cut& cut,
+              const Decision& decision, Finding* finding) {
+  const PageLevels& page = seen.page;
+  CutRect rect =
+      cut.isBelieved ? cut.rect : WholePicture(decision.degrees, page.width(), page.height());
+  bool isCut = cut.isBelieved;
+  finding->cutConfidence = Confidence::kDoubtful;
+  if (cut.isBelieved) {
+    finding->cutConfidence = cut.sidesUnseen > 0 || cut.widened > 0.0
+                                 ? std::min(finding->angleConfidence, Confidence::kLikely)
+                                 : finding->angleConfidence;
+  }
+  if (options.crop == Crop::kContent && NarrowToContent(page, seen.ink, decision.degrees, &rect)) {
+    finding->cutConfidence = std::min(finding->angleConfidence, Confidence::kLikely);
+    isCut = true;
+  }
+  if (options.crop == Crop::kNone) {
+    rect = WholePicture(decision.degrees, page.width(), page.height());
+  } else if (isCut) {
+    const double margin = options.marginPixels;
+    rect = {rect.left - margin, rect.top - margin, rect.right + margin, rect.bottom + margin};
+    AddCutReasons(cut, finding);
+  } else {
+    AddReason({Reason::kKeptWhole, 0.0}, finding);
+  }
+  finding->cut = rect;
+  finding->corners = CornersOfCut(rect, finding->turnDegrees, page.width(), page.height());
+}
+
+// Takes back what is less sure than was asked for.
+void Refuse(const DetectOptions& options, const PageLevels& page, Finding* finding) {
+  if (finding->angleConfidence >= options.minConfidence) return;
+  if (finding->angleConfidence != Confidence::kRefused) {
+    AddReason({Reason::kBelowConfidence, 0.0}, finding);
+  }
+  finding->angleConfidence = Confidence::kRefused;
+  finding->cutConfidence = Confidence::kRefused;
+  finding->turnDegrees = 0.0;
+  finding->cut = WholePicture(0.0, page.width(), page.height());
+  finding->corners = CornersOfCut(finding->cut, 0.0, page.width(), page.height());
+  finding->by = 0;
+  finding->expected = 0.0;
+}
+
+// Status::kOutOfMemory or kOk.
+Status JudgePage(const PictureView& picture, const DetectOptions& options, const PageEvidence& seen,
+                 Finding* finding) {
+  Decision decision = Decide(seen.view(), options.by);
+  Restrain(options, seen, &decision, finding);
+  finding->angleConfidence = decision.confidence;
+  finding->turnDegrees = 0.0 - decision.degrees;
+  ReportEvidence(seen.view(), decision, seen.wasPrintLookedAt, seen.wereBarsLookedAt, finding);
+  if (decision.confidence != Confidence::kRefused) {
+    const double outwards = picture.depth == 1 ? kOutwardsOfBits : kOutwards;
+    Cut cut;
+    if (!FindCut(seen.page, seen.sides, seen.ink, decision, outwards, &cut)) {
+      return Status::kOutOfMemory;
+    }
+    if (decision.confidence == Confidence::kSure && cut.inkOutside > kMostInkOutside &&
+        (decision.group == nullptr || decision.group->count < 4)) {
+      finding->angleConfidence = Confidence::kLikely;
+      AddReason({Reason::kPrintOutsideCut, cut.inkOutside}, finding);
+    }
+    WriteCut(options, seen, cut, decision, finding);
+    finding->expected = ExpectedShare(decision.reason.reason, finding->angleConfidence);
+  }
+  Refuse(options, seen.page, finding);
+  return Status::kOk;
 }
 
 }  // namespace
@@ -101,31 +237,17 @@ Status Detect(const PictureView& picture, const DetectOptions& options, Finding*
   if (!IsUsable(picture) || !AreUsable(options)) return Status::kBadArgument;
   if (IsTooLarge(picture)) return Status::kTooLarge;
 
-  PageLevels page;
-  if (!page.Make(picture)) return Status::kOutOfMemory;
-  PaperSides sides;
-  if (evidence::FindPaperSides(page, &sides) != STATUS_OK) return Status::kOutOfMemory;
-  InkPicture ink;
-  PrintSkew print;
-  if (!FindPrint(page, sides, &ink, &print)) return Status::kOutOfMemory;
-
-  const Decision decision = Decide({sides, print});
-  finding->angleConfidence = decision.confidence;
-  AddReason(decision.reason, finding);
-  if (decision.confidence == Confidence::kRefused) return Status::kOk;
-  finding->turnDegrees = -decision.degrees;
-  Cut cut;
-  if (!FindCut(page, sides, ink, decision, picture.depth == 1 ? kOutwardsOfBits : kOutwards,
-               &cut)) {
-    return Status::kOutOfMemory;
+  PageEvidence seen;
+  if (std::min(picture.width, picture.height) < kSmallestSide) {
+    AddReason({Reason::kTooSmall, 0.0}, finding);
+    finding->cut = WholePicture(0.0, picture.width, picture.height);
+    finding->corners = CornersOfCut(finding->cut, 0.0, picture.width, picture.height);
+    return Status::kOk;
   }
-  if (decision.confidence == Confidence::kSure && cut.inkOutside > kMostInkOutside &&
-      (decision.group == nullptr || decision.group->count < 4)) {
-    finding->angleConfidence = Confidence::kLikely;
-    AddReason({Reason::kPrintOutsideCut, cut.inkOutside}, finding);
-  }
-  WriteCut(picture, options, cut, finding);
-  return Status::kOk;
+  Status status = LookAt(picture, options, &seen);
+  if (status == Status::kOk) status = JudgePage(picture, options, seen, finding);
+  if (status != Status::kOk) *finding = {};
+  return status;
 }
 
 }  // namespace vorlane::judge

@@ -69,8 +69,8 @@ typedef struct DibRec {
  *   bitsPerPixel  1, 4, 8, 16, 24 or 32
  *   flag          any value: all images are made alike
  *
- * Returns 0; 1 for a null record, a size below 1, another depth or an image of more than 2^31 - 1
- * bytes; 2 when there is no memory. *image is unchanged on failure.
+ * Returns 0; 1 for a null record, a size below 1, another depth or an image that takes more than
+ * 2^31 - 1 bytes with its row table; 2 when there is no memory. *image is unchanged on failure.
  */
 IMGBUF_API int32_t IMGBUF_CALL Imgbuf_New(ImageRec* image, int32_t width, int32_t height,
                                           int32_t bitsPerPixel, int32_t flag) IMGBUF_NOEXCEPT;

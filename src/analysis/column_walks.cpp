@@ -20,14 +20,15 @@ struct ColumnGroup {
 };
 
 // A way through the rows: step d of 0 .. steps - 1 is row `first` + d * `direction`. A run counts
-// when the step at which it begins is a multiple of `stride`.
+// when the step at which it begins is a multiple of `stride`. Steps are counted in 64 bits, so that
+// one may lie a run behind the last row of any image.
 struct RowWay {
   int32_t first;
   int32_t direction;
-  int32_t steps;
+  int64_t steps;
   int32_t stride;
 
-  int32_t RowAt(int32_t step) const { return first + step * direction; }
+  int32_t RowAt(int64_t step) const { return static_cast<int32_t>(first + step * direction); }
 };
 
 // Walks all columns of a range at once, row by row over the groups that have open columns. Of the
@@ -47,7 +48,7 @@ class ColumnSweep {
 
   void Walk(const RowWay& way, std::span<int32_t> borders) {
     Open(borders);
-    for (int32_t probe = run_ - 1; probe < way.steps && openGroups_ > 0; probe += run_) {
+    for (int64_t probe = run_ - 1; probe < way.steps && openGroups_ > 0; probe += run_) {
       const uint8_t* row = image_.rows[way.RowAt(probe)];
       size_t kept = 0;
       for (size_t i = 0; i < openGroups_; ++i) {
@@ -86,15 +87,15 @@ class ColumnSweep {
   }
 
   // Closes the columns of a group that have a run which holds step `probe`.
-  void TakeRunsAround(int32_t probe, const RowWay& way, ColumnGroup* group,
+  void TakeRunsAround(int64_t probe, const RowWay& way, ColumnGroup* group,
                       std::span<int32_t> borders) const {
     std::array<uint64_t, 2 * kLongestRun - 1> masks;
-    const int32_t begin = probe - run_ + 1;
-    const int32_t end = std::min(probe + run_, way.steps);
-    for (int32_t step = begin; step < end; ++step) {
+    const int64_t begin = probe - run_ + 1;
+    const int64_t end = std::min(probe + run_, way.steps);
+    for (int64_t step = begin; step < end; ++step) {
       masks[static_cast<size_t>(step - begin)] = MaskOf(image_.rows[way.RowAt(step)], *group);
     }
-    for (int32_t start = begin; start + run_ <= end; ++start) {
+    for (int64_t start = begin; start + run_ <= end; ++start) {
       if (start % way.stride != 0) continue;
       uint64_t complete = group->open;
       const auto first = static_cast<size_t>(start - begin);

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <cstring>
 
-#if defined(__SSE2__)
+#if defined(VORLANEPIC_X86)
 #include <emmintrin.h>
 #endif
 
@@ -46,7 +46,7 @@ class DocumentMask<Bit1> {
   static int32_t PixelOf(int32_t bit) { return bit ^ 7; }
 };
 
-#if defined(__SSE2__)
+#if defined(VORLANEPIC_X86)
 
 inline __m128i LoadBytes(const uint8_t* bytes) {
   return _mm_loadu_si128(reinterpret_cast<const __m128i*>(bytes));

@@ -21,10 +21,11 @@ struct CropRequest {
   int32_t imageNum;
 };
 
-int32_t CropByVote(const ImageRec* images, const CropRequest& request, double* angleOut,
-                   ImageRec* outImages, ServiceCall* call) {
+int32_t CropByVote(const ImageRec* images, const CropRequest& request,
+                   const frame::Profile& profile, double* angleOut, ImageRec* outImages,
+                   ServiceCall* call) {
   frame::Settings& settings = call->settings();
-  if (!deskew::AssignDeskewCropSettings(request.param, &settings)) return BAD_ARGUMENT;
+  if (!deskew::AssignDeskewCropSettings(request.param, profile, &settings)) return BAD_ARGUMENT;
   deskew::PageRecords* page = call->page();
   const int32_t status = deskew::DeskewCropPipeline(
       settings, images, static_cast<size_t>(request.imageNum),
@@ -47,9 +48,16 @@ int32_t Crop(const ImageRec* images, const CropRequest& request, double* angleOu
   frame::Settings& settings = call->settings();
   settings.ImageNum = request.imageNum;
 
-  const int32_t method = deskew::ChosenMethod(request.param);
-  if (method != 1 && method != 3) return CropByVote(images, request, angleOut, outImages, call);
-  if (!deskew::AssignPrunedRotationSettings(request.param, method, &settings)) return BAD_ARGUMENT;
+  frame::Profile profile;
+  const int32_t status = deskew::LoadProfile(request.param, &profile);
+  if (status != STATUS_OK) return status;
+  const int32_t method = deskew::ChosenMethod(request.param, profile);
+  if (method != 1 && method != 3) {
+    return CropByVote(images, request, profile, angleOut, outImages, call);
+  }
+  if (!deskew::AssignPrunedRotationSettings(request.param, profile, method, &settings)) {
+    return BAD_ARGUMENT;
+  }
   const deskew::PrunedRotationOptions options{request.interpolation, request.threshold, 0,
                                               request.cornerOption, request.fill};
   return deskew::RunCheckedPrunedRotation(settings, images, options, angleOut, outImages,

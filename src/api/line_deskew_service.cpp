@@ -13,17 +13,20 @@ int32_t VORLANEPIC_STDCALL ImageDeskewCropWithLine(const DibRec* inImages, int32
                                                    DeskewCropParam param, int32_t /*spare1*/,
                                                    int32_t /*spare2*/, int32_t /*spare3*/,
                                                    int32_t /*spare4*/, int32_t imageNum) noexcept {
-  const int32_t status = ImgbufCheck(inImages);
+  int32_t status = ImgbufCheck(inImages);
+  if (status != STATUS_OK) return status;
+  frame::Profile profile;
+  status = deskew::LoadProfile(param, &profile);
   if (status != STATUS_OK) return status;
   api::ServiceCall call;
   frame::Settings& settings = call.settings();
-  const omr::BarLimits limits = deskew::AssignLineGuidedSettings(param, &settings);
+  const omr::BarLimits limits = deskew::AssignLineGuidedSettings(param, profile, &settings);
   omr::BarRecords bar;
-  const int32_t result =
+  status =
       deskew::RunLineDeskew(settings, inImages, imageNum, limits, {interpolation, threshold, fill},
                             angleOut, outImages, call.page(), &bar);
   const bool beganToTurn = call.page()->stage >= deskew::PageStage::kContent &&
                            angleOut != nullptr && settings.AngleOnlyFlag != 1;
   if (beganToTurn) settings.ImageNum = 1;
-  return result;
+  return status;
 }

@@ -1,6 +1,6 @@
 #include "deskew/bright_lines_sse2.h"
 
-#if defined(__SSE2__)
+#if defined(VORLANEPIC_X86)
 
 #include <algorithm>
 #include <bit>
@@ -258,4 +258,4 @@ bool BitKernel::IsBrightRow(const ImageRec& image, uint8_t /*threshold*/, int32_
 
 }  // namespace vorlanepic::deskew
 
-#endif  // __SSE2__
+#endif  // VORLANEPIC_X86

@@ -6,7 +6,7 @@
 namespace vorlanepic::deskew {
 namespace {
 
-#if defined(__SSE2__)
+#if defined(VORLANEPIC_X86)
 template <typename Kernel>
 using Lines = FastLines<Kernel>;
 #else

@@ -10,25 +10,26 @@ constexpr char kPrunedSection[] = "ImageDeskew1";
 constexpr char kCropSection[] = "ImageDeskew2";
 constexpr char kLineSection[] = "ImageDeskewLine";
 
-// One section of the profile that a parameter record names.
+// One section of a profile.
 class ProfileSection {
  public:
-  ProfileSection(const char* path, const char* name) : path_(path), name_(name) {}
+  ProfileSection(const frame::Profile& profile, const char* name)
+      : profile_(profile), name_(name) {}
 
   int32_t Int(const char* key, int32_t defaultValue) const {
-    return frame::ReadProfileInt(name_, key, defaultValue, path_);
+    return profile_.Int(name_, key, defaultValue);
   }
 
   // Real numbers are short: of more than three characters the first two count.
   double Real(const char* key, const char* defaultText) const {
-    constexpr uint32_t kCharacters = 3;
-    char text[kCharacters + 1] = {};
-    frame::ReadProfileText(name_, key, defaultText, text, kCharacters, path_);
-    return frame::ParseDecimal(text);
+    constexpr size_t kCharacters = 3;
+    char text[kCharacters + 1];
+    const size_t length = profile_.Text(name_, key, defaultText, text, kCharacters);
+    return frame::ParseDecimal({text, length});
   }
 
  private:
-  const char* path_;
+  const frame::Profile& profile_;
   const char* name_;
 };
 
@@ -42,30 +43,36 @@ bool IsWithin(T value, T smallest, T largest) {
 
 }  // namespace
 
-int32_t ChosenMethod(const DeskewCropParam& param) {
+int32_t LoadProfile(const DeskewCropParam& param, frame::Profile* profile) {
+  if (!IsProfileUsed(param)) return STATUS_OK;
+  const frame::FileRead read = profile->Load(param.profilePath);
+  return read == frame::FileRead::kNoMemory ? OUT_OF_MEMORY : STATUS_OK;
+}
+
+int32_t ChosenMethod(const DeskewCropParam& param, const frame::Profile& profile) {
   if (!IsProfileUsed(param)) return param.DeskewMethod;
-  return ProfileSection(param.profilePath, kMethodSection).Int("DeskewMethod", 2);
+  return ProfileSection(profile, kMethodSection).Int("DeskewMethod", 2);
 }
 
 void AssignPageSettings(frame::Settings* settings) {
   settings->ImageNum = 1;
-  AssignPrunedRotationSettings(kDefaultParam, 1, settings);
+  AssignPrunedRotationSettings(kDefaultParam, {}, 1, settings);
 }
 
-bool AssignPrunedRotationSettings(const DeskewCropParam& param, int32_t method,
-                                  frame::Settings* settings) {
+bool AssignPrunedRotationSettings(const DeskewCropParam& param, const frame::Profile& profile,
+                                  int32_t method, frame::Settings* settings) {
   settings->SegmentMaxGap = 6;
   settings->SegmentPointNum = 6;
   settings->SegmentMinPointNum = 4;
   settings->ExtremeAnchorFlag = method == 3 ? 1.0 : 0.0;
   settings->BorderMethod = method;
   if (IsProfileUsed(param)) {
-    const ProfileSection profile(param.profilePath, kPrunedSection);
-    settings->SearchBorderPixelNum = profile.Int("SearchBorderPixelNum", 2);
-    settings->ToLineMixDis = profile.Int("ToLineMixDis", 5);
-    settings->ToLineDistance = profile.Int("ToLineDistance", 8);
-    settings->parallel = profile.Real("parallel", "3.5");
-    settings->perpendicular = profile.Real("perpendicular", "2");
+    const ProfileSection section(profile, kPrunedSection);
+    settings->SearchBorderPixelNum = section.Int("SearchBorderPixelNum", 2);
+    settings->ToLineMixDis = section.Int("ToLineMixDis", 5);
+    settings->ToLineDistance = section.Int("ToLineDistance", 8);
+    settings->parallel = section.Real("parallel", "3.5");
+    settings->perpendicular = section.Real("perpendicular", "2");
   } else {
     settings->SearchBorderPixelNum = param.SearchBorderPixelNum;
     settings->ToLineMixDis = param.ToLineMixDis;
@@ -78,21 +85,22 @@ bool AssignPrunedRotationSettings(const DeskewCropParam& param, int32_t method,
          IsWithin(settings->parallel, 0.0, 5.0) && IsWithin(settings->perpendicular, 0.0, 5.0);
 }
 
-bool AssignDeskewCropSettings(const DeskewCropParam& param, frame::Settings* settings) {
+bool AssignDeskewCropSettings(const DeskewCropParam& param, const frame::Profile& profile,
+                              frame::Settings* settings) {
   settings->SegmentMaxGap = 1;
   settings->SegmentPointNum = 1;
   settings->SegmentMinPointNum = 1;
   if (IsProfileUsed(param)) {
-    const ProfileSection profile(param.profilePath, kCropSection);
-    settings->SearchBorderPixelNum = profile.Int("SearchBorderPixelNum", 2);
-    settings->SegmentLen = profile.Int("SegmentLen", 10);
-    settings->SearchLimitNum = profile.Int("SearchLimitNum", 3);
-    settings->PixelNum = profile.Int("PixelNum", 5);
-    settings->ToLineDistance = profile.Int("ToLineDistance", 8);
-    settings->CropPixelNum = profile.Int("CropPixelNum", 8);
-    settings->CropPixelFlag = profile.Int("CropPixelFlag", 0);
-    settings->AngleMode = profile.Int("AngleMode", 0);
-    settings->GroupAngle = profile.Real("GroupAngle", "2");
+    const ProfileSection section(profile, kCropSection);
+    settings->SearchBorderPixelNum = section.Int("SearchBorderPixelNum", 2);
+    settings->SegmentLen = section.Int("SegmentLen", 10);
+    settings->SearchLimitNum = section.Int("SearchLimitNum", 3);
+    settings->PixelNum = section.Int("PixelNum", 5);
+    settings->ToLineDistance = section.Int("ToLineDistance", 8);
+    settings->CropPixelNum = section.Int("CropPixelNum", 8);
+    settings->CropPixelFlag = section.Int("CropPixelFlag", 0);
+    settings->AngleMode = section.Int("AngleMode", 0);
+    settings->GroupAngle = section.Real("GroupAngle", "2");
   } else {
     settings->SearchBorderPixelNum = param.SearchBorderPixelNum;
     settings->SegmentLen = param.SegmentLen;
@@ -110,19 +118,20 @@ bool AssignDeskewCropSettings(const DeskewCropParam& param, frame::Settings* set
          IsWithin(settings->GroupAngle, 1.0, 5.0);
 }
 
-omr::BarLimits AssignLineGuidedSettings(const DeskewCropParam& param, frame::Settings* settings) {
+omr::BarLimits AssignLineGuidedSettings(const DeskewCropParam& param, const frame::Profile& profile,
+                                        frame::Settings* settings) {
   if (!IsProfileUsed(param)) {
     settings->SearchLimitNum = param.SearchLimitNum;
     settings->PixelNum = param.PixelNum;
     settings->CropPixelNum = param.CropPixelNum;
     return {600, 4, 20};
   }
-  const ProfileSection profile(param.profilePath, kLineSection);
-  settings->SearchLimitNum = profile.Int("SearchLimitNum", 3);
-  settings->PixelNum = profile.Int("PixelNum", 5);
-  settings->CropPixelNum = profile.Int("CropPixelNum", 200);
-  return {profile.Int("LineMixLength", 500), profile.Int("LineMinThickness", 4),
-          profile.Int("LineMaxThickness", 20)};
+  const ProfileSection section(profile, kLineSection);
+  settings->SearchLimitNum = section.Int("SearchLimitNum", 3);
+  settings->PixelNum = section.Int("PixelNum", 5);
+  settings->CropPixelNum = section.Int("CropPixelNum", 200);
+  return {section.Int("LineMixLength", 500), section.Int("LineMinThickness", 4),
+          section.Int("LineMaxThickness", 20)};
 }
 
 }  // namespace vorlanepic::deskew

@@ -2,41 +2,25 @@
 
 namespace vorlanepic::frame {
 
-int ProfileFile::Peek() {
-  if (next_ == filled_ && !atEnd_) {
-    next_ = 0;
-    filled_ = std::fread(buffer_, 1, sizeof buffer_, file_);
-    atEnd_ = filled_ < sizeof buffer_;
-  }
-  return next_ < filled_ ? buffer_[next_] : kNoByte;
-}
-
-int ProfileFile::Take() {
-  const int byte = Peek();
-  if (byte != kNoByte) ++next_;
-  return byte;
-}
-
-LineResult ProfileFile::ReadProfileLine(ProfileText* line) {
+bool ProfileLines::Next(ProfileText* line) {
   line->length = 0;
-  while (line->length < kProfileLineCapacity) {
-    const int byte = Take();
+  if (rest_.empty()) return false;
+  while (line->length < kProfileLineCapacity && !rest_.empty()) {
+    const char byte = rest_.front();
+    rest_ = rest_.subspan(1);
     switch (byte) {
-      case kNoByte:
-        if (std::ferror(file_) != 0) return LineResult::kReadError;
-        return line->length > 0 ? LineResult::kLine : LineResult::kEndOfFile;
       case '\r':
-        if (Peek() == '\n') Take();
-        return LineResult::kLine;
+        if (!rest_.empty() && rest_.front() == '\n') rest_ = rest_.subspan(1);
+        return true;
       case '\n':
       case '\0':
-        return LineResult::kLine;
+        return true;
       default:
-        line->text[line->length++] = static_cast<char>(byte);
-        if (byte == '\f' || byte == 0x1A) return LineResult::kLine;
+        line->text[line->length++] = byte;
+        if (byte == '\f' || byte == 0x1A) return true;
     }
   }
-  return LineResult::kLine;
+  return true;
 }
 
 }  // namespace vorlanepic::frame

@@ -1,9 +1,8 @@
-// Reads the lines of a profile file.
+// The lines of a profile.
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
-#include <cstdio>
+#include <span>
 #include <string_view>
 
 namespace vorlanepic::frame {
@@ -19,42 +18,19 @@ struct ProfileText {
   std::string_view view() const { return {text, length}; }
 };
 
-enum class LineResult {
-  kLine,       // a line, possibly empty
-  kEndOfFile,  // no byte was left
-  kReadError,
-};
-
-// An open profile, closed with its scope. Bytes stand as they are in the file, on every system.
-class ProfileFile {
+// The bytes of a profile, as they stand in its file, line after line.
+class ProfileLines {
  public:
-  explicit ProfileFile(const char* path) : file_(std::fopen(path, "rb")) {}
-  ~ProfileFile() {
-    if (file_ != nullptr) std::fclose(file_);
-  }
-  ProfileFile(const ProfileFile&) = delete;
-  ProfileFile& operator=(const ProfileFile&) = delete;
+  explicit ProfileLines(std::span<const char> bytes) : rest_(bytes) {}
 
-  bool isOpen() const { return file_ != nullptr; }
-
-  // Reads the next line into *line, without its end. A line ends with LF, CR, CR LF or a zero byte;
-  // with a form feed or 0x1A, which stays its last character; after kProfileLineCapacity
-  // characters, where the rest of the line, even if only its end is left, makes the next one; or at
-  // the end of the file.
-  LineResult ReadProfileLine(ProfileText* line);
+  // Puts the next line into *line, without its end; false when no byte is left. A line ends with
+  // LF, CR, CR LF or a zero byte; with a form feed or 0x1A, which stays its last character; after
+  // kProfileLineCapacity characters, where the rest of the line, even if only its end is left,
+  // makes the next one; or at the end of the bytes.
+  bool Next(ProfileText* line);
 
  private:
-  static constexpr int kNoByte = -1;
-
-  // The next byte or kNoByte, left in place and taken.
-  int Peek();
-  int Take();
-
-  std::FILE* file_;
-  bool atEnd_ = false;
-  size_t next_ = 0;
-  size_t filled_ = 0;
-  unsigned char buffer_[kProfileLineCapacity];
+  std::span<const char> rest_;
 };
 
 }  // namespace vorlanepic::frame

@@ -22,19 +22,16 @@ std::string_view TrimBlanks(std::string_view text) { return TrimRightBlanks(Trim
 
 bool IsSkipped(std::string_view line) { return line.empty() || line.front() == '#'; }
 
-int32_t SeekSection(ProfileFile* file, std::string_view section) {
+ProfileStatus SeekSection(ProfileLines* lines, std::string_view section) {
   ProfileText line;
-  for (;;) {
-    const LineResult result = file->ReadProfileLine(&line);
-    if (result == LineResult::kEndOfFile) return kProfileNoSection;
-    if (result == LineResult::kReadError) return kProfileReadError;
-
+  while (lines->Next(&line)) {
     const std::string_view header = TrimBlanks(line.view());
     // "[]" and "[" name no section and are let pass.
     if (header.size() <= 2 || header.front() != '[') continue;
-    if (header.back() != ']') return kProfileMalformedLine;
-    if (header.substr(1, header.size() - 2) == section) return kProfileFound;
+    if (header.back() != ']') return ProfileStatus::kMalformedLine;
+    if (header.substr(1, header.size() - 2) == section) return ProfileStatus::kFound;
   }
+  return ProfileStatus::kNoSection;
 }
 
 // Makes `text` the whole of *line.
@@ -43,23 +40,19 @@ void Assign(std::string_view text, ProfileText* line) {
   line->length = text.size();
 }
 
-// Replaces the '+' at the end of *line by the lines that continue it.
-int32_t AppendContinuation(ProfileFile* file, ProfileText* line) {
+// Replaces the '+' at the end of *line by the lines that continue it. False when it gets too long.
+bool AppendContinuation(ProfileLines* lines, ProfileText* line) {
   --line->length;
   ProfileText next;
-  for (bool goesOn = true; goesOn;) {
-    const LineResult result = file->ReadProfileLine(&next);
-    if (result == LineResult::kEndOfFile) return kProfileFound;
-    if (result == LineResult::kReadError) return kProfileReadError;
-
+  for (bool goesOn = true; goesOn && lines->Next(&next);) {
     std::string_view more = TrimLeftBlanks(next.view());
     goesOn = !more.empty() && more.back() == '+';
     if (goesOn) more.remove_suffix(1);
-    if (line->length + more.size() > kProfileLineCapacity) return kProfileValueTooLong;
+    if (line->length + more.size() > kProfileLineCapacity) return false;
     std::memcpy(line->text + line->length, more.data(), more.size());
     line->length += more.size();
   }
-  return kProfileFound;
+  return true;
 }
 
 // Splits a line at its first '='. False when there is none or the line begins with it.
@@ -72,32 +65,26 @@ bool SplitKeyValue(std::string_view line, std::string_view* key, std::string_vie
 }
 
 // Reads the section that begins with the next line, up to `wanted`.
-int32_t SeekKey(ProfileFile* file, std::string_view wanted, ProfileText* valueOut) {
+ProfileStatus SeekKey(ProfileLines* lines, std::string_view wanted, ProfileText* valueOut) {
   ProfileText* line = valueOut;
-  for (;;) {
-    const LineResult result = file->ReadProfileLine(line);
-    if (result == LineResult::kEndOfFile) return kProfileNoKey;
-    if (result == LineResult::kReadError) return kProfileReadError;
-
+  while (lines->Next(line)) {
     Assign(TrimBlanks(line->view()), line);
     if (IsSkipped(line->view())) continue;
-    if (line->text[0] == '[') return kProfileNoKey;
-    if (line->view().back() == '+') {
-      const int32_t status = AppendContinuation(file, line);
-      if (status != kProfileFound) return status;
+    if (line->text[0] == '[') return ProfileStatus::kNoKey;
+    if (line->view().back() == '+' && !AppendContinuation(lines, line)) {
+      return ProfileStatus::kValueTooLong;
     }
 
     std::string_view key;
     std::string_view value;
-    if (!SplitKeyValue(line->view(), &key, &value)) return kProfileMalformedLine;
+    if (!SplitKeyValue(line->view(), &key, &value)) return ProfileStatus::kMalformedLine;
     if (key != wanted) continue;
     Assign(value, valueOut);
     valueOut->text[valueOut->length] = '\0';
-    return kProfileFound;
+    return ProfileStatus::kFound;
   }
+  return ProfileStatus::kNoKey;
 }
-
-bool IsNullOrEmpty(const char* text) { return text == nullptr || *text == '\0'; }
 
 // The sign, and behind it the text that begins with the number's digits.
 struct SignedText {
@@ -126,37 +113,35 @@ int32_t ParseNonNegative(std::string_view text) {
 
 }  // namespace
 
-int32_t FindProfileValue(const char* path, const char* section, const char* key,
-                         ProfileText* value) {
-  if (path == nullptr || section == nullptr || key == nullptr || value == nullptr) {
-    return kProfileNullArgument;
-  }
-  ProfileFile file(path);
-  if (!file.isOpen()) return kProfileNotOpened;
-  const int32_t status = SeekSection(&file, section);
-  return status == kProfileFound ? SeekKey(&file, key, value) : status;
+FileRead Profile::Load(const char* path) {
+  hasName_ = path != nullptr && *path != '\0';
+  bytes_ = {};
+  return hasName_ ? ReadRegularFile(path, kProfileMost, &bytes_) : FileRead::kNotOpened;
 }
 
-int32_t ReadProfileInt(const char* section, const char* key, int32_t defaultValue,
-                       const char* path) {
-  if (IsNullOrEmpty(section) || IsNullOrEmpty(key) || IsNullOrEmpty(path)) return 0;
+ProfileStatus Profile::Find(std::string_view section, std::string_view key,
+                            ProfileText* value) const {
+  ProfileLines lines(bytes_.span());
+  const ProfileStatus status = SeekSection(&lines, section);
+  return status == ProfileStatus::kFound ? SeekKey(&lines, key, value) : status;
+}
+
+int32_t Profile::Int(std::string_view section, std::string_view key, int32_t defaultValue) const {
+  if (!hasName_) return 0;
   ProfileText value;
-  if (FindProfileValue(path, section, key, &value) != kProfileFound) return defaultValue;
+  if (Find(section, key, &value) != ProfileStatus::kFound) return defaultValue;
   return value.length > 0 ? ParseNonNegative(value.view()) : defaultValue;
 }
 
-uint32_t ReadProfileText(const char* section, const char* key, const char* defaultText, char* out,
-                         uint32_t size, const char* path) {
-  if (out == nullptr || size == 0) return 0;
-  if (IsNullOrEmpty(section) || IsNullOrEmpty(key) || IsNullOrEmpty(path)) return 0;
-
+size_t Profile::Text(std::string_view section, std::string_view key, std::string_view defaultText,
+                     char* out, size_t size) const {
   ProfileText value;
-  std::string_view source = defaultText != nullptr ? defaultText : "";
-  if (FindProfileValue(path, section, key, &value) == kProfileFound) source = value.view();
+  std::string_view source = hasName_ ? defaultText : "";
+  if (Find(section, key, &value) == ProfileStatus::kFound) source = value.view();
   const size_t length = source.size() > size ? size - 1 : source.size();
   std::memcpy(out, source.data(), length);
   out[length] = '\0';
-  return static_cast<uint32_t>(length);
+  return length;
 }
 
 double ParseDecimal(std::string_view text) {

@@ -9,50 +9,61 @@
 // Blanks (spaces and tabs) around lines, keys and before values do not count; names are compared
 // byte for byte. A key line that ends with '+' goes on in the next line, whose leading blanks are
 // dropped, whatever it begins with. Of equal keys in a section, and of equal sections, the first
-// counts. Every read opens the file, scans it from its start and closes it; nothing is kept.
+// counts.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string_view>
 
 #include "frame/profile_line.h"
+#include "frame/regular_file.h"
 
 namespace vorlanepic::frame {
 
-// What FindProfileValue returns.
-enum ProfileStatus : int32_t {
-  kProfileFound = 0,
-  kProfileNoSection = -1,       // the file ended before the section's header
-  kProfileNoKey = -2,           // the section ended before the key
-  kProfileNotOpened = -10,      // the file cannot be opened
-  kProfileReadError = -12,      // reading failed before the end of the file
-  kProfileMalformedLine = -14,  // on the way: a header without ']' before the section, or in it a
-                                // line that has no '=' or begins with it
-  kProfileValueTooLong = -22,   // joined lines exceed kProfileLineCapacity characters
-  kProfileNullArgument = -23,
+// The longest profile that is read, in bytes.
+inline constexpr size_t kProfileMost = size_t{1} << 20;
+
+// What Profile::Find returns.
+enum class ProfileStatus {
+  kFound,
+  kNoSection,      // the profile ended before the section's header
+  kNoKey,          // the section ended before the key
+  kMalformedLine,  // on the way: a header without ']' before the section, or in it a line that has
+                   // no '=' or begins with it
+  kValueTooLong,   // joined lines exceed kProfileLineCapacity characters
 };
 
-// Finds the value of `key` in `section` of the profile at `path` and copies it, whole, with a
-// terminating zero, into *value. *value is undefined on failure.
-int32_t FindProfileValue(const char* path, const char* section, const char* key,
-                         ProfileText* value);
+// A profile, read once. Without one that was loaded every search fails.
+class Profile {
+ public:
+  // Reads the file at `path`, which may be null or empty: the profile then has no name, and none of
+  // its keys has even a default. Anything but kDone leaves a profile without sections.
+  FileRead Load(const char* path);
 
-// The value of a key as a number of 0 or more: leading white space, an optional sign and the digits
-// up to the first other character. Negative numbers and texts without digits give 0, numbers beyond
-// int32 its largest. An empty value and every failure give `defaultValue`. A null or empty section,
-// key or path gives 0.
-int32_t ReadProfileInt(const char* section, const char* key, int32_t defaultValue,
-                       const char* path);
+  // Finds the value of `key` in `section` and copies it, whole, with a terminating zero, into
+  // *value. *value is undefined on failure.
+  ProfileStatus Find(std::string_view section, std::string_view key, ProfileText* value) const;
 
-// Stores the value of a key with a terminating zero in `out` and returns its length. Every failure
-// stores `defaultText` instead, or the empty text when that is null.
-//
-//   out   holds size + 1 bytes
-//   size  a text of up to `size` characters is stored whole; a longer one is cut to size - 1
-//
-// Returns 0 and leaves `out` alone for a null out, size 0 or a null or empty section, key or path.
-uint32_t ReadProfileText(const char* section, const char* key, const char* defaultText, char* out,
-                         uint32_t size, const char* path);
+  // The value of a key as a number of 0 or more: leading white space, an optional sign and the
+  // digits up to the first other character. Negative numbers and texts without digits give 0,
+  // numbers beyond int32 its largest. An empty value and every failure give `defaultValue`; a
+  // profile without a name gives 0.
+  int32_t Int(std::string_view section, std::string_view key, int32_t defaultValue) const;
+
+  // Stores the value of a key with a terminating zero in `out` and returns its length. Every
+  // failure stores `defaultText` instead; a profile without a name gives the empty text.
+  //
+  //   out   holds size + 1 bytes
+  //   size  at least 1: a text of up to `size` characters is stored whole; a longer one is cut to
+  //         size - 1
+  size_t Text(std::string_view section, std::string_view key, std::string_view defaultText,
+              char* out, size_t size) const;
+
+ private:
+  bool hasName_ = false;
+  ScratchArray<char> bytes_;
+};
 
 // The decimal number at the start of `text`, of up to 300 characters: leading white space, an
 // optional sign, digits with an optional point, no exponent; 0.0 when there is no digit. Correctly

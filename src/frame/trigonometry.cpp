@@ -125,12 +125,12 @@ double Cosine(double radians) {
 double Tangent(double radians) {
   if (!CanBeReduced(radians)) return kNoNumber;
   if (std::abs(radians) < kSmall) return radians;
-  const auto [quarters, rest] = ReduceToQuarter(radians);
+  const auto turns = ReduceToQuarter(radians);
   const auto quotient = [&](const auto& sine, const auto& cosine) {
-    return (quarters & 1) == 0 ? sine / cosine : cosine / -sine;
+    return (turns.quarters & 1) == 0 ? sine / cosine : cosine / -sine;
   };
-  return NearestDouble(quotient(QuickSine(rest), QuickCosine(rest)),
-                       [&] { return quotient(WideSine(rest), WideCosine(rest)); });
+  return NearestDouble(quotient(QuickSine(turns.rest), QuickCosine(turns.rest)),
+                       [&] { return quotient(WideSine(turns.rest), WideCosine(turns.rest)); });
 }
 
 double ArcTangent(double slope) {

@@ -7,7 +7,7 @@
 #include "omr/row_runs.h"
 #include "vorlanepic/vorlanepic.h"
 
-#if defined(__SSE2__)
+#if defined(VORLANEPIC_X86)
 #include <emmintrin.h>
 #endif
 
@@ -25,7 +25,7 @@ inline BlockPoint* WriteRunPlain(BlockPoint* points, const PixelRun& run, int32_
   return points;
 }
 
-#if defined(__SSE2__)
+#if defined(VORLANEPIC_X86)
 // As WriteRunPlain, four points at a time.
 inline BlockPoint* WriteRun(BlockPoint* points, const PixelRun& run, int32_t y) {
   static_assert(sizeof(BlockPoint) == 4);

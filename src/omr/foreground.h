@@ -3,7 +3,7 @@
 
 #include <cstdint>
 
-#if defined(__SSE2__)
+#if defined(VORLANEPIC_X86)
 #include <emmintrin.h>
 #endif
 
@@ -14,7 +14,7 @@ struct DarkPixels {
   uint8_t threshold;
 
   bool Has(uint8_t value) const { return value <= threshold; }
-#if defined(__SSE2__)
+#if defined(VORLANEPIC_X86)
   __m128i Has(__m128i values) const {
     const __m128i limit = _mm_set1_epi8(static_cast<char>(threshold));
     return _mm_cmpeq_epi8(_mm_min_epu8(values, limit), values);
@@ -25,7 +25,7 @@ struct DarkPixels {
 // Pixels that are not zero.
 struct NonZeroPixels {
   bool Has(uint8_t value) const { return value != 0; }
-#if defined(__SSE2__)
+#if defined(VORLANEPIC_X86)
   __m128i Has(__m128i values) const {
     const __m128i isZero = _mm_cmpeq_epi8(values, _mm_setzero_si128());
     return _mm_xor_si128(isZero, _mm_set1_epi8(-1));
@@ -37,7 +37,7 @@ struct NonZeroPixels {
 template <typename Foreground>
 uint64_t MarkedBits64(const Foreground& foreground, const uint8_t* pixels) {
   uint64_t bits = 0;
-#if defined(__SSE2__)
+#if defined(VORLANEPIC_X86)
   for (int k = 0; k < 64; k += 16) {
     const __m128i values = _mm_loadu_si128(reinterpret_cast<const __m128i*>(pixels + k));
     const auto marked = static_cast<uint32_t>(_mm_movemask_epi8(foreground.Has(values)));

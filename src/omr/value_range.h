@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#if defined(__SSE2__)
+#if defined(VORLANEPIC_X86)
 #include <emmintrin.h>
 #endif
 
@@ -39,7 +39,7 @@ inline ValueRange RangeOfPlain(const uint8_t* values, size_t count) {
   return range;
 }
 
-#if defined(__SSE2__)
+#if defined(VORLANEPIC_X86)
 // The range of values in 16 lanes.
 class ValueLanes {
  public:

@@ -1,6 +1,7 @@
 #include "rotate/rotation.h"
 
 #include <algorithm>
+#include <new>
 
 #include "rotate/plain_rotation.h"
 
@@ -11,12 +12,12 @@ bool Rotation::Build() {
   const Turn& turn = job_.turn;
   if (!job_.steps.Build(turn.angle, mostSteps + kMostNeighbours, turn.quarterTurns)) return false;
   if (!TiledRotation::Suits(job_)) return true;
-  tiled_.emplace(job_);
-  return tiled_->Build();
+  tiled_.reset(new (std::nothrow) TiledRotation(job_));
+  return tiled_ != nullptr && tiled_->Build();
 }
 
 void Rotation::RotateRows(int32_t first, int32_t last) const {
-  if (tiled_) {
+  if (tiled_ != nullptr) {
     tiled_->RotateRows(first, last);
   } else {
     RotateRowsPlain(job_, first, last);

@@ -2,7 +2,7 @@
 #pragma once
 
 #include <cstdint>
-#include <optional>
+#include <memory>
 
 #include "rotate/rotate_job.h"
 #include "rotate/tiled_rotation.h"
@@ -33,7 +33,7 @@ class Rotation {
 
  private:
   RotateJob job_;
-  std::optional<TiledRotation> tiled_;  // none: the job does not suit it
+  std::unique_ptr<TiledRotation> tiled_;  // null: the job does not suit it
 };
 
 }  // namespace vorlanepic::rotate

@@ -16,8 +16,10 @@ constexpr int32_t kRowsAhead = 16;
 constexpr int32_t kBorderStep = 2;
 constexpr int32_t kMostGrowth = 16;
 
-// Steps up to which offsets, and source coordinates with them, stay far inside the int32 range.
+// Steps up to which offsets stay far inside the int32 range, and sides of a source up to which
+// coordinates that lie as far outside it do, with room for a strip of columns or two.
 constexpr int32_t kMostSteps = 10'000'000;
+constexpr int32_t kMostSide = INT32_MAX - 3 * kMostSteps;
 
 // a / b cut downward, b > 0.
 int32_t FloorDivide(int32_t a, int32_t b) { return a / b - (a % b < 0 ? 1 : 0); }
@@ -105,6 +107,7 @@ bool TiledRotation::Suits(const RotateJob& job) {
   if (!std::isfinite(job.turn.angle)) return false;
   if (std::max(job.halfWidth(), job.halfHeight()) > kMostSteps) return false;
   const ImageRec& source = job.source;
+  if (std::max(source.width, source.height) > kMostSide) return false;
   for (int32_t y = 0; y < source.height; ++y) {
     const uint8_t* row = source.pixels + static_cast<ptrdiff_t>(y) * source.lineBytes;
     if (source.rows[y] != row) return false;

@@ -15,8 +15,8 @@ namespace vorlanepic::rotate {
 // One rotation, made ready once and then computed by several threads at a time.
 class TiledRotation {
  public:
-  // Whether the job suits: its source rows lie one behind the other, and its steps leave so much
-  // room in an int32 that no sum wraps. Other jobs are left to RotateRowsPlain.
+  // Whether the job suits: its source rows lie one behind the other, and its steps and sides leave
+  // so much room in an int32 that no sum wraps. Other jobs are left to RotateRowsPlain.
   static bool Suits(const RotateJob& job);
 
   // `job` suits, has its step tables and outlives this object.

@@ -9,8 +9,8 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
-#include "app/files/page_reader.h"
-#include "app/files/page_writer.h"
+#include "app/files/picture_file.h"
+#include "app/files/picture_writer.h"
 
 namespace vorlane::testing {
 
@@ -47,8 +47,15 @@ std::vector<std::string> WorkFolder::Names() const {
 
 void WorkFolder::Write(const std::string& name, const std::vector<const TestImage*>& pages,
                        int32_t dpi) const {
-  files::PageWriter writer(At(name), 95);
-  for (const TestImage* page : pages) writer.Add(*page->rec(), dpi, dpi);
+  files::Page source;
+  source.metadata.resolution = {static_cast<double>(dpi), static_cast<double>(dpi)};
+  const files::FileFormat format = *files::FormatOfName(name);
+  files::PictureWriter writer(At(name), format, files::Replacing::kNever,
+                              files::Durability::kLeftToSystem);
+  std::vector<std::string> notes;
+  for (const TestImage* page : pages) {
+    writer.Add(files::EncodePage(format, *page->rec(), source, {}, &notes));
+  }
   writer.Commit();
 }
 
@@ -62,16 +69,20 @@ std::string WorkFolder::Bytes(const std::string& name) const {
 }
 
 std::vector<files::Page> WorkFolder::Read(const std::string& name) const {
-  files::PageReader reader(At(name));
-  std::vector<files::Page> pages(static_cast<size_t>(reader.count()));
-  for (files::Page& page : pages) (void)reader.Next(&page);
+  const files::PictureFile file(At(name));
+  std::vector<files::Page> pages;
+  for (int32_t number = 1; number <= file.count(); ++number) pages.push_back(file.Read(number));
   return pages;
 }
 
 CommandResult WorkFolder::Run(const std::string& arguments) const {
+  return Shell(VORLANE_COMMAND " " + arguments);
+}
+
+CommandResult WorkFolder::Shell(const std::string& words) const {
   const WorkFolder streams;
-  const std::string line = "cd '" + path_.string() + "' && " VORLANE_COMMAND " " + arguments +
-                           " >'" + streams.At("out") + "' 2>'" + streams.At("err") + "'";
+  const std::string line = "cd '" + path_.string() + "' && " + words + " >'" + streams.At("out") +
+                           "' 2>'" + streams.At("err") + "'";
   const int status = std::system(line.c_str());  // NOLINT(cert-env33-c): a shell is wanted
   CommandResult result;
   result.exit = WIFEXITED(status) ? WEXITSTATUS(status) : -1;

@@ -128,7 +128,7 @@ TEST(PickLargestGroup, IsThePlainOneOnAnyDirections) {
 TEST(MeasureDirections, LeaveTheFirstChunkAndTheLastDirectionOut) {
   // Chunks of two with centres (1, 0), (5, 0), (9, 4), (9, 9), (11, 9), (13, 8).
   const frame::PixelPoint means[] = {{0, 0},  {2, 0},  {4, 0},  {6, 0},  {8, 4},  {10, 4}, {9, 8},
-                                       {9, 10}, {10, 9}, {12, 9}, {13, 7}, {13, 9}, {99, 99}};
+                                     {9, 10}, {10, 9}, {12, 9}, {13, 7}, {13, 9}, {99, 99}};
   std::vector<analysis::BorderSegment> segments;
   for (const frame::PixelPoint& mean : means) segments.push_back({1, nullptr, 0, mean.x, mean.y});
   frame::ScratchArray<double> degrees;

@@ -138,7 +138,7 @@ TEST(BrightColour, TakesTheLuminance) {
   }
 }
 
-#if defined(__SSE2__)
+#if defined(VORLANEPIC_X86)
 
 enum { kNoise, kTwoNeighbouringLevels, kLightCornerOnDark, kFillings };
 

@@ -23,7 +23,7 @@ TEST(TurnOfBorder, MakesTheNearestOfLevelAndPlumb) {
 
 class DeskewCropPipelineTest : public DeskewTest {
  protected:
-  DeskewCropPipelineTest() { AssignDeskewCropSettings(kParam, &settings_); }
+  DeskewCropPipelineTest() { AssignDeskewCropSettings(kParam, {}, &settings_); }
   ~DeskewCropPipelineTest() override { Release(); }
 
   int32_t Run(const std::vector<const TestImage*>& images, int32_t threshold = 120) {

@@ -19,7 +19,7 @@ constexpr uint8_t kFill[3] = {1, 2, 3};
 
 class PrunedRotationTest : public DeskewTest {
  protected:
-  PrunedRotationTest() { AssignPrunedRotationSettings(kParam, 1, &settings_); }
+  PrunedRotationTest() { AssignPrunedRotationSettings(kParam, {}, 1, &settings_); }
 
   int32_t Run(const TestImage& page) {
     result_.Release();

@@ -1,10 +1,15 @@
 #include "frame/profile_reader.h"
 
 #include <cstring>
+#include <filesystem>
 #include <fstream>
 #include <string>
 #include <utility>
 #include <vector>
+
+#if !defined(_WIN32)
+#include <sys/stat.h>
+#endif
 
 #include <gtest/gtest.h>
 
@@ -19,71 +24,76 @@ using namespace std::string_literals;
 
 // Filled with rubbish first, so that a value without its terminating zero shows.
 struct FoundValue {
-  int32_t status;
+  ProfileStatus status;
   std::string value;
 };
 
 FoundValue Find(const std::string& bytes) {
   const ProfileOnDisk file(bytes);
+  Profile profile;
+  EXPECT_EQ(profile.Load(file.path()), FileRead::kDone);
   ProfileText value;
   std::memset(&value, 'x', sizeof value);
-  const int32_t status = FindProfileValue(file.path(), "S", "K", &value);
-  if (status != kProfileFound) return {status, ""};
+  const ProfileStatus status = profile.Find("S", "K", &value);
+  if (status != ProfileStatus::kFound) return {status, ""};
   EXPECT_EQ(value.text[value.length], '\0');
   return {status, std::string(value.view())};
 }
 
 std::string Chars(size_t count, char c = 'a') { return std::string(count, c); }
 
-TEST(FindProfileValue, GivesTheStatusAndTheValue) {
+TEST(Profile, FindsTheValue) {
+  using enum ProfileStatus;
   struct Case {
     const char* name;
     std::string bytes;
-    int32_t status;
+    ProfileStatus status;
     std::string value = {};
   };
   const Case cases[] = {
       // Lines
-      {"both end characters are one end", "[S]\r\nK=1+\r\n2\r\n", 0, "12"},
-      {"two carriage returns are two ends", "[S]\nK=1+\r\r\n2\n", 0, "1"},
-      {"zero byte", "[S]\0K=v\0L=w"s, 0, "v"},
-      {"form feed ends the line and stays", "[S]\nJ=1\fK=v\f", 0, "v\f"},
-      {"form feed behind a header spoils it", "[S]\f\nK=v\n", -14},
-      {"substitute ends the line and stays", "[S]\nJ=1\x1A"s + "K=v\x1A", 0, "v\x1A"},
-      {"long line goes on", "[S]\n#" + Chars(4095) + "K=" + Chars(9) + "\n", 0, Chars(9)},
+      {"both end characters are one end", "[S]\r\nK=1+\r\n2\r\n", kFound, "12"},
+      {"two carriage returns are two ends", "[S]\nK=1+\r\r\n2\n", kFound, "1"},
+      {"zero byte", "[S]\0K=v\0L=w"s, kFound, "v"},
+      {"form feed ends the line and stays", "[S]\nJ=1\fK=v\f", kFound, "v\f"},
+      {"form feed behind a header spoils it", "[S]\f\nK=v\n", kMalformedLine},
+      {"substitute ends the line and stays", "[S]\nJ=1\x1A"s + "K=v\x1A", kFound, "v\x1A"},
+      {"long line goes on", "[S]\n#" + Chars(4095) + "K=" + Chars(9) + "\n", kFound, Chars(9)},
       // The end of a full line is an empty line, which ends the chain of continuation.
-      {"end of a full line", "[S]\nK=" + Chars(4093) + "+\nb\n", 0, Chars(4093)},
-      {"both ends of a full line", "[S]\n#" + Chars(4095) + "\r\nK=v\r\n", 0, "v"},
+      {"end of a full line", "[S]\nK=" + Chars(4093) + "+\nb\n", kFound, Chars(4093)},
+      {"both ends of a full line", "[S]\n#" + Chars(4095) + "\r\nK=v\r\n", kFound, "v"},
       // Sections
-      {"no header", "K=v\n", -1},
-      {"blanks inside the brackets count", "[ S ]\nK=v\n", -1},
-      {"blanks around the brackets do not", " \t[S]\t \nK=v\n", 0, "v"},
-      {"header without end before the section", "[TT\n[S]\nK=v\n", -14},
-      {"header with text behind its end", "[S] # mine\nK=v\n", -14},
-      {"two characters are no header", "[]\n[x\n[\n[S]\nK=v\n", 0, "v"},
-      {"malformed lines elsewhere", "[T]\nno sign\n=x\n[S]\nK=v\n", 0, "v"},
-      {"nothing is joined elsewhere", "[T]\nA=1+\n[S]\nK=v\n", 0, "v"},
-      {"first of two sections counts", "[S]\nJ=1\n[S]\nK=v\n", -2},
+      {"no header", "K=v\n", kNoSection},
+      {"blanks inside the brackets count", "[ S ]\nK=v\n", kNoSection},
+      {"blanks around the brackets do not", " \t[S]\t \nK=v\n", kFound, "v"},
+      {"header without end before the section", "[TT\n[S]\nK=v\n", kMalformedLine},
+      {"header with text behind its end", "[S] # mine\nK=v\n", kMalformedLine},
+      {"two characters are no header", "[]\n[x\n[\n[S]\nK=v\n", kFound, "v"},
+      {"malformed lines elsewhere", "[T]\nno sign\n=x\n[S]\nK=v\n", kFound, "v"},
+      {"nothing is joined elsewhere", "[T]\nA=1+\n[S]\nK=v\n", kFound, "v"},
+      {"first of two sections counts", "[S]\nJ=1\n[S]\nK=v\n", kNoKey},
       // Keys
-      {"blanks around the sign", "[S]\n \tK \t=\t v w\t \n", 0, "v w"},
-      {"split at the first sign", "[S]\nK=a=b\n", 0, "a=b"},
-      {"next section ends the search", "[S]\nJ=1\n[T]\nK=v\n", -2},
-      {"header without end ends the search", "[S]\n[T\nK=v\n", -2},
-      {"comments and empty lines", "[S]\n\n # K=1\n \t\nK=v\n", 0, "v"},
-      {"line without sign before the key", "[S]\nJ\nK=v\n", -14},
-      {"line that begins with the sign", "[S]\n =1\nK=v\n", -14},
+      {"blanks around the sign", "[S]\n \tK \t=\t v w\t \n", kFound, "v w"},
+      {"split at the first sign", "[S]\nK=a=b\n", kFound, "a=b"},
+      {"next section ends the search", "[S]\nJ=1\n[T]\nK=v\n", kNoKey},
+      {"header without end ends the search", "[S]\n[T\nK=v\n", kNoKey},
+      {"comments and empty lines", "[S]\n\n # K=1\n \t\nK=v\n", kFound, "v"},
+      {"line without sign before the key", "[S]\nJ\nK=v\n", kMalformedLine},
+      {"line that begins with the sign", "[S]\n =1\nK=v\n", kMalformedLine},
       // Continuation
-      {"blanks before the removed plus stay", "[S]\nK=1 +\n2\n", 0, "1 2"},
-      {"blanks behind a later plus stay and end the chain", "[S]\nK=1+\n2+ \n3\n", 0, "12+ "},
-      {"looks at nothing else", "[S]\nK=1+\n#2+\n[T]\n", 0, "1#2[T]"},
-      {"empty line ends it", "[S]\nK=1+\n \nJ\n", 0, "1"},
-      {"end of file ends it", "[S]\nK=1+", 0, "1"},
-      {"lone plus goes on", "[S]\nK=1+\n+\n2\n", 0, "12"},
-      {"joined before it is split", "[S]\n+\n K=+\nv\n", 0, "v"},
-      {"other keys are joined too", "[S]\nJ=1+\nK=2\nK=3\n", 0, "3"},
-      {"fills a line", "[S]\nK=" + Chars(2000) + "+\n" + Chars(2094) + "+\n\n", 0, Chars(4094)},
-      {"too long", "[S]\nK=" + Chars(2000) + "+\n" + Chars(2095) + "\n", -22},
-      {"other key too long", "[S]\nJ=" + Chars(2000) + "+\n" + Chars(2095) + "\nK=v\n", -22},
+      {"blanks before the removed plus stay", "[S]\nK=1 +\n2\n", kFound, "1 2"},
+      {"blanks behind a later plus stay and end the chain", "[S]\nK=1+\n2+ \n3\n", kFound, "12+ "},
+      {"looks at nothing else", "[S]\nK=1+\n#2+\n[T]\n", kFound, "1#2[T]"},
+      {"empty line ends it", "[S]\nK=1+\n \nJ\n", kFound, "1"},
+      {"end of file ends it", "[S]\nK=1+", kFound, "1"},
+      {"lone plus goes on", "[S]\nK=1+\n+\n2\n", kFound, "12"},
+      {"joined before it is split", "[S]\n+\n K=+\nv\n", kFound, "v"},
+      {"other keys are joined too", "[S]\nJ=1+\nK=2\nK=3\n", kFound, "3"},
+      {"fills a line", "[S]\nK=" + Chars(2000) + "+\n" + Chars(2094) + "+\n\n", kFound,
+       Chars(4094)},
+      {"too long", "[S]\nK=" + Chars(2000) + "+\n" + Chars(2095) + "\n", kValueTooLong},
+      {"other key too long", "[S]\nJ=" + Chars(2000) + "+\n" + Chars(2095) + "\nK=v\n",
+       kValueTooLong},
   };
   for (const Case& c : cases) {
     const FoundValue found = Find(c.bytes);
@@ -92,65 +102,77 @@ TEST(FindProfileValue, GivesTheStatusAndTheValue) {
   }
 }
 
-TEST(FindProfileValue, RefusesNullArgumentsAndFilesThatCannotBeRead) {
-  const ProfileOnDisk file("[S]\nK=v\n");
+TEST(Profile, TakesRegularFilesOfUpToAMegabyteOnly) {
+  Profile profile;
+  const ProfileOnDisk largest("[S]\nK=v\n" + Chars((1 << 20) - 8, '\n'));
   ProfileText value;
-  EXPECT_EQ(FindProfileValue(nullptr, "S", "K", &value), -23);
-  EXPECT_EQ(FindProfileValue(file.path(), nullptr, "K", &value), -23);
-  EXPECT_EQ(FindProfileValue(file.path(), "S", nullptr, &value), -23);
-  EXPECT_EQ(FindProfileValue(file.path(), "S", "K", nullptr), -23);
-  EXPECT_EQ(FindProfileValue("no/such/file.ini", "S", "K", &value), -10);
-#if defined(__linux__)
-  EXPECT_EQ(FindProfileValue("/", "S", "K", &value), -12);
+  EXPECT_EQ(profile.Load(largest.path()), FileRead::kDone);
+  EXPECT_EQ(profile.Find("S", "K", &value), ProfileStatus::kFound);
+  const ProfileOnDisk longer("[S]\nK=v\n" + Chars((1 << 20) - 7, '\n'));
+  EXPECT_EQ(profile.Load(longer.path()), FileRead::kTooLong);
+  EXPECT_EQ(profile.Find("S", "K", &value), ProfileStatus::kNoSection);
+  EXPECT_EQ(profile.Load(std::filesystem::temp_directory_path().string().c_str()),
+            FileRead::kNotOpened);
+#if !defined(_WIN32)
+  // Neither is waited for: nobody writes into the pipe, and the terminal's end never comes.
+  const std::string pipe = std::string(largest.path()) + ".pipe";
+  ASSERT_EQ(mkfifo(pipe.c_str(), 0600), 0);
+  EXPECT_EQ(profile.Load(pipe.c_str()), FileRead::kNotOpened);
+  std::filesystem::remove(pipe);
+  EXPECT_EQ(profile.Load("/dev/zero"), FileRead::kNotOpened);
 #endif
 }
 
-TEST(ReadProfileInt, ConvertsTheValueOrGivesTheDefault) {
+Profile Loaded(const std::string& bytes) {
+  const ProfileOnDisk file(bytes);
+  Profile profile;
+  profile.Load(file.path());
+  return profile;
+}
+
+TEST(Profile, ConvertsNumbersOrGivesTheDefault) {
   const std::string huge(26, '9');
   using Case = std::pair<std::string, int32_t>;
   for (const auto& [text, expected] :
        {Case{" 20", 20}, Case{"+7", 7}, Case{"-5", 0}, Case{"abc", 0}, Case{"", 99},
         Case{"12 dpi", 12}, Case{"3.9", 3}, Case{"007", 7}, Case{"- 5", 0}, Case{"\v 5", 5},
         Case{"2147483647", INT32_MAX}, Case{huge, INT32_MAX}, Case{"-" + huge, 0}}) {
-    const ProfileOnDisk file("[S]\nK=" + text + "\n");
-    EXPECT_EQ(ReadProfileInt("S", "K", 99, file.path()), expected) << text;
+    EXPECT_EQ(Loaded("[S]\nK=" + text + "\n").Int("S", "K", 99), expected) << text;
   }
-  const ProfileOnDisk file("[S]\nK=20\n");
-  EXPECT_EQ(ReadProfileInt("S", "J", -3, file.path()), -3);
-  EXPECT_EQ(ReadProfileInt("S", "K", 99, "no/such/file.ini"), 99);
-  for (const char* missing : std::vector<const char*>{nullptr, ""}) {
-    EXPECT_EQ(ReadProfileInt(missing, "K", 99, file.path()), 0);
-    EXPECT_EQ(ReadProfileInt("S", missing, 99, file.path()), 0);
-    EXPECT_EQ(ReadProfileInt("S", "K", 99, missing), 0);
-  }
+  EXPECT_EQ(Loaded("[S]\nK=20\n").Int("S", "J", -3), -3);
 }
 
-TEST(ReadProfileText, CopiesTheValueOrTheDefault) {
+TEST(Profile, CopiesTextsOrTheDefault) {
   struct Case {
     const char* value;  // null: no such key
     const char* defaultText;
-    uint32_t size;
+    size_t size;
     const char* expected;
   };
-  const Case cases[] = {{"3.5", "9", 3, "3.5"},       {"2.25", "9", 3, "2."},
-                        {"abc", nullptr, 1, ""},      {nullptr, nullptr, 3, ""},
-                        {nullptr, "longer", 3, "lo"}, {"a", "9", 4000000000U, "a"}};
+  const Case cases[] = {{"3.5", "9", 3, "3.5"},
+                        {"2.25", "9", 3, "2."},
+                        {"abc", "", 1, ""},
+                        {nullptr, "longer", 3, "lo"},
+                        {"a", "9", 4000000000U, "a"}};
   for (const Case& c : cases) {
-    const ProfileOnDisk file(c.value == nullptr ? "[S]\n" : "[S]\nK="s + c.value + "\n");
+    const Profile profile = Loaded(c.value == nullptr ? "[S]\n" : "[S]\nK="s + c.value + "\n");
     char out[8];
     std::memset(out, 'x', sizeof out);
-    const uint32_t stored = ReadProfileText("S", "K", c.defaultText, out, c.size, file.path());
-    EXPECT_STREQ(out, c.expected) << c.expected;
-    EXPECT_EQ(stored, std::strlen(c.expected));
+    EXPECT_EQ(profile.Text("S", "K", c.defaultText, out, c.size), std::strlen(c.expected));
+    EXPECT_STREQ(out, c.expected);
   }
-  const ProfileOnDisk file("[S]\nK=v\n");
-  char out[4] = "old";
-  EXPECT_EQ(ReadProfileText("S", "K", "d", nullptr, 3, file.path()), 0U);
-  EXPECT_EQ(ReadProfileText("S", "K", "d", out, 0, file.path()), 0U);
-  EXPECT_EQ(ReadProfileText("", "K", "d", out, 3, file.path()), 0U);
-  EXPECT_EQ(ReadProfileText("S", nullptr, "d", out, 3, file.path()), 0U);
-  EXPECT_EQ(ReadProfileText("S", "K", "d", out, 3, ""), 0U);
-  EXPECT_STREQ(out, "old");
+}
+
+TEST(Profile, HasDefaultsOnlyWhenItHasAName) {
+  Profile profile;
+  for (const char* path : {"no/such/file.ini", "", static_cast<const char*>(nullptr)}) {
+    EXPECT_EQ(profile.Load(path), FileRead::kNotOpened);
+    const bool hasName = path != nullptr && *path != '\0';
+    char out[4] = "old";
+    EXPECT_EQ(profile.Text("S", "K", "9", out, 3), hasName ? 1U : 0U);
+    EXPECT_STREQ(out, hasName ? "9" : "");
+    EXPECT_EQ(profile.Int("S", "K", 99), hasName ? 99 : 0);
+  }
 }
 
 TEST(ParseDecimal, TakesDigitsWithOnePoint) {
@@ -183,9 +205,11 @@ TEST(SampleProfile, HoldsEveryKeyAtItsDefault) {
       {"ImageDeskewLine", "LineMixLength", "500"},   {"ImageDeskewLine", "LineMinThickness", "4"},
       {"ImageDeskewLine", "LineMaxThickness", "20"},
   };
+  Profile profile;
+  ASSERT_EQ(profile.Load(VORLANEPIC_SAMPLE_PROFILE), FileRead::kDone);
   for (const Key& key : keys) {
     char text[8];
-    ReadProfileText(key.section, key.key, "missing", text, 7, VORLANEPIC_SAMPLE_PROFILE);
+    profile.Text(key.section, key.key, "missing", text, 7);
     EXPECT_STREQ(text, key.text) << key.section << ", " << key.key;
   }
   size_t keyLines = 0;

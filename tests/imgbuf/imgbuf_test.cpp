@@ -31,6 +31,10 @@ TEST(ImgbufNew, MakesPossibleShapesAndRefusesOthers) {
     EXPECT_EQ(dib.bits != nullptr, c.status == 0);
     EXPECT_EQ(ImgbufDestory(&dib), c.status);
   }
+  // The pixels alone would fit.
+  ImageRec image{};
+  EXPECT_EQ(Imgbuf_New(&image, 1, 536870911, 1, 0), 1);
+  EXPECT_EQ(Imgbuf_New(&image, 65535, 32767, 8, 0), 1);
 }
 
 TEST(ImgbufNew, LaysRowsOutPaddedAndZeroed) {

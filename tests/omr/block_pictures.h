@@ -8,16 +8,16 @@
 #include <utility>
 #include <vector>
 
+#include "support/guarded_memory.h"
 #include "vorlanepic/vorlanepic.h"
 
 namespace vorlanepic::testing {
 
-// One byte per pixel, without row padding and with exactly its bytes, so that a sanitizer sees one
-// too many.
+// One byte per pixel, without row padding and between guards.
 struct BlockPicture {
   int32_t width = 0;
   int32_t height = 0;
-  std::vector<uint8_t> pixels;
+  GuardedBytes pixels;
 
   BlockPicture(int32_t w, int32_t h, uint8_t value)
       : width(w), height(h), pixels(static_cast<size_t>(w) * static_cast<size_t>(h), value) {}

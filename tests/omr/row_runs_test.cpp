@@ -8,14 +8,17 @@
 
 #include <gtest/gtest.h>
 
+#include "support/guarded_memory.h"
+
 namespace vorlanepic::omr {
 namespace {
+
+using testing::GuardedBytes;
 
 using Runs = std::vector<std::pair<int32_t, int32_t>>;
 
 template <typename Foreground>
-Runs Cut(const Foreground& foreground, const std::vector<uint8_t>& row, int32_t first,
-         int32_t last) {
+Runs Cut(const Foreground& foreground, const GuardedBytes& row, int32_t first, int32_t last) {
   std::vector<PixelRun> room(MaxRuns(last - first + 1));
   const size_t count = CutRow(foreground, row.data(), first, last, room.data());
   Runs runs;
@@ -25,7 +28,7 @@ Runs Cut(const Foreground& foreground, const std::vector<uint8_t>& row, int32_t 
 
 // Pixel by pixel; the last column belongs to a run that comes up to it.
 template <typename Foreground>
-Runs CutPlainly(const Foreground& foreground, const std::vector<uint8_t>& row, int32_t first,
+Runs CutPlainly(const Foreground& foreground, const GuardedBytes& row, int32_t first,
                 int32_t last) {
   Runs runs;
   bool isOpen = false;
@@ -42,7 +45,7 @@ TEST(RowRunsTest, RowsOfAnyLengthAreCutAsPixelByPixel) {
   std::mt19937 random(5);
   const uint8_t values[] = {0, 1, 127, 128, 254, 255};
   for (int32_t width = 1; width < 200; ++width) {
-    std::vector<uint8_t> row(static_cast<size_t>(width));
+    GuardedBytes row(static_cast<size_t>(width));
     for (uint8_t& pixel : row) pixel = values[random() % 6];
     if (width % 3 == 0) row.assign(row.size(), 0);  // one run
     if (width % 3 == 1) {

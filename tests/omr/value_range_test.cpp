@@ -4,19 +4,21 @@
 #include <cstdint>
 #include <random>
 #include <utility>
-#include <vector>
 
 #include <gtest/gtest.h>
 
 #include "omr/foreground.h"
+#include "support/guarded_memory.h"
 
 namespace vorlanepic::omr {
 namespace {
 
+using testing::GuardedBytes;
+
 std::pair<int, int> Limits(const ValueRange& range) { return {range.lowest, range.highest}; }
 
 TEST(ValueRangeTest, NothingMarkedHasLowestAboveHighest) {
-  const std::vector<uint8_t> light(40, 200);
+  const GuardedBytes light(40, 200);
   EXPECT_EQ(Limits(RangeOfMarked(DarkPixels{199}, light.data(), light.size())), std::pair(255, 0));
   EXPECT_EQ(Limits(RangeOfMarked(DarkPixels{200}, light.data(), light.size())),
             std::pair(200, 200));
@@ -26,7 +28,7 @@ TEST(ValueRangeTest, ValuesOfAnyNumberAreTakenAsOneByOne) {
   std::mt19937 random(11);
   const uint8_t extremes[] = {0, 1, 127, 128, 254, 255};
   for (size_t count = 1; count < 70; ++count) {
-    std::vector<uint8_t> values(count);
+    GuardedBytes values(count);
     for (uint8_t& value : values) {
       value = count % 2 == 0 ? extremes[random() % 6] : static_cast<uint8_t>(80 + random() % 90);
     }

@@ -5,6 +5,7 @@
 
 #include "rotate/rotate_fixture.h"
 #include "rotate/weights.h"
+#include "support/guarded_memory.h"
 
 namespace vorlanepic::testing {
 
@@ -27,7 +28,7 @@ void ExpectShares(PixelKind kind, const std::vector<uint8_t>& upper,
   const size_t pixelBytes = kind == PixelKind::kColourBilinear ? 3 : 1;
   const size_t pixels = upper.size();
   const size_t line = pixels * pixelBytes + kReadAhead;
-  std::vector<uint8_t> source(5 * line);
+  GuardedBytes source(5 * line);
   for (size_t i = 0; i < pixels * pixelBytes; ++i) {
     source[i] = upper[i / pixelBytes];
     for (size_t row = 1; row < 5; ++row) source[row * line + i] = lower[i / pixelBytes];
@@ -37,7 +38,7 @@ void ExpectShares(PixelKind kind, const std::vector<uint8_t>& upper,
   std::vector<uint16_t> stepX(kRunPixels + kMostNeighbours);
   for (size_t i = 0; i < stepX.size(); ++i) stepX[i] = static_cast<uint16_t>(i * 100);
   const std::vector<uint16_t> stepY(stepX.size());
-  std::vector<uint8_t> out(kRunPixels * pixelBytes);
+  GuardedBytes out(kRunPixels * pixelBytes);
 
   PixelRun run{};
   run.sourceLine = static_cast<ptrdiff_t>(line);

@@ -168,6 +168,9 @@ TEST(TiledRotation, LeavesOddJobsToThePlainWay) {
   EXPECT_TRUE(suits({0.1, 5, 5, 10, 10, INTERP_NEAREST}));
   EXPECT_FALSE(suits({std::nan(""), 5, 5, 10, 10, INTERP_NEAREST}));
   EXPECT_FALSE(suits({0.1, 5, 5, 30'000'000, 10, INTERP_NEAREST}));
+  source.rec()->width = INT32_MAX;
+  EXPECT_FALSE(suits({0.1, 5, 5, 10, 10, INTERP_NEAREST}));
+  source.rec()->width = 40;
   std::swap(source.rec()->rows[3], source.rec()->rows[4]);
   EXPECT_FALSE(suits({0.1, 5, 5, 10, 10, INTERP_NEAREST}));
 }

@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "support/dib_image.h"
+#include "support/initialised_memory.h"
 #include "vorlanepic/vorlanepic.h"
 
 namespace vorlanepic::testing {
@@ -22,6 +23,7 @@ namespace {
 class Checksum {
  public:
   void Add(std::span<const uint8_t> bytes) {
+    RequireInitialised(bytes.data(), bytes.size());
     for (const uint8_t byte : bytes) {
       value_ = (value_ ^ byte) * 0x100000001B3U;
     }
@@ -54,6 +56,8 @@ Checksum OfImage(const ImageRec& image) {
 
 void Print(const std::string& call, int32_t status, int32_t width, int32_t height, double angle,
            const Checksum& sum) {
+  for (const int32_t& number : {status, width, height}) RequireInitialised(&number, sizeof number);
+  RequireInitialised(&angle, sizeof angle);
   std::printf("%s: status %d, %d x %d, angle %.9f (%016" PRIx64 "), %016" PRIx64 "\n", call.c_str(),
               status, width, height, angle, std::bit_cast<uint64_t>(angle), sum.value());
 }

@@ -2,14 +2,14 @@
 #pragma once
 
 #include <cstdint>
-#include <vector>
 
+#include "support/guarded_memory.h"
 #include "support/page_drawing.h"
 #include "vorlanepic/imgbuf.h"
 
 namespace vorlanepic::testing {
 
-// A device-independent image with storage of its own, of the exact size.
+// A device-independent image with storage of its own between guards.
 class TestDib {
  public:
   // The picture of `image`, bottom row first. `pixelsPerMetre` is its horizontal resolution.
@@ -25,9 +25,9 @@ class TestDib {
   void SetField(int32_t offset, int32_t value);
 
  private:
-  std::vector<uint8_t> fileHeader_;
-  std::vector<uint8_t> infoHeader_;
-  std::vector<uint8_t> bits_;
+  GuardedBytes fileHeader_;
+  GuardedBytes infoHeader_;
+  GuardedBytes bits_;
   DibRec rec_{};
 };
 

@@ -1,5 +1,5 @@
-// Stands between the library under test and the image library: counts images and lets a chosen call
-// fail.
+// Stands between the library under test and the image library: counts images, puts their pixels
+// between guards and lets a chosen call fail.
 #pragma once
 
 #include <cstdint>

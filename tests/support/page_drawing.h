@@ -4,12 +4,13 @@
 #include <cstdint>
 #include <vector>
 
+#include "support/guarded_memory.h"
 #include "vorlanepic/imgbuf.h"
 
 namespace vorlanepic::testing {
 
-// An image with storage of its own and exact row padding, so that a sanitizer sees every byte too
-// many.
+// An image with storage of its own between guards and exact row padding, so that no byte too many
+// goes unseen.
 class TestImage {
  public:
   TestImage(int32_t width, int32_t height, int32_t bitsPerPixel, int32_t extraLineBytes = 0);
@@ -29,7 +30,7 @@ class TestImage {
   void Fill(uint8_t grey);
 
  private:
-  std::vector<uint8_t> pixels_;
+  GuardedBytes pixels_;
   std::vector<uint8_t*> rows_;
   ImageRec rec_{};
 };

@@ -2,7 +2,7 @@
 # and runs it with the packed libraries.
 file(REMOVE_RECURSE ${WORK})
 file(ARCHIVE_EXTRACT INPUT ${PACKAGE} DESTINATION ${WORK})
-file(GLOB root ${WORK}/vorlanepic-*-win32)
+file(GLOB root ${WORK}/vorlanepic-*-win*)
 foreach(name README.txt docs/hosts-guide.md docs/sample-profile.ini include/vorlanepic/imgbuf.h)
   if(NOT EXISTS ${root}/${name})
     message(FATAL_ERROR "the package lacks ${name}")

@@ -35,7 +35,7 @@ TEST_P(StraightenTest, TurnsThePageBackAtEveryDepth) {
   EXPECT_EQ(straight[0].image.rec()->bitsPerPixel, GetParam());
   EXPECT_NEAR(straight[0].image.rec()->width, 240, 6);
   EXPECT_NEAR(straight[0].image.rec()->height, 320, 6);
-  EXPECT_EQ(straight[0].xDpi, 150);
+  EXPECT_EQ(straight[0].Dpi(), 150);
   EXPECT_EQ(objects[0]["newWidth"], straight[0].image.rec()->width);
   const auto overlay = folder.Read("seen.png");
   EXPECT_EQ(overlay[0].image.rec()->bitsPerPixel, 24);

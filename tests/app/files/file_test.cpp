@@ -5,7 +5,6 @@
 
 #include "app/files/image_convert.h"
 #include "app/files/output_plan.h"
-#include "app/files/page_reader.h"
 #include "app/run_command.h"
 
 namespace vorlane::testing {
@@ -37,7 +36,7 @@ TEST(FormatTest, KeepsPixelsDepthAndResolution) {
     const ImageRec& image = *read[0].image.rec();
     EXPECT_EQ(image.bitsPerPixel, c.bitsRead) << c.name;
     EXPECT_TRUE(!c.isExact || SamePixels(image, *page.rec())) << c.name;
-    EXPECT_EQ(read[0].xDpi, c.keepsDpi ? 240 : 0) << c.name;
+    EXPECT_EQ(read[0].Dpi(), c.keepsDpi ? 240 : 0) << c.name;
     EXPECT_TRUE(read[0].notes.empty()) << c.name;
   }
 }
@@ -56,7 +55,7 @@ TEST(MultiPageTiffTest, JoinsPagesOfEveryDepthAndSize) {
   for (size_t i = 0; i < 3; ++i) {
     EXPECT_TRUE(SamePixels(*read[i].image.rec(), *expected[i]->rec())) << i;
     EXPECT_EQ(read[i].number, static_cast<int32_t>(i) + 1);
-    EXPECT_EQ(read[i].xDpi, 200);
+    EXPECT_EQ(read[i].Dpi(), 200);
   }
 }
 

@@ -1,0 +1,119 @@
+#include "app/finding/finding_facts.h"
+
+#include <array>
+#include <cmath>
+#include <cstdio>
+#include <span>
+#include <string_view>
+
+namespace vorlane::finding {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::span<const vorlane_reason> ReasonsOf(const vorlane_finding& finding) {
+  return {finding.reasons, static_cast<size_t>(finding.reason_count)};
+}
+
+std::string Format(const char* format, double value) {
+  std::array<char, 48> text{};
+  (void)std::snprintf(text.data(), text.size(), format, value);
+  return text.data();
+}
+
+// Enough digits for what is measured, and none that are not.
+double Rounded(double value, double perUnit) { return std::round(value * perUnit) / perUnit + 0.0; }
+
+const char* VerdictName(int32_t verdict) {
+  static constexpr std::array kNames = {"not-looked-at", "unseen",   "believed",
+                                        "disagrees",     "too-weak", "frame"};
+  return kNames.at(static_cast<size_t>(verdict));
+}
+
+Json CornersOf(const vorlane_finding& finding) {
+  Json corners = Json::array();
+  for (const vorlane_point& corner : finding.corners) {
+    corners.push_back({Rounded(corner.x, 1e2), Rounded(corner.y, 1e2)});
+  }
+  return corners;
+}
+
+Json EvidenceOf(const vorlane_finding& finding) {
+  Json all = Json::object();
+  for (int32_t place = 0; place < VORLANE_EVIDENCE_KINDS; ++place) {
+    const vorlane_evidence& evidence = finding.evidence[place];
+    if (evidence.verdict == VORLANE_NOT_LOOKED_AT) continue;
+    Json one = {{"verdict", VerdictName(evidence.verdict)}};
+    if (evidence.verdict != VORLANE_UNSEEN) {
+      one["angle"] = Rounded(evidence.turn, 1e4);
+      one["strength"] = Rounded(evidence.strength, 1e3);
+    }
+    all[vorlane_evidence_name(place)] = one;
+  }
+  return all;
+}
+
+Json NamesOfAgreeing(const vorlane_finding& finding) {
+  Json names = Json::array();
+  for (int32_t place = 0; place < VORLANE_EVIDENCE_KINDS; ++place) {
+    if ((finding.by >> place & 1U) != 0) names.push_back(vorlane_evidence_name(place));
+  }
+  return names;
+}
+
+Json ReasonFacts(const vorlane_finding& finding) {
+  Json reasons = Json::array();
+  for (const vorlane_reason& reason : ReasonsOf(finding)) {
+    Json one = {{"code", vorlane_reason_name(reason.code)},
+                {"words", vorlane_reason_text(reason.code)}};
+    const std::string_view unit = vorlane_reason_unit(reason.code);
+    if (!unit.empty()) {
+      one["value"] = Rounded(reason.value, 1e4);
+      one["unit"] = unit;
+    }
+    reasons.push_back(one);
+  }
+  return reasons;
+}
+
+std::string ValueWords(const vorlane_reason& reason) {
+  const std::string_view unit = vorlane_reason_unit(reason.code);
+  if (unit.empty()) return "";
+  if (unit == "degrees") return Format(" (%.2f deg)", reason.value);
+  if (unit == "share") return Format(" (%.1f %%)", reason.value * 100);
+  return Format(" (%.3g)", reason.value);
+}
+
+}  // namespace
+
+Json FactsOf(const vorlane_finding& finding) {
+  Json facts = Json::object();
+  if (finding.turn_confidence != VORLANE_REFUSED) {
+    facts["angle"] = Rounded(finding.turn, 1e4);
+    facts["corners"] = CornersOf(finding);
+    facts["by"] = NamesOfAgreeing(finding);
+    facts["cutConfidence"] = vorlane_confidence_name(finding.cut_confidence);
+    facts["expected"] = Rounded(finding.expected, 1e3);
+  }
+  facts["confidence"] = vorlane_confidence_name(finding.turn_confidence);
+  facts["evidence"] = EvidenceOf(finding);
+  facts["reasons"] = ReasonFacts(finding);
+  return facts;
+}
+
+std::string ReasonWords(const vorlane_finding& finding) {
+  std::string words;
+  for (const vorlane_reason& reason : ReasonsOf(finding)) {
+    words += words.empty() ? "" : "; ";
+    words += vorlane_reason_text(reason.code) + ValueWords(reason);
+  }
+  return words;
+}
+
+std::string FindingWords(const vorlane_finding& finding) {
+  if (finding.turn_confidence == VORLANE_REFUSED) return ReasonWords(finding);
+  return Format("%+.2f deg, ", finding.turn) + vorlane_confidence_name(finding.turn_confidence) +
+         ": " + ReasonWords(finding);
+}
+
+}  // namespace vorlane::finding

@@ -1,2 +1,0 @@
-# Empty dependencies file for detect_page.
-# This may be replaced when dependencies are built.

@@ -1,2 +1,0 @@
-# Empty compiler generated dependencies file for read_sheet.
-# This may be replaced when dependencies are built.

@@ -1,2 +1,0 @@
-# Empty dependencies file for read_sheet.
-# This may be replaced when dependencies are built.

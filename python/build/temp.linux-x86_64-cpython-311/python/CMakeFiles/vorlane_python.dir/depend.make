@@ -1,2 +1,0 @@
-# Empty dependencies file for vorlane_python.
-# This may be replaced when dependencies are built.
