@@ -160,12 +160,14 @@ class Judge {
     const SideGroup* agreeing =
         First([this](const SideGroup& group) { return group.count >= 2 && Agrees(group); });
     if (agreeing != nullptr) {
-      const bool isSure = (agreeing->count >= 3 || IsStrong()) && IsStraight(*agreeing);
+      const bool isSure =
+          (agreeing->count >= 3 || IsStrong()) && IsStraight(*agreeing) && !agreeing->isRim;
       return ByBoth(*agreeing, isSure ? Confidence::kSure : Confidence::kLikely);
     }
     const SideGroup* single = First([this](const SideGroup& group) { return Agrees(group); });
     if (single != nullptr) {
-      return ByBoth(*single, IsStrong() ? Confidence::kSure : Confidence::kLikely);
+      const bool isSure = IsStrong() && !single->isRim;
+      return ByBoth(*single, isSure ? Confidence::kSure : Confidence::kLikely);
     }
     return DecideApart();
   }

@@ -290,8 +290,9 @@ typedef struct LabelArea {
  *   set            receives the blocks, behind those it already holds
  *
  * Returns 0; 1 for a null pointer or a rectangle whose origin lies outside the image (nothing is
- * changed); 2 when memory runs out and 10 for a set whose numbers contradict each other (the set
- * then holds the blocks that it held before and is released as usual).
+ * changed); 2 when memory runs out (the set then holds the blocks that it held before and behind
+ * them those that were finished by then, and is released as usual); 10 for a set whose numbers
+ * contradict each other (it is left as it is).
  */
 VORLANEPIC_API int32_t VORLANEPIC_CDECL ImageBlockMarkHorEx(const uint8_t* image, int32_t height,
                                                             int32_t width,
@@ -353,7 +354,8 @@ VORLANEPIC_API int32_t VORLANEPIC_CDECL DestoryBlockSetRec(BlockSetRec* set) VOR
  *                 near pi/2 or -pi/2 for a tall bar; unchanged on failure
  *
  * Return 0, or -1 when no sheet or no bar is found, the bar's edges disagree, an argument cannot be
- * used or memory runs out.
+ * used or memory runs out. Only where memory runs out while blocks are marked, the bar is looked
+ * for among those that were finished by then.
  */
 
 /* On a device-independent image of 1, 8 or 24 bits per pixel; colour tables are not looked at. */

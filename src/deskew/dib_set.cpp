@@ -59,7 +59,8 @@ int32_t DibSet::Wrap(const DibRec* images, int32_t count) {
 
   size_t rowCount = 0;
   for (size_t i = 0; i < setSize; ++i) {
-    if (i > 0 && ImgbufCheck(&images[i]) != STATUS_OK) continue;
+    const int32_t status = i > 0 ? ImgbufCheck(&images[i]) : STATUS_OK;
+    if (status != STATUS_OK) return status;
     sources_[i] = WrapOne(images[i]);
     rowCount += RowCount(sources_[i]);
   }

@@ -18,11 +18,11 @@ class DibSet {
   DibSet& operator=(const DibSet&) = delete;
   ~DibSet();
 
-  // Wraps `count` images, of which the first is known to be good; a later one that the image
-  // library refuses gets an empty record, which the stages refuse when its turn comes. They stay
-  // the caller's and live as long as the set.
+  // Wraps `count` images, of which the first is known to be good. They stay the caller's and live
+  // as long as the set.
   //
-  // Returns STATUS_OK; BAD_ARGUMENT for a count below 1; or OUT_OF_MEMORY.
+  // Returns STATUS_OK; BAD_ARGUMENT for a count below 1; OUT_OF_MEMORY; or the image library's code
+  // about a later image.
   int32_t Wrap(const DibRec* images, int32_t count);
 
   // Copies every result into a new device-independent image.

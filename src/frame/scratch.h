@@ -84,6 +84,12 @@ class ScratchArray {
     return true;
   }
 
+  // Hands the storage over to the caller, who frees it.
+  T* Release() {
+    size_ = 0;
+    return std::exchange(data_, nullptr);
+  }
+
   T* data() { return data_; }
   const T* data() const { return data_; }
   size_t size() const { return size_; }

@@ -13,9 +13,6 @@
 namespace vorlanepic::omr {
 namespace {
 
-// What adding a merged block's points to a list reserves beyond them.
-constexpr int64_t kMergeReserve = 1024;
-
 // Blocks by which a set grows.
 constexpr int64_t kBlockStep = 100;
 
@@ -35,75 +32,54 @@ void Finish(BlockRec* block) {
   block->centerY = MeanOf(block->centerY, block->area);
 }
 
-// What a point list of `capacity` that holds `count` reserves to take `more` points of a run.
-int64_t GrownPointCapacity(int64_t capacity, int64_t count, int64_t more) {
-  constexpr int64_t kLeast = 512;
-  if (count + more < capacity) return capacity;
-  return std::min<int64_t>(std::max((capacity + more) * 2, kLeast), INT32_MAX);
-}
-
-// What the runs of a block come to.
-struct BlockTotal {
-  int64_t area = 0;
-  int64_t pointCapacity = 0;  // what a point list that grows run by run reserves
-  uint32_t sumX = 0;          // modulo 2^32, as the fields are that the sums end in
-  uint32_t sumY = 0;
-  int32_t left = INT32_MAX;  // bounds, inclusive
-  int32_t right = 0;
-  int32_t top = 0;
-  int32_t bottom = 0;
-  ValueRange values;
-};
-
-// Sums up a block's own runs and writes their points to `points`, where there is room for them.
-BlockTotal TakeOwnRuns(const BlockGrowth& growth, const GrowingBlock& block, BlockPoint* points) {
-  BlockTotal total;
-  total.top = total.bottom = block.firstRow;
-  total.values = block.values;
-  auto row = static_cast<size_t>(block.firstRow - growth.firstRow());
-  for (int32_t r = block.firstRun; r >= 0;) {
-    const PixelRun& run = growth.run(static_cast<size_t>(r));
-    if (static_cast<size_t>(r) >= growth.RowStart(row + 1)) {
+// Writes the points of the block's own runs in front of run `end` to `points`, where there is room
+// for them, and returns `total` with those runs added.
+BlockTotal TakeOwnRuns(const BlockGrowth& growth, const GrowingBlock& block, size_t end,
+                       BlockPoint* points, BlockTotal total) {
+  auto r = static_cast<size_t>(block.firstRun);
+  if (block.firstRun < 0 || r >= end) return total;
+  int32_t y = block.firstRow;
+  total.top = std::min(total.top, y);
+  auto row = static_cast<size_t>(y - growth.firstRow());
+  for (;;) {
+    const PixelRun& run = growth.run(r);
+    if (r >= growth.RowStart(row + 1)) {
       ++row;
-      ++total.bottom;
+      ++y;
     }
     // The next blocks' runs in this row: a block reaches through rows far apart in the table.
     frame::Prefetch(&run, frame::kCacheLine);
-    points = WriteRun(points, run, total.bottom);
-    const int64_t length = Length(run);
-    total.pointCapacity = GrownPointCapacity(total.pointCapacity, total.area, length);
-    total.area += length;
-    total.sumX += static_cast<uint32_t>((run.start + (run.end - int64_t{1})) * length / 2);
-    total.sumY += static_cast<uint32_t>(length * total.bottom);
-    total.left = std::min(total.left, run.start);
-    total.right = std::max(total.right, run.end - 1);
-    r = run.next;
+    points = WriteRun(points, run, y);
+    AddRun(run, y, &total);
+    r = static_cast<size_t>(run.next);
+    if (run.next < 0 || r >= end) return total;
   }
-  return total;
 }
 
-// Adds a merged block to the total of the one that survives.
-void Fold(const BlockTotal& merged, BlockTotal* total) {
-  if (total->area + merged.area >= total->pointCapacity) {
-    total->pointCapacity = total->area + merged.area + kMergeReserve;
-  }
-  total->area += merged.area;
-  total->sumX += merged.sumX;
-  total->sumY += merged.sumY;
-  total->left = std::min(total->left, merged.left);
-  total->right = std::max(total->right, merged.right);
-  total->top = std::min(total->top, merged.top);
-  total->bottom = std::max(total->bottom, merged.bottom);
-  Widen(&total->values, merged.values);
-}
-
-// The same for a surviving block with all that was merged into it: its own points come first.
+// What the runs of a finished block come to whose rows are all there. Its own points come first.
 BlockTotal TakeRuns(const BlockGrowth& growth, const GrowingBlock& root, BlockPoint* points) {
-  BlockTotal total = TakeOwnRuns(growth, root, points);
+  const size_t end = growth.runCount();
+  BlockTotal total = TakeOwnRuns(growth, root, end, points, {});
+  total.values = root.values;
   for (int32_t b = root.next; b >= 0; b = growth.block(b).next) {
-    Fold(TakeOwnRuns(growth, growth.block(b), points + total.area), &total);
+    BlockTotal merged = TakeOwnRuns(growth, growth.block(b), end, points + total.area, {});
+    merged.values = growth.block(b).values;
+    ReserveMerged(merged.area, &total);
+    Fold(merged, &total);
   }
   return total;
+}
+
+// Puts the points of the block's own runs in front of run `end` to its early points.
+bool TakeEarly(int32_t b, size_t end, BlockGrowth* growth) {
+  EarlyPoints* early = growth->NeedEarly(b);
+  const GrowingBlock& block = growth->block(b);
+  if (early == nullptr || !early->Reserve(static_cast<uint64_t>(block.area))) return false;
+  Widen(&early->own.values, block.values);
+  BlockPoint* points = &early->points[early->pointCount];
+  early->own = TakeOwnRuns(*growth, block, end, points, early->own);
+  early->pointCount = static_cast<size_t>(early->own.area + early->merged.area);
+  return true;
 }
 
 // Fills the record in its place, field by field: clearing it as a whole first, or copying it from
@@ -128,16 +104,34 @@ void FillRecord(const BlockTotal& total, int32_t place, BlockPoint* points, Bloc
   Finish(block);
 }
 
+// A record whose block grows on, or is none of its own any more.
+void FillPlace(BlockRec* block) {
+  *block = {};
+  block->state = BLOCK_GROWING;
+}
+
+// A block with all that was merged into it.
+struct BlockSize {
+  uint64_t points;      // of the rows that are there
+  bool hasEarlyPoints;  // of rows that were let go
+};
+
+BlockSize SizeOf(const BlockGrowth& growth, const GrowingBlock& root) {
+  BlockSize size{};
+  for (const GrowingBlock* block = &root;; block = &growth.block(block->next)) {
+    size.points += static_cast<uint64_t>(block->area);
+    size.hasEarlyPoints |= block->early != nullptr;
+    if (block->next < 0) return size;
+  }
+}
+
 // Memory for the points alone: reserving what the list counted up to would cost two kilobytes and
 // half a page fault for every speck.
-BlockPoint* NewPoints(const BlockGrowth& growth, const GrowingBlock& root) {
-  uint64_t count = kSparePoints;
-  for (const GrowingBlock* block = &root;; block = &growth.block(block->next)) {
-    count += static_cast<uint64_t>(block->area);
-    if (block->next < 0) break;
-  }
+BlockPoint* ResizePoints(BlockPoint* points, uint64_t count) {
+  count += kSparePoints;
   if (count > SIZE_MAX / sizeof(BlockPoint)) return nullptr;
-  return static_cast<BlockPoint*>(std::malloc(static_cast<size_t>(count) * sizeof(BlockPoint)));
+  const size_t bytes = static_cast<size_t>(count) * sizeof(BlockPoint);
+  return static_cast<BlockPoint*>(std::realloc(points, bytes));
 }
 
 // Finishes or releases what earlier calls left in the set's first `count` records and moves those
@@ -175,39 +169,126 @@ BlockHandBack::BlockHandBack(int32_t shortestDiagonal, BlockSetRec* set)
       end_(set->count) {}
 
 BlockHandBack::~BlockHandBack() {
-  for (int32_t i = set_->count; i < end_; ++i) std::free(set_->blocks[i].points);
+  if (isFinished_) return;
+  DropPlaces();
+  set_->count = end_;
+  set_->capacity = static_cast<int32_t>(reserved_);
 }
 
-bool BlockHandBack::Add(const BlockGrowth& growth) {
-  if (growth.blockCount() == 0) return true;
-  opened_ += growth.blockCount();
-  lastRunOpened_ = growth.lastRunOpened();
-  // Half as much again each time, so that the cost of moving records stays in proportion.
+bool BlockHandBack::HandOver(BlockGrowth* growth) {
+  opened_ = growth->openedCount();
+  lastRunOpened_ = growth->lastRunOpened();
+  // Half as much again each time, so that the cost of moving records stays in proportion, or what
+  // the rest of the image is expected to add.
   const int64_t needed = GrownCapacity();
-  if (needed > reserved_ && !Reserve(std::max(needed, reserved_ / 2 * 3))) return false;
-  for (int32_t b = 0; b < growth.blockCount(); ++b) {
-    const GrowingBlock& root = growth.block(b);
+  const int64_t expected = set_->count + growth->ExpectedCount();
+  if (needed > reserved_ && !Reserve(std::max({needed, reserved_ / 2 * 3, expected}))) return false;
+  for (int32_t b = 0; b < growth->blockCount(); ++b) {
+    const GrowingBlock& root = growth->block(b);
     if (root.parent != b) continue;
-    BlockPoint* points = NewPoints(growth, root);
-    if (points == nullptr) return false;
-    const BlockTotal total = TakeRuns(growth, root, points);
-    BlockRec& block = set_->blocks[end_];
-    FillRecord(total, end_, points, &block);
-    ++end_;
-    if (total.pointCapacity > INT32_MAX) return false;
-    if (shortestDiagonal_ > 0 && BoxDiagonal(block.width, block.height) < shortestDiagonal_) {
-      std::free(points);
-      --end_;
+    if (!(root.grows ? PutAside(b, growth) : TakeFinished(b, growth))) return false;
+  }
+  growth->LetRowsGo();
+  return true;
+}
+
+bool BlockHandBack::TakeFinished(int32_t b, BlockGrowth* growth) {
+  const GrowingBlock& root = growth->block(b);
+  const BlockSize size = SizeOf(*growth, root);
+  if (size.hasEarlyPoints) return TakeGrown(b, growth);
+  BlockPoint* points = ResizePoints(nullptr, size.points);
+  if (points == nullptr) return false;
+  return Put(TakeRuns(*growth, root, points), points, NewPlace());
+}
+
+// Joins the early points of a block with those of the blocks merged into it.
+bool BlockHandBack::TakeGrown(int32_t b, BlockGrowth* growth) {
+  const size_t end = growth->runCount();
+  if (!TakeEarly(b, end, growth)) return false;
+  const GrowingBlock& root = growth->block(b);
+  EarlyPoints* all = root.early;
+  while (root.next >= 0) {
+    if (!TakeEarly(root.next, end, growth)) return false;
+    if (!all->Append(*growth->block(root.next).early)) return false;
+    growth->DropNext(b, b);
+  }
+  BlockPoint* points = ResizePoints(all->points.data(), all->pointCount);
+  if (points == nullptr) return false;
+  all->points.Release();
+  const BlockTotal total = all->Total();
+  const int32_t place = all->place >= 0 ? all->place : NewPlace();
+  growth->DropEarly(b);
+  return Put(total, points, place);
+}
+
+// Makes early points of a growing block's rows but the last. Neighbours in its chain that take no
+// more runs become one.
+bool BlockHandBack::PutAside(int32_t root, BlockGrowth* growth) {
+  const size_t end = growth->lastRowStart();
+  int32_t before = -1;  // in the chain, if it takes no more runs
+  for (int32_t b = root; b >= 0;) {
+    const GrowingBlock& block = growth->block(b);
+    const int32_t next = block.next;
+    const bool isNew = block.early == nullptr && static_cast<size_t>(block.firstRun) >= end;
+    if (!isNew && !TakeEarly(b, end, growth)) return false;
+    if (block.isOpen) {
+      before = -1;
+    } else if (before < 0) {
+      before = b;
+    } else {
+      if (!growth->block(before).early->Append(*block.early)) return false;
+      growth->DropNext(before, root);
     }
+    b = next;
+  }
+  EarlyPoints* early = growth->block(root).early;
+  if (early != nullptr && early->place < 0) {
+    early->place = NewPlace();
+    FillPlace(&set_->blocks[early->place]);
+    hasPlaces_ = true;
   }
   return true;
+}
+
+int32_t BlockHandBack::NewPlace() { return end_++; }
+
+bool BlockHandBack::Put(const BlockTotal& total, BlockPoint* points, int32_t place) {
+  BlockRec& block = set_->blocks[place];
+  FillRecord(total, place, points, &block);
+  const bool isShort =
+      shortestDiagonal_ > 0 && BoxDiagonal(block.width, block.height) < shortestDiagonal_;
+  if (total.pointCapacity > INT32_MAX || isShort) {
+    std::free(points);
+    FillPlace(&block);
+    if (place == end_ - 1) {
+      --end_;
+    } else {
+      hasPlaces_ = true;
+    }
+  }
+  return total.pointCapacity <= INT32_MAX;
+}
+
+// Moves the records added together where places of no block lie between them.
+void BlockHandBack::DropPlaces() {
+  if (!hasPlaces_) return;
+  int32_t kept = set_->count;
+  for (int32_t i = set_->count; i < end_; ++i) {
+    if (set_->blocks[i].state != BLOCK_FINISHED) continue;
+    if (kept != i) set_->blocks[kept] = set_->blocks[i];
+    set_->blocks[kept].root = kept;
+    ++kept;
+  }
+  end_ = kept;
 }
 
 bool BlockHandBack::Finish() {
   const int64_t capacity = GrownCapacity();
   if (capacity != reserved_ && capacity > 0 && !Reserve(capacity)) return false;
+  isFinished_ = true;
   set_->capacity = static_cast<int32_t>(capacity);
 
+  DropPlaces();
   const int32_t kept = CompactEarlier(set_->blocks, set_->count);
   const int32_t dropped = set_->count - kept;
   if (dropped > 0) {

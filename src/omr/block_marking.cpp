@@ -55,19 +55,25 @@ bool GrowBlocks(const Foreground& foreground, const GreyView& image, const Block
   if (!growth.Begin(area.top, static_cast<size_t>(std::max(rows, 0)))) return false;
   const bool joins = param.joinGap != 0;
   const bool filters = joins || (param.minRunLen != 0 && param.maxRunLen != 0);
+  const auto handOver = [&] {
+    growth.MarkOpen();
+    return handBack->HandOver(&growth);
+  };
   for (int32_t i = 0; i < rows; ++i) {
-    if (!growth.ReserveRow(MaxRuns(columns))) return false;
+    // An empty row ends every block: they are handed over while their runs are still in the cache.
+    const bool isTime = growth.isFull() || growth.lastRowStart() == growth.runCount();
+    if (isTime && !handOver()) return false;
+    if (!growth.ReserveRow(MaxRuns(columns))) {
+      static_cast<void>(handOver());  // what is finished by then stays in the set
+      return false;
+    }
     const int32_t y = area.top + i;
     PixelRun* runs = growth.nextRuns();
     size_t count = CutRow(foreground, image.Row(y), area.left, area.right, runs);
     if (filters) count = FilterRuns(param, runs, count);
     AddRow(foreground, image, y, area.right, joins, count, &growth);
-    if (count > 0) continue;
-    // An empty row ends every block: hand them back while their runs are still in the cache.
-    if (!handBack->Add(growth)) return false;
-    growth.Restart();
   }
-  return handBack->Add(growth);
+  return handBack->HandOver(&growth);
 }
 
 bool IsConsistent(const BlockSetRec& set) {

@@ -128,6 +128,52 @@ TEST_F(DeskewCropServiceTest, PassesTheImageLibrarysCodesOn) {
   EXPECT_EQ(imgbuf_.aliveImages(), 0);
 }
 
+TEST_F(DeskewCropServiceTest, PassesCodesAboutLaterImagesOn) {
+  const TestImage page = DrawPage({.degrees = 3});
+  const TestImage colour = DrawPage({.bitsPerPixel = 24, .degrees = 3});
+  const ImageRec images[] = {*page.rec(), *colour.rec()};
+  const TestDib dib(page);
+  const DibRec dibs[] = {*dib.rec(), *dib.rec()};
+  for (const int32_t method : {1, 3}) {
+    ImageRec out[2] = {};
+    EXPECT_EQ(RunEx(images, ForMethod(method), out, 2), BAD_ARGUMENT);
+    imgbuf_.FailCheck(1, 65);
+    EXPECT_EQ(RunEx(images, ForMethod(method), out, 2), 65);
+    DibRec outDibs[2] = {};
+    imgbuf_.FailDibCheck(1, 66);
+    EXPECT_EQ(RunDib(dibs, ForMethod(method), outDibs, 2), 66);
+  }
+  EXPECT_EQ(imgbuf_.aliveImages(), 0);
+}
+
+// Slanted lines give the borders; what is found in their rows are two strips, of which the right
+// one ends the search from the left and the left one that from the right: columns 168..151.
+TEST_F(DeskewCropServiceTest, TurnsAContentOfNegativeWidthIntoFill) {
+  TestImage page(400, 400, 8);
+  for (int32_t y = 0; y < 400; ++y) {
+    const int32_t x = 60 + static_cast<int32_t>(y * std::tan(5 * 0.017453292519943295));
+    page.Set(x, y, 255);
+    page.Set(x + 240, y, 255);
+  }
+  FillRectangle(&page, 149, 100, 151, 299, 255);
+  FillRectangle(&page, 168, 100, 170, 299, 255);
+  DeskewCropParam param = kParam;
+  param.SearchBorderPixelNum = param.SearchLimitNum = 1;
+  param.PixelNum = 20;
+  param.CropPixelNum = 8;
+  const uint8_t fill[] = {170};
+  ImageRec out{};
+  ASSERT_EQ(
+      ImageDeskewCropEx(page.rec(), INTERP_BILINEAR, 100, 0, 0, fill, &angle_, &out, param, 1),
+      STATUS_OK);
+  EXPECT_EQ(out.width, 19);
+  EXPECT_EQ(out.height, 397);
+  for (int32_t y = 0; y < out.height; ++y) {
+    ASSERT_EQ(std::count(out.rows[y], out.rows[y] + out.width, fill[0]), out.width);
+  }
+  Imgbuf_Destory(&out);
+}
+
 // The first image is measured; the second is never read.
 TEST_F(DeskewCropServiceTest, ALaterImageThatCannotBeUsedFailsTheSet) {
   const TestDib first(DrawPage({.degrees = 3}));

@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <random>
 #include <string>
 #include <vector>
@@ -202,21 +203,60 @@ TEST(BlockMarkingTest, RefusesWhatCannotBeSearched) {
   *set.get() = {};
 }
 
-TEST(BlockMarkingTest, SurvivesEveryHeapFailureWithTheSetAsItWas) {
+TEST(BlockMarkingTest, KeepsWhatIsFinishedWhenTheHeapFails) {
   const BlockPicture picture(
       {"#..#..#...", "#..#..#...", "#######...", "..........", "#........."});
+  const std::vector<std::string> blocks = {"0,0 7x3 13", "0,4 1x1 1"};
   TestSet set;
   ASSERT_EQ(MarkDark(picture, kPlainRuns, picture.All(), &set), STATUS_OK);
-  int32_t failures = 0;
   int32_t status = STATUS_OK;
+  std::vector<int32_t> failures(2);  // those that kept no new block and those that kept the first
   ForEachHeapFailure([&] { status = MarkDark(picture, kPlainRuns, picture.All(), &set); },
                      [&](int32_t) {
-                       ++failures;
                        EXPECT_EQ(status, OUT_OF_MEMORY);
-                       EXPECT_THAT(Outlines(set), ElementsAre("0,0 7x3 13", "0,4 1x1 1"));
+                       const int32_t added = set->count - 2;
+                       ++failures.at(static_cast<size_t>(added));
+                       std::vector<std::string> expected = blocks;
+                       expected.insert(expected.end(), blocks.begin(), blocks.begin() + added);
+                       EXPECT_THAT(Outlines(set), ElementsAreArray(expected));
+                       while (set->count > 2) std::free(set->blocks[--set->count].points);
                      });
-  EXPECT_GT(failures, 4);  // runs, labels, blocks, records and two lists at least
+  EXPECT_THAT(failures, ::testing::Each(::testing::Gt(0)));
   EXPECT_EQ(set->count, 4);
+}
+
+// So many runs that rows are let go while blocks still grow: dots and small blocks by the thousand,
+// blocks that reach through all rows, and combs that meet again and again.
+TEST(BlockMarkingTest, AgreesWithThePlainMarkerOnLargePictures) {
+  std::mt19937 random(11);
+  std::vector<BlockPicture> pictures;
+  for (const uint32_t percent : {5U, 20U, 35U, 42U, 60U}) {
+    pictures.push_back(RandomPicture(700, 600, percent, &random));
+  }
+  BlockPicture board(500, 500, 255);
+  for (size_t i = 0; i < board.pixels.size(); ++i) board.pixels[i] = (i + i / 500) % 2 ? 3 : 255;
+  pictures.push_back(board);
+  BlockPicture combs(700, 600, 255);
+  for (int32_t y = 0; y < combs.height; ++y) {
+    for (int32_t x = 0; x < combs.width; ++x) {
+      const bool isTooth = x % 2 == 0 && y >= x % 37;
+      const bool isJoint = y % 150 == 149 && x / 2 % (y / 100 + 2) != 0;
+      if (isTooth || isJoint) combs.At(x, y) = static_cast<uint8_t>(1 + (x + y) % 90);
+    }
+  }
+  pictures.push_back(combs);
+  BlockPicture framed = RandomPicture(700, 600, 25, &random);
+  for (int32_t y = 0; y < framed.height; ++y) framed.At(0, y) = framed.At(699, y) = 9;
+  pictures.push_back(framed);
+  for (const BlockPicture& picture : pictures) {
+    SCOPED_TRACE(&picture - pictures.data());
+    TestSet set;
+    PlainSet plain;
+    ASSERT_EQ(MarkDark(picture, kPlainRuns, picture.All(), &set), STATUS_OK);
+    MarkPlainly(picture.pixels.data(), picture.height, picture.width, kPlainRuns, picture.All(),
+                IsDark, &plain);
+    ASSERT_NO_FATAL_FAILURE(ExpectSame(set, plain));
+  }
 }
 
 TEST(BlockMarkingTest, BlocksLeftUnfinishedAreFinishedOrReleased) {

@@ -184,11 +184,13 @@ TEST(MarkSheetAngleTest, ArgumentsThatCannotBeUsedGiveNoAngle) {
 TEST(MarkSheetAngleTest, EveryHeapFailureIsSurvived) {
   MarkSheet sheet;
   sheet.DrawWideBar(100, 200, 600, 6, 10);
+  sheet.Fill(300, 400, 305, 405, 10);
   double expected = 0;
   ASSERT_EQ(sheet.Angle(&expected), 0);
   int32_t status = 0;
   double angle = 0;
   int32_t failures = 0;
+  int32_t measured = 0;
   ForEachHeapFailure(
       [&] {
         angle = 0;
@@ -196,10 +198,12 @@ TEST(MarkSheetAngleTest, EveryHeapFailureIsSurvived) {
       },
       [&](int32_t) {
         ++failures;
-        EXPECT_EQ(status, -1);
-        EXPECT_EQ(angle, 0.0);
+        // The bar can still be measured when it is marked and the marking fails behind it.
+        measured += status == 0 ? 1 : 0;
+        EXPECT_EQ(angle, status == 0 ? expected : 0.0);
       });
-  EXPECT_GT(failures, 10);
+  EXPECT_GT(measured, 0);
+  EXPECT_GT(failures, 10 + measured);
   EXPECT_EQ(angle, expected);
 }
 
