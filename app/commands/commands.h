@@ -8,6 +8,7 @@ namespace vorlane::commands {
 
 CommandRun AddDetect(CLI::App* app);
 CommandRun AddStraighten(CLI::App* app);
+CommandRun AddPruned(CLI::App* app);
 CommandRun AddCrop(CLI::App* app);
 CommandRun AddAngle(CLI::App* app);
 CommandRun AddForm(CLI::App* app);
