@@ -17,7 +17,9 @@ std::string Joined(const std::vector<std::string>& words) {
 
 nlohmann::ordered_json JsonOf(const PageRecord& record) {
   nlohmann::ordered_json json = JsonHead(record, ResultName(record));
-  if (record.isError) json["reasons"] = {record.words};
+  if (record.isError) {
+    json["reasons"] = {{{"code", "error"}, {"words", record.words}}};
+  }
   json.update(record.facts);
   if (!record.output.empty()) PutName("output", record.output, &json);
   if (record.isUnchanged) json["unchanged"] = true;

@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <memory>
-#include <mutex>
 
 #include "app/commands/commands.h"
 #include "app/commands/dib_image.h"
@@ -124,8 +123,7 @@ batch::PageOutcome MeasurePage(const BarOptions& options, const files::Page& pag
   const auto call = std::make_shared<BarCall>();
   Measure(options, page, call.get());
   batch::PageOutcome outcome;
-  outcome.fate =
-      call->status == STATUS_OK ? batch::PageFate::kMeasured : batch::PageFate::kFailed;
+  outcome.fate = call->status == STATUS_OK ? batch::PageFate::kMeasured : batch::PageFate::kFailed;
   outcome.words = Words(*call);
   outcome.facts = Facts(*call);
   outcome.draw = [call](const files::Page& drawn) { return DrawBarOverlay(drawn, *call); };
@@ -160,11 +158,8 @@ CommandRun AddBarAngle(CLI::App* app) {
       "  vorlane bar-angle photo.jpg --min-length 400 --min-thickness 6 --max-thickness 14");
   return [options, command] {
     FinishRequest(*command, &options->batch);
-    std::mutex turns;
-    return batch::RunBatch(options->batch, [&](const files::Page& page) {
-      const std::lock_guard lock(turns);
-      return MeasurePage(*options, page);
-    });
+    return batch::RunBatch(options->batch,
+                           [&](const files::Page& page) { return MeasurePage(*options, page); });
   };
 }
 

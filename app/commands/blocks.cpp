@@ -100,8 +100,8 @@ std::string NameOf(const files::Page& page) {
 }
 
 void PrintTable(const files::Page& page, std::span<const BlockRec> blocks, double milliseconds) {
-  std::printf("%s: %zu blocks, %.1f ms\n%6s", NameOf(page).c_str(), blocks.size(),
-              milliseconds, "block");
+  std::printf("%s: %zu blocks, %.1f ms\n%6s", NameOf(page).c_str(), blocks.size(), milliseconds,
+              "block");
   for (const Column& column : kColumns) std::printf(" %8s", column.name);
   std::printf("\n");
   for (size_t i = 0; i < blocks.size(); ++i) {
@@ -164,8 +164,7 @@ void RunPage(const BlockOptions& options, const files::Page& page, const std::st
   const double milliseconds = Timed([&] { found = FindBlocks(options, image, threshold, &set); });
   if (!found) {
     throw files::FileError(
-        NameOf(page) +
-        ": the rectangle begins outside the page, or there is not enough memory");
+        NameOf(page) + ": the rectangle begins outside the page, or there is not enough memory");
   }
   if (!overlay.empty()) {
     const bool mayReplace = options.batch.overwriting.outputs;

@@ -1,14 +1,14 @@
 // vorlane crop and vorlane angle: deskew and crop by parameters or profile.
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <memory>
-#include <mutex>
 #include <utility>
 
 #include "app/commands/commands.h"
 #include "app/commands/deskew_options.h"
 #include "app/commands/fill_colour.h"
+#include "app/commands/profile_check.h"
+#include "app/judge/judgement.h"
 #include "app/judge/page_geometry.h"
 #include "app/judge/service_runs.h"
 #include "app/judge/threshold_choice.h"
@@ -35,6 +35,13 @@ void ReleaseAll(std::vector<ImageRec>* images) {
   }
 }
 
+judging::TurnOutcome NewOutcome(const vorlane_finding& found) {
+  judging::TurnOutcome outcome;
+  outcome.finding = found;
+  outcome.page = std::make_unique<vorlanepic::deskew::PageRecords>();
+  return outcome;
+}
+
 void FinishOutcome(int32_t method, double angle, const ImageRec& image,
                    judging::TurnOutcome* outcome) {
   outcome->kind = method == 2 ? judging::TurnKind::kBorderVote : judging::TurnKind::kPruned;
@@ -48,43 +55,38 @@ void FinishOutcome(int32_t method, double angle, const ImageRec& image,
 // Runs the pages, exposures of one page, with the first one's geometry. `results` has as many empty
 // records and receives the images, which the caller releases.
 judging::TurnOutcome CropSet(const CropOptions& options, const std::vector<ImageRec>& pages,
-                             int32_t threshold, std::vector<ImageRec>* results) {
-  judging::TurnOutcome outcome;
-  outcome.page = std::make_unique<vorlanepic::deskew::PageRecords>();
+                             const vorlane_finding& found, int32_t threshold,
+                             std::vector<ImageRec>* results) {
+  judging::TurnOutcome outcome = NewOutcome(found);
   const DeskewCropParam param = ParamOf(options.deskew);
   const std::array<uint8_t, 3> fill = FillBytes(options.fill, pages[0].bitsPerPixel);
   double angle = 0;
-  outcome.milliseconds = Timed([&] {
-    outcome.status = judging::RunCrop(
-        pages, {options.interpolation, threshold, options.corner, fill.data(), param, false},
-        &angle, results->data(), outcome.page.get());
-  });
+  outcome.status = judging::RunCrop(
+      pages, {options.interpolation, threshold, options.corner, fill.data(), param, false}, &angle,
+      results->data(), outcome.page.get());
   if (outcome.status != STATUS_OK) ReleaseAll(results);
   FinishOutcome(MethodOf(options.deskew), angle, pages[0], &outcome);
   return outcome;
 }
 
 judging::TurnOutcome CropPage(const CropOptions& options, const ImageRec& image,
-                              int32_t threshold) {
+                              const vorlane_finding& found, int32_t threshold) {
   std::vector<ImageRec> results(1);
-  judging::TurnOutcome outcome = CropSet(options, {image}, threshold, &results);
+  judging::TurnOutcome outcome = CropSet(options, {image}, found, threshold, &results);
   *outcome.result.rec() = results[0];
   return outcome;
 }
 
 judging::TurnOutcome MeasureAngle(const CropOptions& options, const ImageRec& image,
-                                  int32_t threshold) {
-  judging::TurnOutcome outcome;
-  outcome.page = std::make_unique<vorlanepic::deskew::PageRecords>();
+                                  const vorlane_finding& found, int32_t threshold) {
+  judging::TurnOutcome outcome = NewOutcome(found);
   const std::array<uint8_t, 3> fill{};
   ImageRec none{};
   double angle = 0;
-  outcome.milliseconds = Timed([&] {
-    outcome.status = judging::RunCrop(
-        std::span(&image, 1),
-        {INTERP_BILINEAR, threshold, 0, fill.data(), ParamOf(options.deskew), true}, &angle, &none,
-        outcome.page.get());
-  });
+  outcome.status =
+      judging::RunCrop(std::span(&image, 1),
+                       {INTERP_BILINEAR, threshold, 0, fill.data(), ParamOf(options.deskew), true},
+                       &angle, &none, outcome.page.get());
   FinishOutcome(MethodOf(options.deskew), angle, image, &outcome);
   return outcome;
 }
@@ -98,11 +100,20 @@ void AddCropSettings(CLI::App* command, const std::shared_ptr<CropOptions>& opti
   AddDeskewOptions(command, &options->deskew);
 }
 
-// Checked before any page is touched; a profile's values are known to the library only.
-void CheckProfile(const CropOptions& options) { (void)ParamOf(options.deskew); }
+// Checked before any page is touched.
+void CheckOptions(const CropOptions& options) {
+  if (!options.deskew.profile.empty()) CheckProfile(options.deskew.profile);
+  if (options.corner != 0 && MethodOf(options.deskew) != 1) {
+    throw files::UsageError(
+        "--corner moves the borders of method 1; those of method 3 lie through the page's "
+        "outermost points and stay there, and method 2 cuts to the content");
+  }
+}
 
-// The pages of a file with the first one's geometry: one outcome, told of each with its own picture.
+// The pages of a file with the first one's geometry: one outcome, told of each with its own
+// picture.
 std::vector<batch::PageOutcome> CropTogether(const CropOptions& options,
+                                             finding::PageEngine* engine,
                                              const std::vector<files::Page>& pages) {
   const ImageRec& first = *pages[0].image.rec();
   std::vector<ImageRec> records;
@@ -119,7 +130,8 @@ std::vector<batch::PageOutcome> CropTogether(const CropOptions& options,
   const int32_t given = options.threshold.threshold;
   std::vector<ImageRec> results(pages.size());
   const auto outcome = std::make_shared<judging::TurnOutcome>(
-      CropSet(options, records, given >= 0 ? given : Preferred(options, first), &results));
+      CropSet(options, records, FindingFor(engine, options.report, first),
+              given >= 0 ? given : Preferred(options, first), &results));
   std::vector<batch::PageOutcome> outcomes;
   for (size_t i = 0; i < pages.size(); ++i) {
     *outcome->result.rec() = std::exchange(results[i], ImageRec{});
@@ -129,21 +141,28 @@ std::vector<batch::PageOutcome> CropTogether(const CropOptions& options,
   return outcomes;
 }
 
+using CropCall = judging::TurnOutcome (*)(const CropOptions&, const ImageRec&,
+                                          const vorlane_finding&, int32_t threshold);
+
+// The service for single pages, over `call`.
+batch::PageService SingleService(const std::shared_ptr<CropOptions>& options, CropCall call) {
+  return ServiceOf(
+      options->report, [options, call](const files::Page& page, const vorlane_finding& found) {
+        const ImageRec& image = *page.image.rec();
+        return RunThresholds(options->threshold, Preferred(*options, image), image,
+                             [&](int32_t level) { return call(*options, image, found, level); });
+      });
+}
+
 int RunCrop(const std::shared_ptr<CropOptions>& options) {
-  CheckProfile(*options);
-  if (options->oneGeometry) {
-    std::mutex turns;
-    return batch::RunPageSets(options->batch, [&](const std::vector<files::Page>& pages) {
-      const std::lock_guard lock(turns);
-      return CropTogether(*options, pages);
-    });
+  CheckOptions(*options);
+  if (!options->oneGeometry) {
+    return batch::RunBatch(options->batch, SingleService(options, CropPage));
   }
-  const auto service = ServiceOf(options->report, [&](const files::Page& page) {
-    return RunThresholds(
-        options->threshold, Preferred(*options, *page.image.rec()), *page.image.rec(),
-        [&](int32_t threshold) { return CropPage(*options, *page.image.rec(), threshold); });
+  finding::PageEngine engine;
+  return batch::RunPageSets(options->batch, [&](const std::vector<files::Page>& pages) {
+    return CropTogether(*options, &engine, pages);
   });
-  return batch::RunBatch(options->batch, service);
 }
 
 }  // namespace
@@ -152,15 +171,16 @@ CommandRun AddCrop(CLI::App* app) {
   auto options = std::make_shared<CropOptions>();
   CLI::App* command =
       app->add_subcommand("crop", "Deskew and crop by a chosen method, settings or a profile");
-  AddBatchOptions(command, &options->batch, &options->report);
+  AddBatchOptions(command, &options->batch);
+  AddDoubtfulOption(command, &options->report);
   AddInterpolationOption(command, &options->interpolation);
   AddCropSettings(command, options);
   command
       ->add_option("--corner", options->corner,
-                   "Methods 1 and 3: move every border outwards by twice this many pixels")
+                   "Method 1: move every border outwards by twice this many pixels")
       ->check(CLI::Range(-1000, 1000))
       ->capture_default_str();
-  AddFillOption(command, &options->fill);
+  AddFillOption(command, &options->fill, kContentFill);
   command->add_flag("--one-geometry", options->oneGeometry,
                     "Pages of a TIFF are exposures of one page: measure the first, turn and cut "
                     "all alike");
@@ -189,13 +209,8 @@ CommandRun AddAngle(CLI::App* app) {
   return [options, command] {
     FinishRequest(*command, &options->batch);
     options->report.makesPages = false;
-    CheckProfile(*options);
-    const auto service = ServiceOf(options->report, [&](const files::Page& page) {
-      return RunThresholds(
-          options->threshold, Preferred(*options, *page.image.rec()), *page.image.rec(),
-          [&](int32_t threshold) { return MeasureAngle(*options, *page.image.rec(), threshold); });
-    });
-    return batch::RunBatch(options->batch, service);
+    CheckOptions(*options);
+    return batch::RunBatch(options->batch, SingleService(options, MeasureAngle));
   };
 }
 

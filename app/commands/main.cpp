@@ -33,9 +33,9 @@ int RunCommandLine(int argc, char** argv) {
       "the\n"
       "request cannot be carried out; 3 some file could not be read or written.");
   const std::vector<commands::CommandRun> runs = {
-      commands::AddDetect(&app),  commands::AddStraighten(&app), commands::AddCrop(&app),
-      commands::AddAngle(&app),   commands::AddForm(&app),       commands::AddBlocks(&app),
-      commands::AddBarAngle(&app)};
+      commands::AddStraighten(&app), commands::AddDetect(&app),   commands::AddCrop(&app),
+      commands::AddAngle(&app),      commands::AddPruned(&app),   commands::AddForm(&app),
+      commands::AddBlocks(&app),     commands::AddBarAngle(&app), commands::AddCompletion(&app)};
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

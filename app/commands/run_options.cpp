@@ -1,7 +1,6 @@
 #include "app/commands/run_options.h"
 
 #include <chrono>
-#include <map>
 #include <utility>
 
 #include "app/batch/input_list.h"
@@ -49,8 +48,7 @@ void AddJournalOptions(CLI::App* app, batch::BatchRequest* request) {
                 "done again")
       ->needs(journal)
       ->group(kRunGroup);
-  app->add_flag("--strict", request->isStrict,
-                "A page that is left as it is makes the exit code 1")
+  app->add_flag("--strict", request->isStrict, "A page that is left as it is makes the exit code 1")
       ->group(kRunGroup);
 }
 
@@ -58,19 +56,21 @@ std::string FileDigest(const std::string& path) { return batch::Sha256OfFile(pat
 
 // Whether an option is one of those that say what becomes of a page.
 bool DecidesPages(const CLI::Option& option) {
-  return option.count() > 0 && option.get_group() != kInputGroup &&
-         option.get_group() != kRunGroup;
+  return option.count() > 0 && option.get_group() != kInputGroup && option.get_group() != kRunGroup;
 }
 
 }  // namespace
 
-void AddBatchOptions(CLI::App* app, batch::BatchRequest* request, TurnReport* report) {
+void AddBatchOptions(CLI::App* app, batch::BatchRequest* request) {
   AddInputOptions(app, request);
   AddOutputOptions(app, request);
-  app->add_flag("--accept-doubtful", report->acceptsDoubtful,
-                "Write doubtful results too; otherwise such a page is left as it is");
   AddRunOptions(app, request);
   AddJournalOptions(app, request);
+}
+
+void AddDoubtfulOption(CLI::App* app, TurnReport* report) {
+  app->add_flag("--accept-doubtful", report->acceptsDoubtful,
+                "Write doubtful results too; otherwise such a page is left as it is");
 }
 
 void AddMeasureOptions(CLI::App* app, batch::BatchRequest* request) {
@@ -92,8 +92,7 @@ void AddInputOptions(CLI::App* app, batch::BatchRequest* request) {
       ->needs(list)
       ->group(kInputGroup);
   app->add_option_function<std::string>(
-         "--shard",
-         [inputs](const std::string& text) { inputs->shard = *batch::ParseShard(text); },
+         "--shard", [inputs](const std::string& text) { inputs->shard = *batch::ParseShard(text); },
          "i/n: take the i-th of n shares of the inputs, the same ones at any time and place")
       ->check(CLI::Validator(
           [](const std::string& text) {
@@ -170,14 +169,20 @@ void AddBarPageOptions(CLI::App* app, int32_t* threshold, int32_t* dpi) {
       ->check(CLI::Range(1, 4800));
 }
 
-void AddInterpolationOption(CLI::App* app, int32_t* interpolation) {
-  static const std::map<std::string, int32_t> kNames = {
-      {"bicubic", INTERP_BICUBIC}, {"bilinear", INTERP_BILINEAR}, {"nearest", INTERP_NEAREST}};
+void AddChoice(CLI::App* app, const char* name, int32_t* value, const Choices& choices,
+               const char* meaning) {
+  std::vector<std::string> words;
+  for (const auto& [word, code] : choices) words.push_back(word);
   app->add_option_function<std::string>(
-         "--interpolation",
-         [interpolation](const std::string& name) { *interpolation = kNames.at(name); },
-         "How pixels between pixels are sampled [bicubic]; 1-bit pages always take the nearest")
-      ->check(CLI::IsMember({"bicubic", "bilinear", "nearest"}));
+         name, [value, choices](const std::string& word) { *value = choices.at(word); }, meaning)
+      ->check(CLI::IsMember(words));
+}
+
+void AddInterpolationOption(CLI::App* app, int32_t* interpolation) {
+  AddChoice(
+      app, "--interpolation", interpolation,
+      {{"bicubic", INTERP_BICUBIC}, {"bilinear", INTERP_BILINEAR}, {"nearest", INTERP_NEAREST}},
+      kInterpolationMeaning);
 }
 
 void AddThresholdOptions(CLI::App* app, ThresholdOptions* options) {

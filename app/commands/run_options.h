@@ -3,6 +3,8 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
+#include <string>
 
 #include <CLI/CLI.hpp>
 
@@ -16,7 +18,10 @@ namespace vorlane::commands {
 using CommandRun = std::function<int()>;
 
 // What is read, where it goes and how the run goes on, for commands that write pages.
-void AddBatchOptions(CLI::App* app, batch::BatchRequest* request, TurnReport* report);
+void AddBatchOptions(CLI::App* app, batch::BatchRequest* request);
+
+// --accept-doubtful.
+void AddDoubtfulOption(CLI::App* app, TurnReport* report);
 
 // The same for commands that only measure.
 void AddMeasureOptions(CLI::App* app, batch::BatchRequest* request);
@@ -33,7 +38,14 @@ void FinishRequest(const CLI::App& command, batch::BatchRequest* request);
 // --threshold N and --dpi N, for commands that look for a reference bar.
 void AddBarPageOptions(CLI::App* app, int32_t* threshold, int32_t* dpi);
 
-// --interpolation bicubic|bilinear|nearest.
+// An option that takes one of a few words, each with its value.
+using Choices = std::map<std::string, int32_t>;
+void AddChoice(CLI::App* app, const char* name, int32_t* value, const Choices& choices,
+               const char* meaning);
+
+// --interpolation bicubic|bilinear|nearest, as the services count them.
+inline constexpr const char* kInterpolationMeaning =
+    "How pixels between pixels are sampled [bicubic]; 1-bit pages always take the nearest";
 void AddInterpolationOption(CLI::App* app, int32_t* interpolation);
 
 // --threshold N with 0 for the library's estimate, and --try-thresholds.

@@ -1,12 +1,12 @@
 #include "app/commands/turn_report.h"
 
-#include <array>
-#include <cstdio>
-#include <mutex>
+#include <new>
 #include <utility>
-#include <vector>
 
+#include "app/commands/page_facts.h"
+#include "app/finding/finding_facts.h"
 #include "app/judge/judgement.h"
+#include "app/judge/page_geometry.h"
 #include "app/judge/status_words.h"
 #include "app/overlay/page_overlay.h"
 
@@ -15,17 +15,6 @@ namespace {
 
 using batch::PageFate;
 using judging::Confidence;
-
-std::string Size(const ImageRec& image) {
-  return std::to_string(image.width) + " x " + std::to_string(image.height);
-}
-
-template <typename... Values>
-std::string Format(const char* format, Values... values) {
-  std::array<char, 64> text{};
-  (void)std::snprintf(text.data(), text.size(), format, values...);
-  return text.data();
-}
 
 batch::Trust TrustOf(Confidence confidence) {
   switch (confidence) {
@@ -45,39 +34,42 @@ PageFate FateOf(const TurnReport& report, const judging::TurnOutcome& outcome) {
   return report.makesPages ? PageFate::kStraightened : PageFate::kMeasured;
 }
 
-// Angle, sizes, time and confidence of a page on which the service succeeded.
+// Angle, sizes and confidence of a page on which the service succeeded.
 std::string FoundWords(const files::Page& page, const judging::TurnOutcome& outcome) {
-  std::string words = Format("%+.2f deg, ", outcome.degrees) + Size(*page.image.rec());
-  if (outcome.result.rec()->pixels != nullptr) words += " -> " + Size(*outcome.result.rec());
-  words += Format(", %.1f ms, ", outcome.milliseconds);
-  words += judging::ConfidenceName(outcome.verdict.confidence);
+  std::string words = finding::DegreesWords(outcome.degrees) + ", " + SizeWords(*page.image.rec());
+  if (outcome.result.rec()->pixels != nullptr) words += " -> " + SizeWords(*outcome.result.rec());
+  words += std::string(", ") + judging::ConfidenceName(outcome.verdict.confidence);
   const char* before = ": ";
-  for (const std::string& reason : outcome.verdict.reasons) {
-    words += std::exchange(before, "; ") + reason;
+  for (const judging::Reason& reason : outcome.verdict.reasons) {
+    words += std::exchange(before, "; ") + reason.words;
   }
   return words;
 }
 
+nlohmann::ordered_json ReasonsOf(const judging::TurnOutcome& outcome) {
+  nlohmann::ordered_json reasons = nlohmann::ordered_json::array();
+  if (outcome.status != STATUS_OK) {
+    reasons.push_back(ReasonFacts("service-failed", judging::FailureWords(outcome)));
+    return reasons;
+  }
+  for (const judging::Reason& reason : outcome.verdict.reasons) {
+    reasons.push_back(ReasonFacts(reason.code, reason.words));
+  }
+  return reasons;
+}
+
 nlohmann::ordered_json FactsOf(const files::Page& page, const judging::TurnOutcome& outcome) {
-  const ImageRec& before = *page.image.rec();
-  const ImageRec& after = *outcome.result.rec();
-  nlohmann::ordered_json facts = {{"status", outcome.status},
-                                  {"width", before.width},
-                                  {"height", before.height},
-                                  {"depth", before.bitsPerPixel}};
-  facts["dpi"] = {page.metadata.resolution.x, page.metadata.resolution.y};
+  nlohmann::ordered_json facts = {{"status", outcome.status}};
+  facts.update(PictureFacts(page));
   facts["threshold"] = outcome.threshold;
   if (outcome.status == STATUS_OK) {
     facts["angle"] = outcome.degrees;
+    const auto corners = judging::SeenCutCorners(outcome, page.image.rec()->height);
+    for (const judging::Place& p : corners) facts["corners"].push_back({p.x, p.y});
     facts["confidence"] = judging::ConfidenceName(outcome.verdict.confidence);
-    facts["reasons"] = outcome.verdict.reasons;
-  } else {
-    facts["reasons"] = {judging::FailureWords(outcome)};
   }
-  if (after.pixels != nullptr) {
-    facts["newWidth"] = after.width;
-    facts["newHeight"] = after.height;
-  }
+  facts["reasons"] = ReasonsOf(outcome);
+  if (outcome.result.rec()->pixels != nullptr) PutNewSize(*outcome.result.rec(), &facts);
   return facts;
 }
 
@@ -89,9 +81,9 @@ batch::PageOutcome OutcomeOf(const TurnReport& report, const files::Page& page,
   result.fate = FateOf(report, *outcome);
   const bool isFound = outcome->status == STATUS_OK;
   if (isFound) result.trust = TrustOf(outcome->verdict.confidence);
-  result.words = isFound ? FoundWords(page, *outcome)
-                         : judging::FailureWords(*outcome) + " [" +
-                               std::to_string(outcome->status) + "]";
+  result.words =
+      isFound ? FoundWords(page, *outcome)
+              : judging::FailureWords(*outcome) + " [" + std::to_string(outcome->status) + "]";
   result.facts = FactsOf(page, *outcome);
   result.notes = outcome->notes;
   if (result.fate == PageFate::kStraightened) result.image = std::move(outcome->result);
@@ -101,15 +93,21 @@ batch::PageOutcome OutcomeOf(const TurnReport& report, const files::Page& page,
   return result;
 }
 
+vorlane_finding FindingFor(finding::PageEngine* engine, const TurnReport& report,
+                           const ImageRec& image) {
+  vorlane_detect_options look = finding::DefaultDetectOptions();
+  look.is_form = report.isForm ? 1 : 0;
+  vorlane_finding found = finding::EmptyFinding();
+  const vorlane_status status = engine->Detect(image, look, &found);
+  if (status == VORLANE_NO_MEMORY) throw std::bad_alloc();
+  return status == VORLANE_OK ? found : finding::EmptyFinding();
+}
+
 batch::PageService ServiceOf(const TurnReport& report, const TurnService& service) {
-  auto turns = std::make_shared<std::mutex>();
-  return [report, service, turns](const files::Page& page) {
-    auto outcome = std::make_shared<judging::TurnOutcome>();
-    {
-      const std::lock_guard lock(*turns);
-      *outcome = service(page);
-    }
-    return OutcomeOf(report, page, outcome);
+  return [engine = std::make_shared<finding::PageEngine>(), report,
+          service](const files::Page& page) {
+    const vorlane_finding found = FindingFor(engine.get(), report, *page.image.rec());
+    return OutcomeOf(report, page, std::make_shared<judging::TurnOutcome>(service(page, found)));
   };
 }
 

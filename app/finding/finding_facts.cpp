@@ -3,17 +3,12 @@
 #include <array>
 #include <cmath>
 #include <cstdio>
-#include <span>
 #include <string_view>
 
 namespace vorlane::finding {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-std::span<const vorlane_reason> ReasonsOf(const vorlane_finding& finding) {
-  return {finding.reasons, static_cast<size_t>(finding.reason_count)};
-}
 
 std::string Format(const char* format, double value) {
   std::array<char, 48> text{};
@@ -23,12 +18,6 @@ std::string Format(const char* format, double value) {
 
 // Enough digits for what is measured, and none that are not.
 double Rounded(double value, double perUnit) { return std::round(value * perUnit) / perUnit + 0.0; }
-
-const char* VerdictName(int32_t verdict) {
-  static constexpr std::array kNames = {"not-looked-at", "unseen",   "believed",
-                                        "disagrees",     "too-weak", "frame"};
-  return kNames.at(static_cast<size_t>(verdict));
-}
 
 Json CornersOf(const vorlane_finding& finding) {
   Json corners = Json::array();
@@ -53,14 +42,6 @@ Json EvidenceOf(const vorlane_finding& finding) {
   return all;
 }
 
-Json NamesOfAgreeing(const vorlane_finding& finding) {
-  Json names = Json::array();
-  for (int32_t place = 0; place < VORLANE_EVIDENCE_KINDS; ++place) {
-    if ((finding.by >> place & 1U) != 0) names.push_back(vorlane_evidence_name(place));
-  }
-  return names;
-}
-
 Json ReasonFacts(const vorlane_finding& finding) {
   Json reasons = Json::array();
   for (const vorlane_reason& reason : ReasonsOf(finding)) {
@@ -81,17 +62,37 @@ std::string ValueWords(const vorlane_reason& reason) {
   if (unit.empty()) return "";
   if (unit == "degrees") return Format(" (%.2f deg)", reason.value);
   if (unit == "share") return Format(" (%.1f %%)", reason.value * 100);
-  return Format(" (%.3g)", reason.value);
+  if (unit == "sides")
+    return Format(reason.value == 1 ? " (%.0f side)" : " (%.0f sides)", reason.value);
+  return " (" + std::string(unit) + Format(" %.3g)", reason.value);
 }
 
 }  // namespace
+
+std::span<const vorlane_reason> ReasonsOf(const vorlane_finding& finding) {
+  return {finding.reasons, static_cast<size_t>(finding.reason_count)};
+}
+
+const char* VerdictName(int32_t verdict) {
+  static constexpr std::array kNames = {"not-looked-at", "unseen",   "believed",
+                                        "disagrees",     "too-weak", "frame"};
+  return kNames.at(static_cast<size_t>(verdict));
+}
+
+Json AgreeingNames(const vorlane_finding& finding) {
+  Json names = Json::array();
+  for (int32_t place = 0; place < VORLANE_EVIDENCE_KINDS; ++place) {
+    if ((finding.by >> place & 1U) != 0) names.push_back(vorlane_evidence_name(place));
+  }
+  return names;
+}
 
 Json FactsOf(const vorlane_finding& finding) {
   Json facts = Json::object();
   if (finding.turn_confidence != VORLANE_REFUSED) {
     facts["angle"] = Rounded(finding.turn, 1e4);
     facts["corners"] = CornersOf(finding);
-    facts["by"] = NamesOfAgreeing(finding);
+    facts["by"] = AgreeingNames(finding);
     facts["cutConfidence"] = vorlane_confidence_name(finding.cut_confidence);
     facts["expected"] = Rounded(finding.expected, 1e3);
   }
@@ -101,19 +102,18 @@ Json FactsOf(const vorlane_finding& finding) {
   return facts;
 }
 
+std::string WordsOf(const vorlane_reason& reason) {
+  return vorlane_reason_text(reason.code) + ValueWords(reason);
+}
+
 std::string ReasonWords(const vorlane_finding& finding) {
   std::string words;
   for (const vorlane_reason& reason : ReasonsOf(finding)) {
-    words += words.empty() ? "" : "; ";
-    words += vorlane_reason_text(reason.code) + ValueWords(reason);
+    words += (words.empty() ? "" : "; ") + WordsOf(reason);
   }
   return words;
 }
 
-std::string FindingWords(const vorlane_finding& finding) {
-  if (finding.turn_confidence == VORLANE_REFUSED) return ReasonWords(finding);
-  return Format("%+.2f deg, ", finding.turn) + vorlane_confidence_name(finding.turn_confidence) +
-         ": " + ReasonWords(finding);
-}
+std::string DegreesWords(double degrees) { return Format("%+.2f deg", degrees); }
 
 }  // namespace vorlane::finding
