@@ -4,224 +4,195 @@
 #include <cstdio>
 #include <filesystem>
 #include <memory>
+#include <mutex>
 #include <optional>
+#include <thread>
+#include <utility>
+#include <vector>
 
 #include "app/batch/exit_codes.h"
-#include "app/batch/report.h"
-#include "app/files/file_formats.h"
-#include "app/files/image_convert.h"
-#include "app/files/picture_file.h"
-#include "app/files/picture_writer.h"
-#include "app/overlay/page_overlay.h"
+#include "app/batch/folder_lock.h"
+#include "app/batch/input_work.h"
+#include "app/batch/plan.h"
+#include "app/batch/printable_name.h"
+#include "app/batch/run_context.h"
+#include "app/batch/stop_signals.h"
+#include "app/batch/work_queue.h"
 
 namespace vorlane::batch {
 namespace {
 
-namespace fs = std::filesystem;
+// Inputs that are opened beyond the first that is not yet reported: enough that a file of many pages
+// does not hold up the others, few enough that what waits to be printed stays small.
+constexpr size_t kWindow = 4096;
 
-void ForEachPage(const files::PlannedInput& input, const files::PictureFile& file,
-                 const std::function<void(const files::Page&)>& run) {
-  if (file.count() != input.pages) {
-    throw files::FileError(input.path + ": was changed while other files were worked on");
-  }
-  for (int32_t number = 1; number <= file.count(); ++number) run(file.Read(number));
+void Say(const std::string& words) {
+  (void)std::fprintf(stderr, "vorlane: %s\n", Printable(words).c_str());
 }
 
-void MakeFolder(const std::string& name) {
-  if (name.empty() || name.back() != '/' || name.find('{') != std::string::npos) return;
-  std::error_code code;
-  fs::create_directories(name, code);
-  if (code) throw files::UsageError(name + ": this folder cannot be made: " + code.message());
+size_t JobsFor(const BatchRequest& request) {
+  if (request.jobs > 0) return static_cast<size_t>(request.jobs);
+  return std::max(1U, std::thread::hardware_concurrency());
 }
 
-// The pages of one input, on their way to their files.
-class InputRun {
+ReportRequest ReportFor(const BatchRequest& request) {
+  ReportRequest report = request.report;
+  report.onErrorOutput = request.output == "-";
+  return report;
+}
+
+class Run {
  public:
-  InputRun(const BatchRequest& request, const PageService& service,
-           const files::PlannedInput& input)
-      : request_(request), service_(service), input_(input) {}
+  Run(const BatchRequest& request, PageService page, SetService set)
+      : request_(request),
+        plan_(request),
+        check_(plan_.inputs.files, request.overwriting, request.resumes),
+        reporter_(ReportFor(request), plan_.inputs.files.size()),
+        queue_(plan_.inputs.files.size(), kWindow),
+        run_(request, &plan_, std::move(page), std::move(set), MemoryFor(request)) {
+    CheckPlan(request, plan_, &check_);
+    const bool isShared = plan_.inputs.inAll == 1 || request.inputs.shard.count > 1;
+    const Sharing sharing = isShared ? Sharing::kWithOthers : Sharing::kAlone;
+    lock_.emplace(plan_.output.Base(), sharing);
+    if (!request.journal.empty()) journal_.emplace(request.journal, request.resumes);
+    run_.check = &check_;
+    run_.reporter = &reporter_;
+    run_.journal = journal_ ? &*journal_ : nullptr;
+    run_.onFatal = [this](const std::string& words) { End(words); };
+    reporter_.onBrokenOutput = [this] { queue_.Stop(); };
+  }
 
-  int Run() {
-    file_ = std::make_unique<files::PictureFile>(input_.path);
-    ForEachPage(input_, *file_, [this](const files::Page& page) { RunPage(page); });
-    if (shared_) CommitShared();
-    return exit_;
+  int Do() {
+    TellPlan();
+    int signal = 0;
+    {
+      const StopSignals signals([this] { queue_.Stop(); });
+      WorkAll();
+      signal = signals.signal();
+    }
+    reporter_.Finish();
+    const bool isWhole = CloseJournal();
+    if (!PassOutput() || !isWhole) return ExitFor(signal, kExitFiles);
+    return ExitFor(signal, kExitAllDone);
   }
 
  private:
-  void RunPage(const files::Page& page) {
-    const judging::TurnOutcome outcome = service_(page);
-    PageWay way;
-    way.isTrusted = IsTrusted(request_, outcome);
-    if (!way.isTrusted) exit_ = std::max<int>(exit_, kExitPagesLeft);
-    if (!input_.output.names.empty()) WritePage(page, outcome, &way);
-    ReportPage(request_, input_, page, outcome, way);
+  static int64_t MemoryFor(const BatchRequest& request) {
+    return request.memory > 0 ? request.memory : DefaultMemory();
   }
 
-  void WritePage(const files::Page& page, const judging::TurnOutcome& outcome, PageWay* way) {
-    const std::string& path = input_.output.Of(page.number);
-    const ImageRec& image = *outcome.result.rec();
-    if (!input_.output.isShared && !way->isTrusted) return;
-    const files::FileFormat format = *files::FormatOfName(path);
-    const files::WriteOptions options{request_.jpegQuality};
-    files::EncodedPage encoded = Encode(path, [&] {
-      return way->isTrusted ? files::EncodePage(format, image, page, options, &way->notes)
-                            : files::KeepPage(format, *file_, page, options, &way->notes);
-    });
-    if (!shared_) {
-      shared_ = std::make_unique<files::PictureWriter>(path, format, ReplacingOf(request_),
-                                                       files::Durability::kSynced,
-                                                       files::NeedsBigTiff(*file_));
-    }
-    shared_->Add(std::move(encoded));
-    if (way->isTrusted) ++straightened_;
-    way->keptAsItWas = !way->isTrusted;
-    way->output = path;
-    if (!input_.output.isShared) CommitShared();
+  void TellPlan() const {
+    if (!request_.report.isVerbose) return;
+    const InputList& inputs = plan_.inputs;
+    (void)std::fprintf(stderr, "vorlane: %zu files, %lld of other kinds passed over, %zu threads\n",
+                       inputs.files.size(), static_cast<long long>(inputs.otherFiles),
+                       JobsFor(request_));
   }
 
-  // A file that would be a mere copy of its input is not written.
-  void CommitShared() {
-    if (straightened_ > 0) {
-      shared_->Commit();
-    } else {
-      (void)std::fflush(stdout);
-      (void)std::fprintf(stderr, "vorlane: %s: not written, no page of %s was straightened\n",
-                         input_.output.names[0].c_str(), input_.path.c_str());
+  void WorkAll() {
+    std::vector<std::thread> threads;
+    const size_t jobs = std::max<size_t>(JobsFor(request_), 1);
+    for (size_t i = 1; i < jobs; ++i) threads.emplace_back([this] { WorkOn(); });
+    WorkOn();
+    for (std::thread& thread : threads) thread.join();
+  }
+
+  void WorkOn() {
+    while (const std::optional<Task> task = queue_.Take()) {
+      try {
+        DoTask(*task);
+      } catch (const std::exception& error) {
+        End(error.what());
+      }
+      queue_.Advance(reporter_.head());
     }
-    shared_.reset();
+  }
+
+  void DoTask(const Task& task) {
+    if (task.input) {
+      task.input->Work(task.page);
+      return;
+    }
+    auto input = std::make_shared<InputWork>(&run_, task.index, plan_.inputs.files[task.index]);
+    const int32_t pieces = input->Open();
+    queue_.Opened(task.index, std::move(input), pieces);
+  }
+
+  // The run cannot go on: pages in work are finished.
+  void End(const std::string& words) {
+    const std::lock_guard lock(endMutex_);
+    if (end_.empty()) end_ = words;
+    queue_.Stop();
+  }
+
+  bool CloseJournal() {
+    if (!journal_) return true;
+    if (journal_->damaged() > 0) {
+      Say(request_.journal + ": " + std::to_string(journal_->damaged()) +
+          " lines could not be read; their pages were done again");
+    }
+    try {
+      journal_->Finish();
+    } catch (const files::FileError& error) {
+      Say(error.what());
+      return false;
+    }
+    return true;
+  }
+
+  bool PassOutput() {
+    std::error_code code;
+    const std::string& path = plan_.standardOutput;
+    if (path.empty() || !std::filesystem::exists(path, code)) return true;
+    try {
+      PassToStandardOutput(path);
+    } catch (const files::FileError& error) {
+      Say(error.what());
+      return false;
+    }
+    return true;
+  }
+
+  int ExitFor(int signal, int least) const {
+    if (!end_.empty()) Say(end_);
+    if (reporter_.isBroken()) Say("the report cannot be written to the output");
+    if (queue_.isStopped()) Say(StopWords());
+    if (signal != 0) return kExitSignal + signal;
+    const Tally& tally = reporter_.tally();
+    if (!end_.empty() || reporter_.isBroken() || tally.errors > 0 || tally.noOverlay > 0) {
+      return kExitFiles;
+    }
+    const bool isMeasured = request_.output.empty();
+    const bool areLeft = tally.left + tally.failed > 0 && (request_.isStrict || isMeasured);
+    return std::max<int>(least, areLeft ? kExitPagesLeft : kExitAllDone);
+  }
+
+  std::string StopWords() const {
+    const std::string rest = std::to_string(plan_.inputs.files.size() - reporter_.finished());
+    return "stopped: " + rest + " of " + std::to_string(plan_.inputs.files.size()) +
+           " files are not done" + (journal_ ? "; --resume goes on with them" : "");
   }
 
   const BatchRequest& request_;
-  const PageService& service_;
-  const files::PlannedInput& input_;
-  std::unique_ptr<files::PictureFile> file_;
-  std::unique_ptr<files::PictureWriter> shared_;  // the file that is being written
-  int32_t straightened_ = 0;
-  int exit_ = kExitAllDone;
+  Plan plan_;
+  OutputCheck check_;
+  std::optional<FolderLock> lock_;
+  std::optional<Journal> journal_;
+  Reporter reporter_;
+  WorkQueue queue_;
+  RunContext run_;
+  std::mutex endMutex_;
+  std::string end_;  // why the run could not go on
 };
-
-PageFate FateOf(const BatchRequest& request, const judging::TurnOutcome& outcome,
-                const PageWay& way) {
-  if (outcome.status != STATUS_OK) return PageFate::kFailed;
-  if (!way.isTrusted) return PageFate::kDoubtful;
-  return request.output.empty() ? PageFate::kMeasured : PageFate::kStraightened;
-}
-
-// 0 for an input that cannot be read: it is told when its turn comes, and the others go on.
-int32_t CountPages(const std::string& path) {
-  try {
-    return files::PictureFile(path).count();
-  } catch (const files::FileError&) {
-    return 0;
-  }
-}
-
-void RefuseSharedOverlay(const BatchRequest& request, const files::PlannedInput& input) {
-  if (input.overlay.names.empty()) return;
-  const auto format = files::FormatOfName(input.overlay.names[0]);
-  if (format && files::HoldsManyPages(*format)) {
-    throw files::UsageError(request.overlay + ": an overlay is one picture a page; name it .png");
-  }
-}
 
 }  // namespace
 
-files::Replacing ReplacingOf(const BatchRequest& request) {
-  const bool isAllowed = request.overwriting.outputs || request.overwriting.inputs;
-  return isAllowed ? files::Replacing::kAllowed : files::Replacing::kNever;
-}
-
-files::EncodedPage Encode(const std::string& path,
-                          const std::function<files::EncodedPage()>& encode) {
-  try {
-    return encode();
-  } catch (const files::EncodeError& error) {
-    throw files::FileError(path + ": " + error.what());
-  }
-}
-
-bool IsTrusted(const BatchRequest& request, const judging::TurnOutcome& outcome) {
-  return outcome.status == STATUS_OK &&
-         (request.acceptDoubtful || outcome.verdict.confidence != judging::Confidence::kDoubtful);
-}
-
-std::string WriteOverlay(const BatchRequest& request, const files::PlannedInput& input,
-                         const files::Page& page, const std::function<files::PixPtr()>& draw) {
-  if (input.overlay.names.empty()) return "";
-  const std::string& path = input.overlay.Of(page.number);
-  vorlanepic::frame::ScratchImage image;
-  if (files::PixToImage(draw(), &image) != STATUS_OK) {
-    throw files::FileError(path + ": there is not enough memory for the overlay");
-  }
-  files::WritePicture(path, *image.rec(), files::Page{}, ReplacingOf(request));
-  return path;
-}
-
-void ReportPage(const BatchRequest& request, const files::PlannedInput& input,
-                const files::Page& page, const judging::TurnOutcome& outcome, const PageWay& way) {
-  PageReport report;
-  report.command = request.command;
-  report.fate = FateOf(request, outcome, way);
-  report.output = way.output;
-  report.keptAsItWas = way.keptAsItWas;
-  report.notes = way.notes;
-  report.overlay =
-      WriteOverlay(request, input, page, [&] { return overlay::DrawOverlay(page, outcome); });
-  if (request.json) {
-    PrintJson(JsonLine(page, outcome, report));
-  } else {
-    std::printf("%s\n", TextLine(page, outcome, report).c_str());
-  }
-  (void)std::fflush(stdout);
-}
-
-std::vector<files::PlannedInput> PlanBatch(const BatchRequest& request) {
-  MakeFolder(request.output);
-  MakeFolder(request.overlay);
-  const files::OutputPattern output({request.output, ""});
-  const files::OutputPattern overlay({request.overlay, ".overlay.png"});
-  std::vector<files::PlannedInput> inputs;
-  for (const std::string& path : request.inputs) {
-    files::PlannedInput input;
-    input.path = path;
-    input.pages = CountPages(path);
-    if (!request.output.empty()) input.output = output.FilesFor(path, input.pages);
-    if (!request.overlay.empty()) input.overlay = overlay.FilesFor(path, input.pages);
-    inputs.push_back(std::move(input));
-  }
-  files::OutputCheck check(inputs, request.overwriting);
-  for (const files::PlannedInput& input : inputs) {
-    check.Add(input.path, input.output);
-    check.Add(input.path, input.overlay);
-    RefuseSharedOverlay(request, input);
-  }
-  return inputs;
-}
-
-int ForEachFile(const BatchRequest& request,
-                const std::function<int(const files::PlannedInput& input)>& run) {
-  int exit = kExitAllDone;
-  for (const files::PlannedInput& input : PlanBatch(request)) {
-    try {
-      exit = std::max(exit, run(input));
-    } catch (const files::FileError& error) {
-      PrintFileError(request.command, input.path, error.what(), request.json);
-      exit = kExitFiles;
-    }
-  }
-  return exit;
-}
-
-void ForEachPage(const files::PlannedInput& input,
-                 const std::function<void(const files::Page&)>& run) {
-  ForEachPage(input, files::PictureFile(input.path), run);
-}
-
 int RunBatch(const BatchRequest& request, const PageService& service) {
-  return ForEachFile(request, [&](const files::PlannedInput& input) {
-    return InputRun(request, service, input).Run();
-  });
+  return Run(request, service, nullptr).Do();
+}
+
+int RunPageSets(const BatchRequest& request, const SetService& service) {
+  return Run(request, nullptr, service).Do();
 }
 
 }  // namespace vorlane::batch

@@ -3,10 +3,9 @@
 #include <cstdio>
 #include <memory>
 
-#include "app/batch/exit_codes.h"
-#include "app/batch/report.h"
 #include "app/commands/commands.h"
 #include "app/commands/dib_image.h"
+#include "app/commands/page_facts.h"
 #include "app/judge/bar_words.h"
 #include "app/judge/threshold_choice.h"
 #include "app/overlay/bar_overlay.h"
@@ -78,40 +77,35 @@ nlohmann::ordered_json CandidateJson(const vorlanepic::omr::ExaminedBar& bar) {
           {"verdict", judging::BarVerdictName(bar.verdict)}};
 }
 
-void Print(const BarOptions& options, const files::Page& page, const BarCall& call) {
+std::string Words(const BarCall& call) {
+  char text[160];
   const bool found = call.status == STATUS_OK;
-  if (!options.batch.json) {
-    if (found) {
-      std::printf(
-          "%s: sheet turned %+.3f deg clockwise, %.1f ms (threshold %d, bar of %d and more "
-          "by %d..%d pixels)\n",
-          batch::NameOf(page).c_str(), call.degrees, call.milliseconds, call.threshold,
-          call.minLength, call.minThickness, call.maxThickness);
-    } else {
-      std::printf("%s: FAILED, %s (threshold %d, bar of %d and more by %d..%d pixels)\n",
-                  batch::NameOf(page).c_str(), judging::BarFailureWords(call.records).c_str(),
-                  call.threshold, call.minLength, call.minThickness, call.maxThickness);
-    }
-    return;
-  }
-  nlohmann::ordered_json json = batch::JsonHead("bar-angle", page, found ? "measured" : "failed");
-  json["status"] = call.status;
-  json["threshold"] = call.threshold;
-  json["minLength"] = call.minLength;
-  json["minThickness"] = call.minThickness;
-  json["maxThickness"] = call.maxThickness;
-  json["milliseconds"] = call.milliseconds;
-  if (found) {
-    json["sheetAngle"] = call.degrees;
+  std::snprintf(text, sizeof(text), " (threshold %d, bar of %d and more by %d..%d pixels)",
+                call.threshold, call.minLength, call.minThickness, call.maxThickness);
+  const std::string limits = text;
+  if (!found) return judging::BarFailureWords(call.records) + limits;
+  std::snprintf(text, sizeof(text), "sheet turned %+.3f deg clockwise, %.1f ms", call.degrees,
+                call.milliseconds);
+  return text + limits;
+}
+
+nlohmann::ordered_json Facts(const BarCall& call) {
+  nlohmann::ordered_json facts = {{"status", call.status},
+                                  {"threshold", call.threshold},
+                                  {"minLength", call.minLength},
+                                  {"minThickness", call.minThickness},
+                                  {"maxThickness", call.maxThickness}};
+  if (call.status == STATUS_OK) {
+    facts["sheetAngle"] = call.degrees;
   } else {
-    json["reasons"] = {judging::BarFailureWords(call.records)};
+    facts["reasons"] = {ReasonFacts("no-bar", judging::BarFailureWords(call.records))};
   }
-  json["candidates"] = nlohmann::ordered_json::array();
+  facts["candidates"] = nlohmann::ordered_json::array();
   for (const vorlanepic::omr::ExaminedBar& bar :
        call.records.bars.span().first(call.records.barCount)) {
-    json["candidates"].push_back(CandidateJson(bar));
+    facts["candidates"].push_back(CandidateJson(bar));
   }
-  batch::PrintJson(json);
+  return facts;
 }
 
 files::PixPtr DrawBarOverlay(const files::Page& page, const BarCall& call) {
@@ -126,17 +120,15 @@ files::PixPtr DrawBarOverlay(const files::Page& page, const BarCall& call) {
   return canvas.WithCaption(caption);
 }
 
-int RunFile(const BarOptions& options, const files::PlannedInput& input) {
-  int exit = batch::kExitAllDone;
-  batch::ForEachPage(input, [&](const files::Page& page) {
-    BarCall call;
-    Measure(options, page, &call);
-    if (call.status != STATUS_OK) exit = batch::kExitPagesLeft;
-    (void)batch::WriteOverlay(options.batch, input, page,
-                              [&] { return DrawBarOverlay(page, call); });
-    Print(options, page, call);
-  });
-  return exit;
+batch::PageOutcome MeasurePage(const BarOptions& options, const files::Page& page) {
+  const auto call = std::make_shared<BarCall>();
+  Measure(options, page, call.get());
+  batch::PageOutcome outcome;
+  outcome.fate = call->status == STATUS_OK ? batch::PageFate::kMeasured : batch::PageFate::kFailed;
+  outcome.words = Words(*call);
+  outcome.facts = Facts(*call);
+  outcome.draw = [call](const files::Page& drawn) { return DrawBarOverlay(drawn, *call); };
+  return outcome;
 }
 
 }  // namespace
@@ -165,10 +157,10 @@ CommandRun AddBarAngle(CLI::App* app) {
       "Examples:\n"
       "  vorlane bar-angle sheet.png --overlay bar.png\n"
       "  vorlane bar-angle photo.jpg --min-length 400 --min-thickness 6 --max-thickness 14");
-  return [options] {
-    options->batch.command = "bar-angle";
-    return batch::ForEachFile(
-        options->batch, [&](const files::PlannedInput& input) { return RunFile(*options, input); });
+  return [options, command] {
+    FinishRequest(*command, &options->batch);
+    return batch::RunBatch(options->batch,
+                           [&](const files::Page& page) { return MeasurePage(*options, page); });
   };
 }
 

@@ -5,8 +5,9 @@
 #include <memory>
 #include <span>
 
-#include "app/batch/exit_codes.h"
-#include "app/batch/report.h"
+#include "app/batch/page_loop.h"
+#include "app/batch/page_output.h"
+#include "app/batch/page_record.h"
 #include "app/commands/commands.h"
 #include "app/files/image_convert.h"
 #include "app/judge/threshold_choice.h"
@@ -94,9 +95,13 @@ constexpr std::array<Column, 11> kColumns = {
      {"minLevel", [](const BlockRec& b) { return static_cast<int32_t>(b.minValue); }},
      {"maxLevel", [](const BlockRec& b) { return static_cast<int32_t>(b.maxValue); }}}};
 
+std::string NameOf(const files::Page& page) {
+  return batch::NameOf(page.file, page.number, page.count);
+}
+
 void PrintTable(const files::Page& page, std::span<const BlockRec> blocks, double milliseconds) {
-  std::printf("%s: %zu blocks, %.1f ms\n%6s", batch::NameOf(page).c_str(), blocks.size(),
-              milliseconds, "block");
+  std::printf("%s: %zu blocks, %.1f ms\n%6s", NameOf(page).c_str(), blocks.size(), milliseconds,
+              "block");
   for (const Column& column : kColumns) std::printf(" %8s", column.name);
   std::printf("\n");
   for (size_t i = 0; i < blocks.size(); ++i) {
@@ -129,7 +134,12 @@ void PrintCsv(const files::Page& page, std::span<const BlockRec> blocks) {
 
 void PrintBlocksJson(const files::Page& page, std::span<const BlockRec> blocks, int32_t threshold,
                      double milliseconds) {
-  nlohmann::ordered_json json = batch::JsonHead("blocks", page, "measured");
+  batch::PageRecord record;
+  record.command = "blocks";
+  record.file = page.file;
+  record.number = page.number;
+  record.count = page.count;
+  nlohmann::ordered_json json = batch::JsonHead(record, "measured");
   json["threshold"] = threshold;
   json["milliseconds"] = milliseconds;
   json["blocks"] = nlohmann::ordered_json::array();
@@ -139,14 +149,13 @@ void PrintBlocksJson(const files::Page& page, std::span<const BlockRec> blocks, 
     json["blocks"].push_back(one);
   }
   json["notes"] = page.notes;
-  batch::PrintJson(json);
+  std::printf("%s\n", batch::Dump(json).c_str());
 }
 
-void RunPage(const BlockOptions& options, const files::PlannedInput& input,
-             const files::Page& page) {
+void RunPage(const BlockOptions& options, const files::Page& page, const std::string& overlay) {
   const ImageRec& image = *page.image.rec();
   if (image.width > kLargestSide || image.height > kLargestSide) {
-    throw files::FileError(batch::NameOf(page) +
+    throw files::FileError(NameOf(page) +
                            ": blocks can be marked on pages of up to 65535 x 65535 pixels");
   }
   const int32_t threshold = options.threshold >= 0 ? options.threshold : judging::SplitLevel(image);
@@ -155,23 +164,20 @@ void RunPage(const BlockOptions& options, const files::PlannedInput& input,
   const double milliseconds = Timed([&] { found = FindBlocks(options, image, threshold, &set); });
   if (!found) {
     throw files::FileError(
-        batch::NameOf(page) +
-        ": the rectangle begins outside the page, or there is not enough memory");
+        NameOf(page) + ": the rectangle begins outside the page, or there is not enough memory");
   }
-  (void)batch::WriteOverlay(options.batch, input, page,
-                            [&] { return overlay::DrawBlocks(page, set.blocks()); });
+  if (!overlay.empty()) {
+    const bool mayReplace = options.batch.overwriting.outputs;
+    batch::WritePicture(overlay, overlay::DrawBlocks(page, set.blocks()),
+                        mayReplace ? files::Replacing::kAllowed : files::Replacing::kNever);
+  }
   if (options.csv) {
     PrintCsv(page, set.blocks());
-  } else if (options.batch.json) {
+  } else if (options.batch.report.json) {
     PrintBlocksJson(page, set.blocks(), threshold, milliseconds);
   } else {
     PrintTable(page, set.blocks(), milliseconds);
   }
-}
-
-int RunFile(const BlockOptions& options, const files::PlannedInput& input) {
-  batch::ForEachPage(input, [&](const files::Page& page) { RunPage(options, input, page); });
-  return batch::kExitAllDone;
 }
 
 void AddRunOptions(CLI::App* command, BlockMarkParam* param) {
@@ -232,11 +238,13 @@ CommandRun AddBlocks(CLI::App* app) {
       "Examples:\n"
       "  vorlane blocks sheet.png --csv > blocks.csv\n"
       "  vorlane blocks sheet.tif --rect 0,0,400,3000 --order left --overlay found.png");
-  return [options] {
-    options->batch.command = "blocks";
+  return [options, command] {
+    FinishRequest(*command, &options->batch);
     if (options->csv) PrintCsvHead();
-    return batch::ForEachFile(
-        options->batch, [&](const files::PlannedInput& input) { return RunFile(*options, input); });
+    return batch::ForEachPage(options->batch,
+                              [&](const files::Page& page, const std::string& overlay) {
+                                RunPage(*options, page, overlay);
+                              });
   };
 }
 

@@ -6,11 +6,14 @@
 
 namespace vorlane::commands {
 
+CommandRun AddDetect(CLI::App* app);
 CommandRun AddStraighten(CLI::App* app);
+CommandRun AddPruned(CLI::App* app);
 CommandRun AddCrop(CLI::App* app);
 CommandRun AddAngle(CLI::App* app);
 CommandRun AddForm(CLI::App* app);
 CommandRun AddBlocks(CLI::App* app);
 CommandRun AddBarAngle(CLI::App* app);
+CommandRun AddCompletion(CLI::App* app);
 
 }  // namespace vorlane::commands

@@ -1,13 +1,14 @@
 // vorlane crop and vorlane angle: deskew and crop by parameters or profile.
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <memory>
+#include <utility>
 
-#include "app/batch/page_set.h"
 #include "app/commands/commands.h"
 #include "app/commands/deskew_options.h"
 #include "app/commands/fill_colour.h"
+#include "app/commands/profile_check.h"
+#include "app/judge/judgement.h"
 #include "app/judge/page_geometry.h"
 #include "app/judge/service_runs.h"
 #include "app/judge/threshold_choice.h"
@@ -18,6 +19,7 @@ namespace {
 
 struct CropOptions {
   batch::BatchRequest batch;
+  TurnReport report;
   ThresholdOptions threshold;
   DeskewOptions deskew;
   int32_t interpolation = INTERP_BICUBIC;
@@ -25,6 +27,20 @@ struct CropOptions {
   FillColour fill;
   bool oneGeometry = false;
 };
+
+void ReleaseAll(std::vector<ImageRec>* images) {
+  for (ImageRec& image : *images) {
+    if (image.pixels != nullptr) Imgbuf_Destory(&image);
+    image = ImageRec{};
+  }
+}
+
+judging::TurnOutcome NewOutcome(const vorlane_finding& found) {
+  judging::TurnOutcome outcome;
+  outcome.finding = found;
+  outcome.page = std::make_unique<vorlanepic::deskew::PageRecords>();
+  return outcome;
+}
 
 void FinishOutcome(int32_t method, double angle, const ImageRec& image,
                    judging::TurnOutcome* outcome) {
@@ -39,43 +55,38 @@ void FinishOutcome(int32_t method, double angle, const ImageRec& image,
 // Runs the pages, exposures of one page, with the first one's geometry. `results` has as many empty
 // records and receives the images, which the caller releases.
 judging::TurnOutcome CropSet(const CropOptions& options, const std::vector<ImageRec>& pages,
-                             int32_t threshold, std::vector<ImageRec>* results) {
-  judging::TurnOutcome outcome;
-  outcome.page = std::make_unique<vorlanepic::deskew::PageRecords>();
+                             const vorlane_finding& found, int32_t threshold,
+                             std::vector<ImageRec>* results) {
+  judging::TurnOutcome outcome = NewOutcome(found);
   const DeskewCropParam param = ParamOf(options.deskew);
   const std::array<uint8_t, 3> fill = FillBytes(options.fill, pages[0].bitsPerPixel);
   double angle = 0;
-  outcome.milliseconds = Timed([&] {
-    outcome.status = judging::RunCrop(
-        pages, {options.interpolation, threshold, options.corner, fill.data(), param, false},
-        &angle, results->data(), outcome.page.get());
-  });
-  if (outcome.status != STATUS_OK) batch::ReleaseAll(results);
+  outcome.status = judging::RunCrop(
+      pages, {options.interpolation, threshold, options.corner, fill.data(), param, false}, &angle,
+      results->data(), outcome.page.get());
+  if (outcome.status != STATUS_OK) ReleaseAll(results);
   FinishOutcome(MethodOf(options.deskew), angle, pages[0], &outcome);
   return outcome;
 }
 
 judging::TurnOutcome CropPage(const CropOptions& options, const ImageRec& image,
-                              int32_t threshold) {
+                              const vorlane_finding& found, int32_t threshold) {
   std::vector<ImageRec> results(1);
-  judging::TurnOutcome outcome = CropSet(options, {image}, threshold, &results);
+  judging::TurnOutcome outcome = CropSet(options, {image}, found, threshold, &results);
   *outcome.result.rec() = results[0];
   return outcome;
 }
 
 judging::TurnOutcome MeasureAngle(const CropOptions& options, const ImageRec& image,
-                                  int32_t threshold) {
-  judging::TurnOutcome outcome;
-  outcome.page = std::make_unique<vorlanepic::deskew::PageRecords>();
+                                  const vorlane_finding& found, int32_t threshold) {
+  judging::TurnOutcome outcome = NewOutcome(found);
   const std::array<uint8_t, 3> fill{};
   ImageRec none{};
   double angle = 0;
-  outcome.milliseconds = Timed([&] {
-    outcome.status = judging::RunCrop(
-        std::span(&image, 1),
-        {INTERP_BILINEAR, threshold, 0, fill.data(), ParamOf(options.deskew), true}, &angle, &none,
-        outcome.page.get());
-  });
+  outcome.status =
+      judging::RunCrop(std::span(&image, 1),
+                       {INTERP_BILINEAR, threshold, 0, fill.data(), ParamOf(options.deskew), true},
+                       &angle, &none, outcome.page.get());
   FinishOutcome(MethodOf(options.deskew), angle, image, &outcome);
   return outcome;
 }
@@ -89,23 +100,68 @@ void AddCropSettings(CLI::App* command, const std::shared_ptr<CropOptions>& opti
   AddDeskewOptions(command, &options->deskew);
 }
 
-// Checked before any page is touched; a profile's values are known to the library only.
-void CheckProfile(const CropOptions& options) { (void)ParamOf(options.deskew); }
+// Checked before any page is touched.
+void CheckOptions(const CropOptions& options) {
+  if (!options.deskew.profile.empty()) CheckProfile(options.deskew.profile);
+  if (options.corner != 0 && MethodOf(options.deskew) != 1) {
+    throw files::UsageError(
+        "--corner moves the borders of method 1; those of method 3 lie through the page's "
+        "outermost points and stay there, and method 2 cuts to the content");
+  }
+}
+
+// The pages of a file with the first one's geometry: one outcome, told of each with its own
+// picture.
+std::vector<batch::PageOutcome> CropTogether(const CropOptions& options,
+                                             finding::PageEngine* engine,
+                                             const std::vector<files::Page>& pages) {
+  const ImageRec& first = *pages[0].image.rec();
+  std::vector<ImageRec> records;
+  for (const files::Page& page : pages) {
+    const ImageRec& image = *page.image.rec();
+    if (image.width != first.width || image.height != first.height ||
+        image.bitsPerPixel != first.bitsPerPixel) {
+      throw files::FileError(page.file + ": page " + std::to_string(page.number) +
+                             " differs from the first in size or depth; run it without "
+                             "--one-geometry");
+    }
+    records.push_back(image);
+  }
+  const int32_t given = options.threshold.threshold;
+  std::vector<ImageRec> results(pages.size());
+  const auto outcome = std::make_shared<judging::TurnOutcome>(
+      CropSet(options, records, FindingFor(engine, options.report, first),
+              given >= 0 ? given : Preferred(options, first), &results));
+  std::vector<batch::PageOutcome> outcomes;
+  for (size_t i = 0; i < pages.size(); ++i) {
+    *outcome->result.rec() = std::exchange(results[i], ImageRec{});
+    outcomes.push_back(OutcomeOf(options.report, pages[i], outcome));
+    (void)outcome->result.Release();
+  }
+  return outcomes;
+}
+
+using CropCall = judging::TurnOutcome (*)(const CropOptions&, const ImageRec&,
+                                          const vorlane_finding&, int32_t threshold);
+
+// The service for single pages, over `call`.
+batch::PageService SingleService(const std::shared_ptr<CropOptions>& options, CropCall call) {
+  return ServiceOf(
+      options->report, [options, call](const files::Page& page, const vorlane_finding& found) {
+        const ImageRec& image = *page.image.rec();
+        return RunThresholds(options->threshold, Preferred(*options, image), image,
+                             [&](int32_t level) { return call(*options, image, found, level); });
+      });
+}
 
 int RunCrop(const std::shared_ptr<CropOptions>& options) {
-  options->batch.command = "crop";
-  CheckProfile(*options);
-  if (options->oneGeometry) {
-    return batch::RunPageSets(options->batch, [&](const std::vector<ImageRec>& pages,
-                                                  std::vector<ImageRec>* results) {
-      const int32_t given = options->threshold.threshold;
-      return CropSet(*options, pages, given >= 0 ? given : Preferred(*options, pages[0]), results);
-    });
+  CheckOptions(*options);
+  if (!options->oneGeometry) {
+    return batch::RunBatch(options->batch, SingleService(options, CropPage));
   }
-  return batch::RunBatch(options->batch, [&](const files::Page& page) {
-    return RunThresholds(
-        options->threshold, Preferred(*options, *page.image.rec()), *page.image.rec(),
-        [&](int32_t threshold) { return CropPage(*options, *page.image.rec(), threshold); });
+  finding::PageEngine engine;
+  return batch::RunPageSets(options->batch, [&](const std::vector<files::Page>& pages) {
+    return CropTogether(*options, &engine, pages);
   });
 }
 
@@ -116,14 +172,15 @@ CommandRun AddCrop(CLI::App* app) {
   CLI::App* command =
       app->add_subcommand("crop", "Deskew and crop by a chosen method, settings or a profile");
   AddBatchOptions(command, &options->batch);
+  AddDoubtfulOption(command, &options->report);
   AddInterpolationOption(command, &options->interpolation);
   AddCropSettings(command, options);
   command
       ->add_option("--corner", options->corner,
-                   "Methods 1 and 3: move every border outwards by twice this many pixels")
+                   "Method 1: move every border outwards by twice this many pixels")
       ->check(CLI::Range(-1000, 1000))
       ->capture_default_str();
-  AddFillOption(command, &options->fill);
+  AddFillOption(command, &options->fill, kContentFill);
   command->add_flag("--one-geometry", options->oneGeometry,
                     "Pages of a TIFF are exposures of one page: measure the first, turn and cut "
                     "all alike");
@@ -133,7 +190,10 @@ CommandRun AddCrop(CLI::App* app) {
       "  vorlane crop box/*.tif -o out/ --profile sample-profile.ini\n"
       "  vorlane crop exposures.tif -o cut.tif --one-geometry\n"
       "The angle is the turn that was made, in degrees, clockwise positive.");
-  return [options] { return RunCrop(options); };
+  return [options, command] {
+    FinishRequest(*command, &options->batch);
+    return RunCrop(options);
+  };
 }
 
 CommandRun AddAngle(CLI::App* app) {
@@ -146,14 +206,11 @@ CommandRun AddAngle(CLI::App* app) {
       "Examples:\n"
       "  vorlane angle scan.tif --method 1\n"
       "  vorlane angle box/*.png --json");
-  return [options] {
-    options->batch.command = "angle";
-    CheckProfile(*options);
-    return batch::RunBatch(options->batch, [&](const files::Page& page) {
-      return RunThresholds(
-          options->threshold, Preferred(*options, *page.image.rec()), *page.image.rec(),
-          [&](int32_t threshold) { return MeasureAngle(*options, *page.image.rec(), threshold); });
-    });
+  return [options, command] {
+    FinishRequest(*command, &options->batch);
+    options->report.makesPages = false;
+    CheckOptions(*options);
+    return batch::RunBatch(options->batch, SingleService(options, MeasureAngle));
   };
 }
 

@@ -1,10 +1,7 @@
 #include "app/commands/deskew_options.h"
 
 #include <climits>
-#include <filesystem>
-#include <fstream>
 
-#include "app/files/page.h"
 #include "frame/profile_reader.h"
 
 namespace vorlane::commands {
@@ -51,10 +48,11 @@ void AddDeskewOptions(CLI::App* app, DeskewOptions* options) {
   AddSetting(app, profile, "--to-line-mix-distance", &param->ToLineMixDis, 1, 20,
              "ToLineMixDis: checked, without effect (methods 1 and 3)");
   AddSetting(app, profile, "--parallel", &param->parallel, 0.0, 5.0,
-             "parallel: degrees within which opposite borders are parallel (methods 1 and 3)");
+             "parallel: degrees within which opposite borders are parallel (method 1; method 3 "
+             "checks it only)");
   AddSetting(app, profile, "--perpendicular", &param->perpendicular, 0.0, 5.0,
              "perpendicular: degrees off a right angle up to which a border lends its direction "
-             "(methods 1 and 3)");
+             "(method 1; method 3 checks it only)");
   AddSetting(app, profile, "--segment-length", &param->SegmentLen, 5, 50,
              "SegmentLen: border points in one piece of the vote (method 2)");
   AddContentSettings(app, profile, param);
@@ -71,10 +69,6 @@ DeskewCropParam ParamOf(const DeskewOptions& options) {
   DeskewCropParam param = options.param;
   param.DeskewMethod = options.method;
   if (options.profile.empty()) return param;
-  std::error_code code;
-  if (!std::ifstream(options.profile) || std::filesystem::is_directory(options.profile, code)) {
-    throw files::UsageError(options.profile + ": this profile cannot be opened");
-  }
   param.useProfile = 1;
   param.profilePath = options.profile.c_str();
   return param;

@@ -23,8 +23,7 @@ void AddDeskewOptions(CLI::App* app, DeskewOptions* options);
 // --search-limit, --pixel-count, --crop-pixel-count and --profile only.
 void AddContentOptions(CLI::App* app, DeskewOptions* options);
 
-// The record that the options describe; it points into them. Throws UsageError when the profile
-// cannot be opened.
+// The record that the options describe; it points into them.
 DeskewCropParam ParamOf(const DeskewOptions& options);
 
 // 1, 2 or 3: the method that a call with these options runs.

@@ -30,8 +30,7 @@ int32_t MakeDib(const ImageRec& image, int32_t dpi, RowOrder order, ScratchDib* 
   const int32_t perMetre = PixelsPerMetre(dpi);
   frame::StoreDibField(dib->rec()->infoHeader, frame::kDibPixelsPerMetreXAt, perMetre);
   frame::StoreDibField(dib->rec()->infoHeader, frame::kDibPixelsPerMetreYAt, perMetre);
-  const auto bytes =
-      static_cast<size_t>(frame::PaddedRowBytes(image.width, image.bitsPerPixel));
+  const auto bytes = static_cast<size_t>(frame::PaddedRowBytes(image.width, image.bitsPerPixel));
   for (int32_t y = 0; y < image.height; ++y) {
     const auto row = static_cast<size_t>(RowAt(order, y, image.height));
     std::memcpy(dib->rec()->bits + row * bytes, image.rows[y], bytes);
@@ -41,11 +40,9 @@ int32_t MakeDib(const ImageRec& image, int32_t dpi, RowOrder order, ScratchDib* 
 
 int32_t FromDib(DibRec* dib, RowOrder order, frame::ScratchImage* image) {
   const frame::DibShape shape = frame::ShapeOfDib(dib->infoHeader);
-  const int32_t status =
-      Imgbuf_New(image->rec(), shape.width, shape.height, shape.bitsPerPixel, 0);
+  const int32_t status = Imgbuf_New(image->rec(), shape.width, shape.height, shape.bitsPerPixel, 0);
   if (status != STATUS_OK) return status;
-  const auto bytes =
-      static_cast<size_t>(frame::PaddedRowBytes(shape.width, shape.bitsPerPixel));
+  const auto bytes = static_cast<size_t>(frame::PaddedRowBytes(shape.width, shape.bitsPerPixel));
   for (int32_t y = 0; y < shape.height; ++y) {
     const auto row = static_cast<size_t>(RowAt(order, y, shape.height));
     std::memcpy(image->rec()->rows[y], dib->bits + row * bytes, bytes);

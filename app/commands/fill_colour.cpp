@@ -32,11 +32,10 @@ std::optional<FillColour> ParseFill(const std::string& text) {
 
 }  // namespace
 
-void AddFillOption(CLI::App* app, FillColour* fill) {
+void AddFillOption(CLI::App* app, FillColour* fill, const char* ending) {
   app->add_option_function<std::string>(
          "--fill", [fill](const std::string& text) { *fill = ParseFill(text).value(); },
-         "Colour outside the page: black, white, a grey level or #RRGGBB [black]; light fills "
-         "count as content where the turned page is cut to its content")
+         std::string("Colour outside the page: black, white, a grey level or #RRGGBB [") + ending)
       ->check(CLI::Validator(
           [](const std::string& text) {
             return ParseFill(text) ? std::string() : "not black, white, 0..255 or #RRGGBB: " + text;

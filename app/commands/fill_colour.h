@@ -14,8 +14,12 @@ struct FillColour {
   uint8_t blue = 0;
 };
 
-// --fill black|white|LEVEL|#RRGGBB.
-void AddFillOption(CLI::App* app, FillColour* fill);
+// The default, and what there is to say of it.
+inline constexpr const char* kContentFill =
+    "black]; light fills count as content where the turned page is cut to its content";
+
+// --fill black|white|LEVEL|#RRGGBB. `ending` completes the option's text from the default on.
+void AddFillOption(CLI::App* app, FillColour* fill, const char* ending);
 
 // The fill value of an image of 1, 8 or 24 bits, as the services take it.
 std::array<uint8_t, 3> FillBytes(const FillColour& fill, int32_t bitsPerPixel);

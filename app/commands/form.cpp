@@ -5,6 +5,8 @@
 #include "app/commands/deskew_options.h"
 #include "app/commands/dib_image.h"
 #include "app/commands/fill_colour.h"
+#include "app/commands/profile_check.h"
+#include "app/judge/judgement.h"
 #include "app/judge/page_geometry.h"
 #include "app/judge/service_runs.h"
 #include "app/judge/threshold_choice.h"
@@ -14,6 +16,7 @@ namespace {
 
 struct FormOptions {
   batch::BatchRequest batch;
+  TurnReport report;
   DeskewOptions deskew;
   int32_t threshold = -1;
   int32_t dpi = 0;
@@ -21,9 +24,11 @@ struct FormOptions {
   FillColour fill;
 };
 
-judging::TurnOutcome StraightenForm(const FormOptions& options, const files::Page& page) {
+judging::TurnOutcome StraightenForm(const FormOptions& options, const files::Page& page,
+                                    const vorlane_finding& found) {
   const ImageRec& image = *page.image.rec();
   judging::TurnOutcome outcome;
+  outcome.finding = found;
   outcome.kind = judging::TurnKind::kBar;
   // The rows stand bottom first: what is measured on them is mirrored.
   outcome.isFlipped = true;
@@ -39,11 +44,9 @@ judging::TurnOutcome StraightenForm(const FormOptions& options, const files::Pag
   const DeskewCropParam param = ParamOf(options.deskew);
   const std::array<uint8_t, 3> fill = FillBytes(options.fill, image.bitsPerPixel);
   double degrees = 0;
-  outcome.milliseconds = Timed([&] {
-    outcome.status =
-        judging::RunForm(*source.rec(), {options.interpolation, outcome.threshold, fill.data()},
-                         param, &degrees, result.rec(), outcome.page.get(), outcome.bar.get());
-  });
+  outcome.status =
+      judging::RunForm(*source.rec(), {options.interpolation, outcome.threshold, fill.data()},
+                       param, &degrees, result.rec(), outcome.page.get(), outcome.bar.get());
   if (outcome.status == STATUS_OK) {
     outcome.status = FromDib(result.rec(), RowOrder::kBottomFirst, &outcome.result);
   }
@@ -60,10 +63,11 @@ CommandRun AddForm(CLI::App* app) {
   CLI::App* command = app->add_subcommand(
       "form", "Straighten and crop a form by its printed reference bar: one long, thin, solid bar");
   AddBatchOptions(command, &options->batch);
+  AddDoubtfulOption(command, &options->report);
   AddInterpolationOption(command, &options->interpolation);
   AddBarPageOptions(command, &options->threshold, &options->dpi);
   AddContentOptions(command, &options->deskew);
-  AddFillOption(command, &options->fill);
+  AddFillOption(command, &options->fill, kContentFill);
   command->footer(
       "The bar is at least 600 pixels long and 4 to 20 thick at 200 dpi, more at higher "
       "resolutions;\n"
@@ -71,11 +75,15 @@ CommandRun AddForm(CLI::App* app) {
       "Examples:\n"
       "  vorlane form sheets.tif -o forms.tif --overlay found/\n"
       "  vorlane form photo.jpg -o form.png --dpi 150 --profile sample-profile.ini");
-  return [options] {
-    options->batch.command = "form";
-    (void)ParamOf(options->deskew);
-    return batch::RunBatch(options->batch,
-                           [&](const files::Page& page) { return StraightenForm(*options, page); });
+  return [options, command] {
+    FinishRequest(*command, &options->batch);
+    if (!options->deskew.profile.empty()) CheckProfile(options->deskew.profile);
+    options->report.isForm = true;
+    const auto service =
+        ServiceOf(options->report, [&](const files::Page& page, const vorlane_finding& found) {
+          return StraightenForm(*options, page, found);
+        });
+    return batch::RunBatch(options->batch, service);
   };
 }
 

@@ -6,6 +6,8 @@
 #include <vector>
 
 #include "app/batch/exit_codes.h"
+#include "app/batch/printable_name.h"
+#include "app/batch/standard_streams.h"
 #include "app/commands/commands.h"
 #include "app/files/pix_owner.h"
 
@@ -31,8 +33,9 @@ int RunCommandLine(int argc, char** argv) {
       "the\n"
       "request cannot be carried out; 3 some file could not be read or written.");
   const std::vector<commands::CommandRun> runs = {
-      commands::AddStraighten(&app), commands::AddCrop(&app),   commands::AddAngle(&app),
-      commands::AddForm(&app),       commands::AddBlocks(&app), commands::AddBarAngle(&app)};
+      commands::AddStraighten(&app), commands::AddDetect(&app),   commands::AddCrop(&app),
+      commands::AddAngle(&app),      commands::AddPruned(&app),   commands::AddForm(&app),
+      commands::AddBlocks(&app),     commands::AddBarAngle(&app), commands::AddCompletion(&app)};
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -49,12 +52,12 @@ int RunGuarded(int argc, char** argv) {
   try {
     return RunCommandLine(argc, argv);
   } catch (const files::UsageError& error) {
-    (void)std::fprintf(stderr, "vorlane: %s\n", error.what());
+    (void)std::fprintf(stderr, "vorlane: %s\n", batch::Printable(error.what()).c_str());
     return batch::kExitUsage;
   } catch (const std::bad_alloc&) {
     (void)std::fprintf(stderr, "vorlane: there is not enough memory\n");
   } catch (const std::exception& error) {
-    (void)std::fprintf(stderr, "vorlane: %s\n", error.what());
+    (void)std::fprintf(stderr, "vorlane: %s\n", batch::Printable(error.what()).c_str());
   }
   return batch::kExitFiles;
 }
@@ -62,6 +65,7 @@ int RunGuarded(int argc, char** argv) {
 }  // namespace
 
 int main(int argc, char** argv) {
+  batch::SecureStandardStreams();
   TakeWriteErrorsAsResults();
   // Its messages name its own functions; ours name the file.
   (void)setMsgSeverity(L_SEVERITY_NONE);

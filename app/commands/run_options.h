@@ -3,10 +3,13 @@
 
 #include <cstdint>
 #include <functional>
+#include <map>
+#include <string>
 
 #include <CLI/CLI.hpp>
 
 #include "app/batch/batch.h"
+#include "app/commands/turn_report.h"
 #include "app/judge/judgement.h"
 
 namespace vorlane::commands {
@@ -14,16 +17,35 @@ namespace vorlane::commands {
 // What a command does once its options are read; returns an ExitCode.
 using CommandRun = std::function<int()>;
 
-// INPUT..., -o, --overlay, --json, --overwrite ..., for commands that write pages.
+// What is read, where it goes and how the run goes on, for commands that write pages.
 void AddBatchOptions(CLI::App* app, batch::BatchRequest* request);
 
-// INPUT..., --overlay, --json and what overlays need, for commands that only measure.
+// --accept-doubtful.
+void AddDoubtfulOption(CLI::App* app, TurnReport* report);
+
+// The same for commands that only measure.
 void AddMeasureOptions(CLI::App* app, batch::BatchRequest* request);
+
+// The part of both that names the inputs, and the part that says how the run goes on.
+void AddInputOptions(CLI::App* app, batch::BatchRequest* request);
+void AddRunOptions(CLI::App* app, batch::BatchRequest* request);
+
+// Completes a request when the command line is read: the command's name, and the SHA-256 of all
+// options that decide what is written, with the bytes of a profile. Throws UsageError when options
+// contradict each other.
+void FinishRequest(const CLI::App& command, batch::BatchRequest* request);
 
 // --threshold N and --dpi N, for commands that look for a reference bar.
 void AddBarPageOptions(CLI::App* app, int32_t* threshold, int32_t* dpi);
 
-// --interpolation bicubic|bilinear|nearest.
+// An option that takes one of a few words, each with its value.
+using Choices = std::map<std::string, int32_t>;
+void AddChoice(CLI::App* app, const char* name, int32_t* value, const Choices& choices,
+               const char* meaning);
+
+// --interpolation bicubic|bilinear|nearest, as the services count them.
+inline constexpr const char* kInterpolationMeaning =
+    "How pixels between pixels are sampled [bicubic]; 1-bit pages always take the nearest";
 void AddInterpolationOption(CLI::App* app, int32_t* interpolation);
 
 // --threshold N with 0 for the library's estimate, and --try-thresholds.

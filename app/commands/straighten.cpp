@@ -1,67 +1,36 @@
-// vorlane straighten: pruned rotation of every page.
+// vorlane straighten: finds every page, turns it upright and cuts it out.
 #include <memory>
 
 #include "app/commands/commands.h"
-#include "app/judge/page_geometry.h"
-#include "app/judge/service_runs.h"
-#include "frame/trigonometry.h"
+#include "app/commands/engine_service.h"
 
 namespace vorlane::commands {
 namespace {
 
 struct StraightenOptions {
   batch::BatchRequest batch;
-  ThresholdOptions threshold;
-  int32_t interpolation = INTERP_BICUBIC;
-  int32_t background = 0;
+  EngineOptions engine;
 };
-
-judging::TurnOutcome Straighten(const StraightenOptions& options, const ImageRec& image,
-                                int32_t threshold) {
-  judging::TurnOutcome outcome;
-  outcome.page = std::make_unique<vorlanepic::deskew::PageRecords>();
-  double radians = 0;
-  outcome.milliseconds = Timed([&] {
-    constexpr uint8_t kBlack[3] = {0, 0, 0};
-    outcome.status =
-        judging::RunPruned(image, {options.interpolation, threshold, options.background, 0, kBlack},
-                           &radians, outcome.result.rec(), outcome.page.get());
-  });
-  outcome.threshold = outcome.page->threshold;
-  if (outcome.status != STATUS_OK) return outcome;
-  outcome.degrees = judging::NormalDegrees(radians * vorlanepic::frame::kDegreesPerRadian);
-  outcome.verdict = judging::Judge(outcome, image);
-  return outcome;
-}
 
 }  // namespace
 
 CommandRun AddStraighten(CLI::App* app) {
   auto options = std::make_shared<StraightenOptions>();
   CLI::App* command = app->add_subcommand(
-      "straighten", "Find the page on a darker background, turn it upright and cut it out");
+      "straighten", "Find the page in every picture, turn it upright and cut it out");
   AddBatchOptions(command, &options->batch);
-  AddInterpolationOption(command, &options->interpolation);
-  AddThresholdOptions(command, &options->threshold);
-  command
-      ->add_option("--background", options->background,
-                   "0: the page is what is at or above the threshold; 255: what lies within 9 "
-                   "levels of it, for grey pages on a white background")
-      ->check(CLI::IsMember({0, 255}))
-      ->capture_default_str();
+  AddLookOptions(command, &options->engine);
+  AddMakeOptions(command, &options->engine);
   command->footer(
       "Examples:\n"
       "  vorlane straighten scan.tif -o straight.tif --overlay found.png\n"
-      "  vorlane straighten box/*.jpg -o out/ --try-thresholds\n"
+      "  vorlane straighten box/*.jpg -o out/ --by print --margin 2mm\n"
       "  vorlane straighten book.tif -o 'pages/{name}-{page}.png' --json\n"
-      "The angle is the turn that was made, in degrees, clockwise positive.");
-  return [options] {
-    options->batch.command = "straighten";
-    return batch::RunBatch(options->batch, [&](const files::Page& page) {
-      return RunThresholds(options->threshold, 0, *page.image.rec(), [&](int32_t threshold) {
-        return Straighten(*options, *page.image.rec(), threshold);
-      });
-    });
+      "The angle is the turn that was made, in degrees, clockwise positive. Under 0.05 degrees a\n"
+      "page is cut only, and no pixel resampled.");
+  return [options, command] {
+    FinishRequest(*command, &options->batch);
+    return batch::RunBatch(options->batch, MakeService(options->engine));
   };
 }
 

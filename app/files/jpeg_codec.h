@@ -1,6 +1,7 @@
 // The JPEG library's records with its errors as exceptions.
 #pragma once
 
+#include <climits>
 #include <csetjmp>
 #include <cstdio>
 #include <jpeglib.h>
@@ -17,6 +18,8 @@ struct JpegErrors {
   char error[JMSG_LENGTH_MAX] = "";
   char warning[JMSG_LENGTH_MAX] = "";  // the first one
   int warnings = 0;
+  // From this row of blocks on nothing is stored, and what is said about that is no warning.
+  unsigned endsAtRow = UINT_MAX;
 
   JpegErrors();
 };

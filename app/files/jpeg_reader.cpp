@@ -3,10 +3,12 @@
 #include <algorithm>
 #include <cstdlib>
 #include <cstring>
+#include <optional>
 #include <string_view>
 
 #include "app/files/exif.h"
 #include "app/files/jpeg_codec.h"
+#include "app/files/jpeg_frame.h"
 #include "app/files/jpeg_tables.h"
 #include "app/files/page_image.h"
 #include "app/files/row_converter.h"
@@ -21,7 +23,6 @@ constexpr unsigned kLongest = 0xFFFF;
 
 constexpr std::string_view kExifName = "Exif\0\0"sv;
 constexpr std::string_view kXmpName = "http://ns.adobe.com/xap/1.0/\0"sv;
-constexpr std::string_view kIccName = "ICC_PROFILE\0"sv;
 constexpr std::string_view kPhotoshopName = "Photoshop 3.0\0"sv;
 
 // Every call of the library stands in a function of its own that holds no object with a
@@ -46,14 +47,15 @@ class JpegDecoder {
   void ReadHeader() {
     if (setjmp(errors_.jump) != 0) Fail();
     (void)jpeg_read_header(&info_, TRUE);
+    // Until here they are about segments that are not looked at.
+    errors_.warnings = 0;
   }
 
   void Start(J_COLOR_SPACE colours) {
     if (setjmp(errors_.jump) != 0) Fail();
     info_.out_color_space = colours;
     (void)jpeg_start_decompress(&info_);
-    // Until here they are about segments that are not looked at.
-    errors_.warnings = 0;
+    if (errors_.warnings > 0) FailByWarning();  // a progressive file is read whole here
   }
 
   void ReadRow(uint8_t* row) {
@@ -62,6 +64,8 @@ class JpegDecoder {
     (void)jpeg_read_scanlines(&info_, rows, 1);
     if (errors_.warnings > 0) FailByWarning();
   }
+
+  void ExpectEndAt(int32_t rowOfBlocks) { errors_.endsAtRow = static_cast<unsigned>(rowOfBlocks); }
 
   void Finish() {
     if (setjmp(errors_.jump) != 0) Fail();
@@ -170,10 +174,8 @@ uint32_t TakeMetadata(const JpegDecoder& decoder, Metadata* metadata) {
   return facts.orientation;
 }
 
-void FillCoding(std::span<const uint8_t> bytes, const jpeg_decompress_struct& info,
-                PageCoding* coding) {
+void FillCoding(const jpeg_decompress_struct& info, PageCoding* coding) {
   coding->format = FileFormat::kJpeg;
-  coding->jpeg = JpegCodingOf(bytes);
   coding->jpeg.isProgressive = info.progressive_mode != FALSE;
   if (info.num_components >= 3) {
     coding->jpeg.horizontal =
@@ -199,9 +201,61 @@ SampleLayout LayoutOf(const jpeg_decompress_struct& info, J_COLOR_SPACE* colours
   return layout;
 }
 
-void DecodeRows(JpegDecoder* decoder, const SampleLayout& layout, Page* page) {
+// The data has no checksum, and a changed code mostly moves all blocks that follow. Such a picture
+// has blocks left behind its last one: the decoder is told of one row of blocks more, of which a
+// whole picture must have nothing.
+class RowBehind {
+ public:
+  // Changes the height in `bytes` where that can be done.
+  explicit RowBehind(Bytes* bytes) : frame_(FindFrame(*bytes)) {
+    if (!frame_ || !frame_->isSequential || frame_->blockHeight == 0) return;
+    // A single channel is stored block by block, whatever its sampling says.
+    const bool isPlainGrey = frame_->channels == 1 && frame_->blockHeight == DCTSIZE;
+    if (!isPlainGrey && frame_->channels != 3) return;
+    uint8_t* at = bytes->data() + frame_->heightAt;
+    height_ = at[0] << 8 | at[1];
+    rows_ = (height_ + frame_->blockHeight - 1) / frame_->blockHeight;
+    const int32_t taller = (rows_ + 1) * frame_->blockHeight;
+    if (height_ == 0 || taller > JPEG_MAX_DIMENSION) return;
+    at[0] = static_cast<uint8_t>(taller >> 8);
+    at[1] = static_cast<uint8_t>(taller);
+    extra_ = taller - height_;
+  }
+
+  // The height without it.
+  int32_t HeightOf(const jpeg_decompress_struct& info) const {
+    return static_cast<int32_t>(info.image_height) - extra_;
+  }
+
+  void Announce(JpegDecoder* decoder) const {
+    if (extra_ > 0) decoder->ExpectEndAt(rows_);
+  }
+
+  // Reads the extra rows, of which the last one is looked at: blocks that are missing come out at
+  // middle grey, but for the first ones, which stand beside what the data ended in.
+  void Check(JpegDecoder* decoder, size_t width) const {
+    if (extra_ == 0) return;
+    const auto channels = static_cast<size_t>(frame_->channels);
+    Bytes row(width * channels);
+    for (int32_t y = 0; y < extra_; ++y) decoder->ReadRow(row.data());
+    constexpr uint8_t kMissing = 128;
+    const size_t from = 3 * static_cast<size_t>(frame_->blockWidth) * channels;
+    for (size_t i = from; i < row.size(); ++i) {
+      if (row[i] != kMissing) {
+        throw DecodeError("is damaged: its data does not end where its rows do");
+      }
+    }
+  }
+
+ private:
+  std::optional<JpegFrame> frame_;
+  int32_t height_ = 0;
+  int32_t rows_ = 0;   // of blocks
+  int32_t extra_ = 0;  // rows of pixels that were added
+};
+
+void DecodeRows(JpegDecoder* decoder, const SampleLayout& layout, int32_t height, Page* page) {
   const auto width = static_cast<int32_t>(decoder->info().image_width);
-  const auto height = static_cast<int32_t>(decoder->info().image_height);
   RowConverter converter(layout, width);
   MakeImage(width, height, converter.depth(), page);
   const bool isInverted =
@@ -224,16 +278,21 @@ void DecodeRows(JpegDecoder* decoder, const SampleLayout& layout, Page* page) {
 
 }  // namespace
 
-void ReadJpeg(std::span<const uint8_t> bytes, const ReadLimits& limits, Page* page) {
+void ReadJpeg(Bytes bytes, const ReadLimits& limits, Page* page) {
+  page->coding.jpeg = JpegCodingOf(bytes);
+  const RowBehind behind(&bytes);
   JpegDecoder decoder(bytes);
   decoder.ReadHeader();
-  CheckSize(decoder.info().image_width, decoder.info().image_height, limits);
+  behind.Announce(&decoder);
+  const int32_t height = behind.HeightOf(decoder.info());
+  CheckSize(decoder.info().image_width, static_cast<uint64_t>(height), limits);
   const uint32_t orientation = TakeMetadata(decoder, &page->metadata);
-  FillCoding(bytes, decoder.info(), &page->coding);
+  FillCoding(decoder.info(), &page->coding);
   J_COLOR_SPACE colours = JCS_UNKNOWN;
   const SampleLayout layout = LayoutOf(decoder.info(), &colours);
   decoder.Start(colours);
-  DecodeRows(&decoder, layout, page);
+  DecodeRows(&decoder, layout, height, page);
+  behind.Check(&decoder, decoder.info().image_width);
   decoder.Finish();
   ApplyOrientation(orientation, page);
 }

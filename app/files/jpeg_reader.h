@@ -1,15 +1,12 @@
 // Reads JPEG files.
 #pragma once
 
-#include <cstdint>
-#include <span>
-
 #include "app/files/page.h"
 
 namespace vorlane::files {
 
 // Reads the picture in `bytes`, turned the right way up as its EXIF block asks. Throws DecodeError,
 // with the decoder's words, when it is damaged, cut short or beyond the limits.
-void ReadJpeg(std::span<const uint8_t> bytes, const ReadLimits& limits, Page* page);
+void ReadJpeg(Bytes bytes, const ReadLimits& limits, Page* page);
 
 }  // namespace vorlane::files

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -26,10 +27,15 @@ struct Page {
   int32_t Dpi() const { return static_cast<int32_t>(metadata.resolution.x + 0.5); }
 };
 
+// Called with a page's size before anything of it is decoded, at least once; may wait until there is
+// memory for it.
+using SizeGate = std::function<void(uint64_t width, uint64_t height)>;
+
 // What a file may ask of us; a page beyond is refused before anything of it is decoded.
 struct ReadLimits {
   int64_t mostPixels = int64_t{1} << 31;  // in a page
   int32_t mostPages = 1'000'000;          // in a file
+  SizeGate gate;                          // null: a page of any size may be decoded at once
 };
 
 }  // namespace vorlane::files

@@ -81,6 +81,7 @@ void CheckSize(uint64_t width, uint64_t height, const ReadLimits& limits) {
                       " pixels are more than the " + std::to_string(most / 1'000'000) +
                       " megapixels allowed");
   }
+  if (limits.gate) limits.gate(width, height);
 }
 
 void MakeImage(int32_t width, int32_t height, int32_t bitsPerPixel, Page* page) {

@@ -8,9 +8,11 @@
 #include <filesystem>
 #include <unistd.h>
 #include <utility>
+#include <vector>
 
 #include <sys/stat.h>
 
+#include "app/files/byte_source.h"
 #include "app/files/errors.h"
 
 namespace vorlane::files {
@@ -116,12 +118,32 @@ void PendingFile::GiveTemporaryName() {
   if (!isNamed_) Fail("cannot be given a name");
 }
 
+// Whether the bytes already stand under the name.
+bool PendingFile::IsThere() const {
+  const FileSource there(path_);
+  if (there.size() != size_) return false;
+  std::vector<uint8_t> old(size_t{1} << 16);
+  std::vector<uint8_t> made(old.size());
+  for (uint64_t at = 0; at < size_; at += old.size()) {
+    const size_t count = there.ReadAt(at, old);
+    if (::pread(handle_, made.data(), count, static_cast<off_t>(at)) !=
+        static_cast<ssize_t>(count)) {
+      return false;
+    }
+    if (!std::equal(old.begin(), old.begin() + static_cast<ptrdiff_t>(count), made.begin())) {
+      return false;
+    }
+  }
+  return true;
+}
+
 // A link fails where a name is taken, also by a file that appeared a moment ago.
 void PendingFile::GiveFreeName() {
   const std::string from = isNamed_ ? temporary_ : HandleName(handle_);
   const int flags = isNamed_ ? 0 : AT_SYMLINK_FOLLOW;
   if (::linkat(AT_FDCWD, from.c_str(), AT_FDCWD, path_.c_str(), flags) == 0) return;
   if (errno == EEXIST) {
+    if (replacing_ == Replacing::kIfSame && IsThere()) return;
     throw FileError(path_ + ": has appeared meanwhile and is left as it is; nothing was written");
   }
   // File systems without links.
@@ -133,7 +155,7 @@ void PendingFile::GiveFreeName() {
 }
 
 void PendingFile::GiveName() {
-  if (replacing_ == Replacing::kNever) {
+  if (replacing_ != Replacing::kAllowed) {
     GiveFreeName();
     return;
   }

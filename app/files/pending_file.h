@@ -7,8 +7,9 @@
 
 namespace vorlane::files {
 
-// Whether a file may take the place of one that stands under its name when it gets it.
-enum class Replacing { kNever, kAllowed };
+// Whether a file may take the place of one that stands under its name when it gets it. kIfSame: one
+// with the same bytes is left to stand, and that is as good.
+enum class Replacing { kNever, kIfSame, kAllowed };
 
 // Whether a file's bytes and name have reached the disk before Commit returns.
 enum class Durability { kLeftToSystem, kSynced };
@@ -39,6 +40,7 @@ class PendingFile {
   void KeepRights() const;
   void GiveName();
   void GiveFreeName();
+  bool IsThere() const;
   void GiveTemporaryName();
   void SyncFolder() const;
 

@@ -77,13 +77,15 @@ std::string PictureFile::NameOf(int32_t number) const {
   return count_ > 1 ? name_ + "[" + std::to_string(number) + "]" : name_;
 }
 
-Page PictureFile::Read(int32_t number) const {
+Page PictureFile::Read(int32_t number, SizeGate gate) const {
+  ReadLimits limits = limits_;
+  limits.gate = std::move(gate);
   Page page;
   page.file = name_;
   page.number = number;
   page.count = count_;
   try {
-    Decode(number, &page);
+    Decode(number, limits, &page);
   } catch (const DecodeError& error) {
     throw FileError(NameOf(number) + ": " + error.what());
   } catch (const std::bad_alloc&) {
@@ -92,28 +94,28 @@ Page PictureFile::Read(int32_t number) const {
   return page;
 }
 
-void PictureFile::Decode(int32_t number, Page* page) const {
+void PictureFile::Decode(int32_t number, const ReadLimits& limits, Page* page) const {
   switch (kind_) {
     case Kind::kTiff: {
       const auto index = static_cast<size_t>(number) - 1;
       if (index >= tiffPages_.directories.size()) throw DecodeError(tiffPages_.damage);
-      ReadTiffPage(*source_, tiffHeader_, tiffPages_.directories[index], limits_, page);
+      ReadTiffPage(*source_, tiffHeader_, tiffPages_.directories[index], limits, page);
       break;
     }
     case Kind::kPng:
-      ReadPng(ReadAll(*source_), limits_, page);
+      ReadPng(ReadAll(*source_), limits, page);
       break;
     case Kind::kJpeg:
-      ReadJpeg(ReadAll(*source_), limits_, page);
+      ReadJpeg(ReadAll(*source_), limits, page);
       break;
     case Kind::kBmp:
-      ReadBmp(ReadAll(*source_), limits_, page);
+      ReadBmp(ReadAll(*source_), limits, page);
       break;
     case Kind::kPnm:
-      ReadPnm(ReadAll(*source_), limits_, page);
+      ReadPnm(ReadAll(*source_), limits, page);
       break;
     default:
-      ReadOther(ReadAll(*source_), limits_, page);
+      ReadOther(ReadAll(*source_), limits, page);
   }
 }
 

@@ -29,7 +29,7 @@ class PictureFile {
 
   // Page `number`, 1..count(). Throws FileError, which names file and page and quotes the decoder,
   // when the page is damaged or beyond the limits.
-  Page Read(int32_t number) const;
+  Page Read(int32_t number, SizeGate gate = nullptr) const;
 
   // The directory of a TIFF page, for handing it on as it is; nothing in other files.
   struct TiffPlace {
@@ -44,7 +44,7 @@ class PictureFile {
 
   void Look();
   void CountTiffPages();
-  void Decode(int32_t number, Page* page) const;
+  void Decode(int32_t number, const ReadLimits& limits, Page* page) const;
   std::string NameOf(int32_t number) const;
 
   std::string name_;

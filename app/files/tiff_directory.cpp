@@ -131,11 +131,7 @@ class DirectoryReader {
     std::vector<TiffEntry> entries;
     for (size_t at = 0; at < table.size(); at += shape_.entryBytes) {
       std::optional<TiffEntry> entry = ReadEntry(table.data() + at, depth);
-      if (entry) {
-        entries.push_back(std::move(*entry));
-      } else {
-        ++*lost_;
-      }
+      if (entry) entries.push_back(std::move(*entry));
     }
     return entries;
   }
@@ -152,21 +148,27 @@ class DirectoryReader {
     entry.count = header_.isBig ? NumberAt<uint64_t>(bytes + 4, header_.isSwapped)
                                 : NumberAt<uint32_t>(bytes + 4, header_.isSwapped);
     const TypeSizes sizes = SizesOf(entry.type);
-    if (sizes.bytes == 0 || entry.count > source_.size() / sizes.bytes) return std::nullopt;
+    if (sizes.bytes == 0) return std::nullopt;
+    if (entry.count > source_.size() / sizes.bytes) return Lost();
     const uint8_t* value = bytes + shape_.entryBytes - shape_.valueBytes;
     entry.data.resize(static_cast<size_t>(entry.count) * sizes.bytes);
     if (entry.data.size() <= shape_.valueBytes) {
       std::memcpy(entry.data.data(), value, entry.data.size());
     } else if (source_.ReadAt(OffsetAt(value, header_), entry.data) < entry.data.size()) {
-      return std::nullopt;
+      return Lost();
     }
     // Writers call IPTC data longs, but it is a row of bytes.
     constexpr uint16_t kIptc = 33723;
     if (header_.isSwapped && entry.tag != kIptc) {
       SwapUnits(entry.data.data(), entry.data.size(), sizes.unit);
     }
-    if (PointsToDirectory(entry.tag) && !ReadBelow(&entry, depth)) return std::nullopt;
+    if (PointsToDirectory(entry.tag) && !ReadBelow(&entry, depth)) return Lost();
     return entry;
+  }
+
+  std::optional<TiffEntry> Lost() {
+    ++*lost_;
+    return std::nullopt;
   }
 
   bool ReadBelow(TiffEntry* entry, int depth) {

@@ -54,8 +54,8 @@ struct TiffPages {
 TiffPages FindDirectories(const ByteSource& source, const TiffHeader& header, size_t most);
 
 // The entries of the directory at `offset`, with the directories of EXIF, GPS and interoperability
-// data below it. Entries whose values lie outside the file are left out and counted in *lost.
-// Throws DecodeError when the directory itself does.
+// data below it. Entries of unknown types are left out; those whose values lie outside the file are
+// too, and are counted in *lost. Throws DecodeError when the directory itself does.
 std::vector<TiffEntry> ReadDirectory(const ByteSource& source, const TiffHeader& header,
                                      uint64_t offset, size_t* lost);
 

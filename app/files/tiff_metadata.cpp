@@ -129,7 +129,8 @@ void ReadTiffMetadata(const ByteSource& source, const TiffHeader& header, uint64
     page->notes.emplace_back("smaller copies of the picture (SubIFDs) dropped");
   }
   if (lost > 0) {
-    page->notes.push_back(std::to_string(lost) + " unreadable entries of its directory dropped");
+    throw DecodeError(std::to_string(lost) +
+                      " entries of its directory lie beyond the end of the file");
   }
   std::erase_if(entries, [](const TiffEntry& entry) { return DescribesPixels(entry.tag); });
   page->metadata.tiffEntries = std::move(entries);
@@ -150,6 +151,11 @@ std::vector<TiffEntry> TiffEntriesOf(const Metadata& metadata) {
         std::find_if(std::begin(kTextTags), std::end(kTextTags),
                      [&](const TextTag& tag) { return text.keyword == tag.keyword; });
     if (known != std::end(kTextTags)) AddUnlessThere(TextEntryOf(known->tag, text.text), &entries);
+  }
+  for (const TextEntry& text : metadata.texts) {
+    if (text.keyword == "Comment") {
+      AddUnlessThere(TextEntryOf(TIFFTAG_IMAGEDESCRIPTION, text.text), &entries);
+    }
   }
   for (TiffEntry& entry : EntriesOfExif(metadata.exif)) {
     if (IsExifTag(entry.tag)) AddUnlessThere(std::move(entry), &entries);

@@ -10,7 +10,7 @@
 namespace vorlane::files {
 
 // Fills the page's metadata from the directory at `directory`. Throws DecodeError when the
-// directory cannot be read; entries that are lost are told in the page's notes.
+// directory or values of it lie beyond the end of the file.
 void ReadTiffMetadata(const ByteSource& source, const TiffHeader& header, uint64_t directory,
                       Page* page);
 

@@ -1,8 +1,8 @@
-// How far a result can be trusted.
+// How far a service's result can be trusted.
 //
 // The services do what they promise also where that is not what a person wants: a page that runs
 // off the picture gives the picture's own angle, a uniform background may pass for a page. What
-// came back is therefore compared with what the records and the picture show.
+// came back is therefore held against what the page engine finds on the same picture.
 #pragma once
 
 #include "app/judge/turn_outcome.h"
@@ -16,42 +16,21 @@ struct Limits {
   double doubtful;
 };
 
-// A side counts as seen when it rests on at least this many points, is at least this share of the
-// cut's length along it, and at most this share of it lies on the picture's own edge.
-inline constexpr int32_t kFewestPoints = 8;
-inline constexpr double kShortestSeen = 0.15;
-inline constexpr double kMostOnFrame = 0.5;
+// Degrees between the service's turn and the engine's.
+inline constexpr Limits kApart{0.2, 0.5};
 
-// Degrees between a seen side and the turn. Feeding shears a sheet by some tenths of a degree.
-// Where two sides bear the turn out, a third one past the limits leaves it likely: an open book, a
-// torn sheet, a page in perspective.
-inline constexpr Limits kLean{0.3, 1.5};
+// Share of what the engine's cut keeps that the service's cut leaves out.
+inline constexpr Limits kLost{0.005, 0.03};
 
-// Distance between a seen side and the cut's side, as a share of the cut's size across it.
-inline constexpr Limits kApart{0.02, 0.06};
+// Share of the service's cut that lies outside the engine's.
+inline constexpr double kMostSurround = 0.05;
 
-// Sides that are seen: fewer than these.
-inline constexpr Limits kSeenSides{3, 2};
+// Pixels by which the engine's cut lies outside the sheet's sides, and the service's may lie inside
+// them, before anything counts as lost.
+inline constexpr double kCutSlack = 5.0;
 
-// Share of the picture's light pixels that the cut leaves out.
-inline constexpr Limits kLeftOut{0.04, 0.20};
-
-// Share of the cut that is dark. A page with large photographs is half dark.
-inline constexpr Limits kDark{0.40, 0.70};
-
-// Share of the cut that lies beyond the picture's edges.
-inline constexpr Limits kBeyond{0.02, 0.15};
-
-// Share of the picture that the cut takes: less than these.
-inline constexpr Limits kSmall{0.04, 0.01};
-
-// Degrees of turn. A page turned by more than 45 degrees comes out a quarter turn off.
-inline constexpr Limits kSteep{30, 42};
-
-// Degrees of a bar against the page's axes.
-inline constexpr Limits kBarTurn{15, 42};
-
-// Judges an outcome of status 0 on `image`, the page as the service saw it.
+// Judges an outcome of status 0 on `image`, the page as the service saw it, by the outcome's
+// finding.
 Verdict Judge(const TurnOutcome& outcome, const ImageRec& image);
 
 // Whether an outcome is better kept than another: success first, then confidence.

@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "app/finding/page_engine.h"
 #include "deskew/page_records.h"
 #include "frame/scratch.h"
 #include "omr/bar_records.h"
@@ -21,10 +22,16 @@ enum class TurnKind {
 
 enum class Confidence { kSure, kLikely, kDoubtful };
 
-// How far a result can be trusted, and why not further; no reasons when sure.
+// Why a result is not trusted further.
+struct Reason {
+  const char* code;  // stable, for programs
+  std::string words;
+};
+
+// How far a result can be trusted; no reasons when sure.
 struct Verdict {
   Confidence confidence = Confidence::kSure;
-  std::vector<std::string> reasons;
+  std::vector<Reason> reasons;
 };
 
 struct TurnOutcome {
@@ -32,12 +39,12 @@ struct TurnOutcome {
   int32_t status = 0;     // of the exported function
   double degrees = 0;     // the turn, clockwise as seen, above -180 up to 180; 0 on failure
   int32_t threshold = 0;  // in effect, given or estimated
-  double milliseconds = 0;
   vorlanepic::frame::ScratchImage result;  // empty on failure and for angle-only calls
   std::unique_ptr<vorlanepic::deskew::PageRecords> page;  // of the stages that ran
   std::unique_ptr<vorlanepic::omr::BarRecords> bar;       // kBar only
   bool isFlipped = false;  // the records' rows count from the page's bottom
-  Verdict verdict;         // when status is 0
+  vorlane_finding finding = finding::EmptyFinding();  // of the page engine, on the same picture
+  Verdict verdict;                                    // when status is 0
   std::vector<std::string> notes;
 };
 

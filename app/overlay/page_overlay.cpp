@@ -4,17 +4,18 @@
 #include <cmath>
 #include <cstdio>
 
+#include "app/finding/finding_facts.h"
 #include "app/judge/judgement.h"
 #include "app/judge/page_geometry.h"
 #include "app/judge/status_words.h"
 #include "app/overlay/bar_overlay.h"
+#include "app/overlay/finding_overlay.h"
 
 namespace vorlane::overlay {
 namespace {
 
 constexpr Colour kOutline{255, 0, 200};
 constexpr Colour kContent{255, 210, 0};
-constexpr Colour kDropped{250, 250, 250};
 
 constexpr Colour ColourOf(judging::Side side) {
   switch (side) {
@@ -67,57 +68,10 @@ void DrawTrace(OverlayCanvas* canvas, const vorlanepic::analysis::SideTrace& tra
   }
 }
 
-void DrawSupport(OverlayCanvas* canvas, const std::vector<vorlanepic::frame::PixelPoint>& points,
-                 Colour colour) {
-  for (const vorlanepic::frame::PixelPoint& p : points) canvas->Dot(At(p), 2.2, {0, 0, 0});
-  for (const vorlanepic::frame::PixelPoint& p : points) canvas->Dot(At(p), 1.6, colour);
-}
-
-// Where the content's upper edge went, from the centre upwards as it stands on the turned page.
-void DrawCenter(OverlayCanvas* canvas, const judging::CutRect& cut, double degrees) {
-  const double reach = 60 * canvas->unit();
-  canvas->Line(cut.center, cut.ToSource(0, -reach), 1.2, kOutline);
-  canvas->Line(cut.ToSource(-6 * canvas->unit(), -reach + 10 * canvas->unit()),
-               cut.ToSource(0, -reach), 1.2, kOutline);
-  canvas->Line(cut.ToSource(6 * canvas->unit(), -reach + 10 * canvas->unit()),
-               cut.ToSource(0, -reach), 1.2, kOutline);
-  canvas->Cross(cut.center, 8, 1.2, kOutline);
-  char text[40];
-  std::snprintf(text, sizeof(text), "turn %+.2f deg", degrees);
-  canvas->Label({cut.center.x + 12 * canvas->unit(), cut.center.y - 4 * canvas->unit()}, text,
-                {255, 255, 255});
-}
-
-std::string SideCaption(const judging::TurnOutcome& outcome, const ImageRec& image,
-                        judging::Side side) {
-  const judging::SideMeasure measure = judging::MeasureSide(outcome, image, side);
-  const vorlanepic::analysis::SideTrace& trace = judging::TraceOf(*outcome.page, side);
-  char text[160];
-  int length = std::snprintf(text, sizeof(text), "%-6s %4d points, %4d kept",
-                             judging::SideName(side), trace.pointCount, measure.points);
-  std::string caption(text, static_cast<size_t>(std::max(length, 0)));
-  if (outcome.kind == judging::TurnKind::kBorderVote) {
-    const auto index = static_cast<size_t>(side);
-    const vorlanepic::deskew::BorderVote& vote = outcome.page->votes[index];
-    if (!vote.hasAngle) return caption + ", no vote";
-    length =
-        std::snprintf(text, sizeof(text), ", %d votes for %.2f deg%s", vote.votes, vote.angle,
-                      outcome.page->bestBorder == static_cast<int32_t>(index) ? " (wins)" : "");
-    caption.append(text, static_cast<size_t>(std::max(length, 0)));
-    return caption;
-  }
-  if (measure.points < 2) return caption;
-  length =
-      std::snprintf(text, sizeof(text), ", leans %+.2f deg%s", measure.leanDegrees,
-                    measure.onFrameShare > judging::kMostOnFrame ? ", on the picture's edge" : "");
-  caption.append(text, static_cast<size_t>(std::max(length, 0)));
-  return caption;
-}
-
 void DrawSides(OverlayCanvas* canvas, const judging::TurnOutcome& outcome) {
   const vorlanepic::deskew::PageRecords& records = *outcome.page;
   for (const judging::Side side : judging::kSides)
-    DrawTrace(canvas, judging::TraceOf(records, side), kDropped);
+    DrawTrace(canvas, judging::TraceOf(records, side), ColourOf(side));
   if (outcome.kind == judging::TurnKind::kPruned) {
     if (records.stage >= vorlanepic::deskew::PageStage::kCorners) {
       for (const judging::Side side : judging::kSides) {
@@ -132,9 +86,6 @@ void DrawSides(OverlayCanvas* canvas, const judging::TurnOutcome& outcome) {
       DrawLine(canvas, records.votes[index].line, wins ? 1.8 : 0.5, ColourOf(side));
     }
   }
-  for (const judging::Side side : judging::kSides) {
-    DrawSupport(canvas, judging::SupportOf(outcome, side), ColourOf(side));
-  }
 }
 
 void DrawContent(OverlayCanvas* canvas, const judging::TurnOutcome& outcome) {
@@ -145,16 +96,6 @@ void DrawContent(OverlayCanvas* canvas, const judging::TurnOutcome& outcome) {
   const double top = outcome.isFlipped ? last - c.bottom : c.top;
   const double bottom = outcome.isFlipped ? last - c.top : c.bottom;
   canvas->Box(c.left, top, c.right, bottom, 1.2, kContent);
-}
-
-// The cut as seen: records whose rows count from the bottom are turned over.
-std::vector<Place> SeenCorners(const judging::TurnOutcome& outcome, const judging::CutRect& cut,
-                               double last) {
-  std::vector<Place> corners = cut.Corners();
-  if (outcome.isFlipped) {
-    for (Place& p : corners) p.y = last - p.y;
-  }
-  return corners;
 }
 
 std::string ResultCaption(const files::Page& page, const judging::TurnOutcome& outcome) {
@@ -170,17 +111,30 @@ std::string ResultCaption(const files::Page& page, const judging::TurnOutcome& o
   return text;
 }
 
-std::vector<CaptionLine> Caption(const files::Page& page, const judging::TurnOutcome& outcome) {
+std::string SideCaption(const judging::TurnOutcome& outcome, judging::Side side) {
+  std::string caption = std::string(judging::SideName(side)) + ": " +
+                        std::to_string(judging::TraceOf(*outcome.page, side).pointCount) +
+                        " border points";
+  if (outcome.kind != judging::TurnKind::kBorderVote) return caption;
+  const auto index = static_cast<size_t>(side);
+  const vorlanepic::deskew::BorderVote& vote = outcome.page->votes[index];
+  if (!vote.hasAngle) return caption + ", no vote";
+  char text[64];
+  std::snprintf(text, sizeof(text), ", %d votes for %.2f deg%s", vote.votes, vote.angle,
+                outcome.page->bestBorder == static_cast<int32_t>(index) ? " (wins)" : "");
+  return caption + text;
+}
+
+std::vector<CaptionLine> Caption(const files::Page& page, const judging::TurnOutcome& outcome,
+                                 bool isCut) {
   std::vector<CaptionLine> lines;
   lines.push_back({ResultCaption(page, outcome)});
-  for (const std::string& reason : outcome.verdict.reasons) lines.push_back({"- " + reason});
+  for (const judging::Reason& reason : outcome.verdict.reasons)
+    lines.push_back({"- " + reason.words});
   if (outcome.kind != judging::TurnKind::kBar) {
     for (const judging::Side side : judging::kSides) {
       if (judging::TraceOf(*outcome.page, side).pointCount == 0) continue;
-      lines.push_back({SideCaption(outcome, *page.image.rec(), side), true, ColourOf(side)});
-    }
-    if (outcome.page->stage >= vorlanepic::deskew::PageStage::kRowScan) {
-      lines.push_back({"border points that no line rests on", true, kDropped});
+      lines.push_back({SideCaption(outcome, side), true, ColourOf(side)});
     }
   } else if (outcome.bar) {
     AddBarCaption(*outcome.bar, &lines);
@@ -189,8 +143,9 @@ std::vector<CaptionLine> Caption(const files::Page& page, const judging::TurnOut
       outcome.page->stage >= vorlanepic::deskew::PageStage::kContent) {
     lines.push_back({"content found before the turn", true, kContent});
   }
-  if (judging::CutOf(outcome).isKnown)
-    lines.push_back({"the cut, its centre and way up", true, kOutline});
+  if (isCut) lines.push_back({"the cut, its centre and way up", true, kOutline});
+  lines.push_back({"The page engine, held against it:"});
+  AddFindingCaption(outcome.finding, &lines);
   return lines;
 }
 
@@ -198,24 +153,19 @@ std::vector<CaptionLine> Caption(const files::Page& page, const judging::TurnOut
 
 files::PixPtr DrawOverlay(const files::Page& page, const judging::TurnOutcome& outcome) {
   OverlayCanvas canvas(*page.image.rec());
-  judging::CutRect cut = judging::CutOf(outcome);
-  const double last = canvas.height() - 1;
+  const std::vector<Place> cut = judging::SeenCutCorners(outcome, canvas.height());
   // The outline lies on the borders: what they rest on is drawn over it.
-  if (cut.isKnown) canvas.Polygon(SeenCorners(outcome, cut, last), 5, kOutline);
+  if (!cut.empty()) canvas.Polygon(cut, 5, kOutline);
   if (outcome.kind != judging::TurnKind::kPruned) DrawContent(&canvas, outcome);
   if (outcome.kind == judging::TurnKind::kBar) {
     if (outcome.bar) DrawBar(&canvas, *outcome.bar);
   } else {
     DrawSides(&canvas, outcome);
   }
-  if (cut.isKnown) {
-    if (outcome.isFlipped) {
-      cut.center.y = last - cut.center.y;
-      cut.radians = -cut.radians;
-    }
-    DrawCenter(&canvas, cut, outcome.degrees);
-  }
-  return canvas.WithCaption(Caption(page, outcome));
+  DrawFoundOutline(&canvas, outcome.finding);
+  if (!cut.empty())
+    DrawWayUp(&canvas, cut, "turn " + finding::DegreesWords(outcome.degrees), kOutline);
+  return canvas.WithCaption(Caption(page, outcome, !cut.empty()));
 }
 
 }  // namespace vorlane::overlay

@@ -102,14 +102,20 @@ SideGroup GroupOf(const PageLevels& page, const SideSet& set, uint32_t members, 
   return group;
 }
 
+// Spreads in steps of a tenth of a degree: within one, length tells more.
+int32_t SpreadClass(const SideGroup& group) { return static_cast<int32_t>(group.spread * 10.0); }
+
 // Sides are told first by how many there are, then by whether both directions are among them; a
 // larger spread outweighs length.
 bool IsBetter(const SideGroup& a, const SideGroup& b) {
   if (a.isRim != b.isRim) return !a.isRim;
   if (a.count != b.count) return a.count > b.count;
   if (a.HasBothDirections() != b.HasBothDirections()) return a.HasBothDirections();
-  if (std::abs(a.spread - b.spread) > 0.1) return a.spread < b.spread;
-  return a.weight > b.weight;
+  const int32_t spreadA = SpreadClass(a);
+  const int32_t spreadB = SpreadClass(b);
+  if (spreadA != spreadB) return spreadA < spreadB;
+  if (a.weight != b.weight) return a.weight > b.weight;
+  return a.threshold != b.threshold ? a.threshold < b.threshold : a.sides < b.sides;
 }
 
 void AddGroups(const PageLevels& page, size_t threshold, PaperSides* sides) {
@@ -170,8 +176,7 @@ int32_t FindPaperSides(const PageLevels& page, PaperSides* sides) {
     AddGroups(page, i, sides);
     LookForQuad(page, i, sides);
   }
-  std::stable_sort(sides->groups.begin(),
-                   sides->groups.begin() + static_cast<ptrdiff_t>(sides->groupCount), IsBetter);
+  std::ranges::sort(std::span(sides->groups).first(sides->groupCount), IsBetter);
   return STATUS_OK;
 }
 

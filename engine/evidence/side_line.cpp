@@ -26,6 +26,8 @@ constexpr double kPairPixels = 16.0;
 // Leaning more than 45 degrees, a side is one of the neighbouring sides.
 constexpr double kSteepest = 1.0;
 constexpr int32_t kRefinements = 4;
+// A line lies clearly inside the picture from this share of its longer side on.
+constexpr double kClearlyInside = 0.01;
 
 // What a side has to have to be seen.
 constexpr size_t kFewestPoints = 24;
@@ -104,6 +106,7 @@ class SideFitter {
     if (!PickBest(&best)) return STATUS_OK;
     for (int32_t i = 0; i < kRefinements; ++i) Refine(&best);
     Measure(best, line);
+    MeasureContradiction(trace, line);
     return STATUS_OK;
   }
 
@@ -218,6 +221,19 @@ class SideFitter {
       oldest = point.along;
     }
     return on;
+  }
+
+  // A page that ends at the line does not reach the picture's edge beside it.
+  void MeasureContradiction(const vorlanepic::analysis::SideTrace& trace, SideLine* line) const {
+    const auto traced = static_cast<size_t>(trace.pointCount);
+    const double inside = kFramePixels + kClearlyInside * std::max(alongExtent_, acrossExtent_);
+    size_t contradicting = 0;
+    for (const vorlanepic::frame::PixelPoint& point : trace.points.span().first(traced)) {
+      const double across = line->At(RunsAcross(side_) ? point.x : point.y);
+      const bool isInside = across > inside && across < acrossExtent_ - 1.0 - inside;
+      contradicting += isInside && IsAtFrame(AcrossOf(side_, point), acrossExtent_);
+    }
+    line->contradicted = static_cast<double>(contradicting) / static_cast<double>(traced);
   }
 
   void MeasureBins(const Candidate& best, SideLine* line) const {

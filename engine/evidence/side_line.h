@@ -30,11 +30,12 @@ struct SideLine {
   double degrees = 0.0;  // by which the side lies turned clockwise
   double from = 0.0;     // where the points on the line begin and end, along
   double to = 0.0;
-  double filled = 0.0;    // share of from..to that has points on the line, in 24 bins
-  double straight = 0.0;  // share of the trace's points in from..to that lie on the line
-  double onFrame = 0.0;   // share of the trace that runs at the picture's own edge
-  double contrast = 0.0;  // levels by which the page is lighter than what lies outside the line
-  double outside = 0.0;   // the level of that
+  double filled = 0.0;        // share of from..to that has points on the line, in 24 bins
+  double straight = 0.0;      // share of the trace's points in from..to that lie on the line
+  double onFrame = 0.0;       // share of the trace that runs at the picture's own edge
+  double contradicted = 0.0;  // share of the trace at the picture's edge where the line is inside
+  double contrast = 0.0;      // levels by which the page is lighter than what lies outside the line
+  double outside = 0.0;       // the level of that
 
   double length() const { return to - from; }
   double weight() const { return length() * filled; }

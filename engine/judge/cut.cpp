@@ -37,7 +37,9 @@ constexpr double kLeastPage = 0.1;
 constexpr double kLightSlack = 0.004;
 // A side beyond whose end a neighbouring one goes on by this share is none of the sheet's.
 constexpr double kOvershoot = 0.005;
-constexpr double kOnFrame = 0.5;
+constexpr double kOnFrame = 0.25;
+// A line is no side where so much of the trace beside it runs at the picture's edge.
+constexpr double kContradicted = 0.3;
 // A side is looked for from inside from this far within the ends of its neighbours, and a gap is
 // the page's end where it begins no further beyond them; shares of the longer side.
 constexpr double kStartInside = 0.015;
@@ -97,7 +99,7 @@ class Cutter {
 
   bool Find(const InkPicture& ink, double outwards, Cut* cut) {
     *cut = {};
-    group_ = decision_.group != nullptr ? decision_.group : PaperOfPrint();
+    PickGroup();
     if (group_ == nullptr) {
       cut->rect = WholePicture(decision_.degrees, page_.width(), page_.height());
       return true;
@@ -112,7 +114,10 @@ class Cutter {
     for (const Side side : kAllSides) {
       double& beyond = beyond_[Index(side)];
       if (lines_[Index(side)]) {
-        if (IsClosed(side, region)) beyond = 0.0;
+        if (IsClosed(side, region)) {
+          cut->lightOutside = std::max(cut->lightOutside, beyond / page_.size());
+          beyond = 0.0;
+        }
         continue;
       }
       const bool runsOff = RunsOff(side);
@@ -135,6 +140,16 @@ class Cutter {
 
  private:
   static size_t Index(Side side) { return static_cast<size_t>(side); }
+
+  // A page in perspective is bounded by all its sides, a rim bounds none.
+  void PickGroup() {
+    group_ = decision_.group;
+    if (group_ == nullptr || group_->isRim) group_ = PaperOfPrint();
+    const double off = std::abs(sides_.quad.degrees - decision_.degrees);
+    if (sides_.hasQuad && off <= kPaperDegrees && (group_ == nullptr || group_->count < 4)) {
+      group_ = &sides_.quad;
+    }
+  }
 
   // The paper that the print lies on, where the print alone gave the angle.
   const SideGroup* PaperOfPrint() const {
@@ -299,7 +314,8 @@ class Cutter {
   // Takes away the lines that are a bar's: the page runs off the picture there.
   void DropBars() {
     for (const Side side : kAllSides) {
-      isBar_[Index(side)] = lines_[Index(side)] && IsBar(side);
+      const auto& line = lines_[Index(side)];
+      isBar_[Index(side)] = line && (IsBar(side) || line->contradicted >= kContradicted);
     }
     for (const Side side : kAllSides) {
       if (isBar_[Index(side)]) lines_[Index(side)].reset();

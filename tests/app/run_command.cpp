@@ -76,9 +76,13 @@ std::vector<files::Page> WorkFolder::Read(const std::string& name) const {
 }
 
 CommandResult WorkFolder::Run(const std::string& arguments) const {
+  return Shell(VORLANE_COMMAND " " + arguments);
+}
+
+CommandResult WorkFolder::Shell(const std::string& words) const {
   const WorkFolder streams;
-  const std::string line = "cd '" + path_.string() + "' && " VORLANE_COMMAND " " + arguments +
-                           " >'" + streams.At("out") + "' 2>'" + streams.At("err") + "'";
+  const std::string line = "cd '" + path_.string() + "' && " + words + " >'" + streams.At("out") +
+                           "' 2>'" + streams.At("err") + "'";
   const int status = std::system(line.c_str());  // NOLINT(cert-env33-c): a shell is wanted
   CommandResult result;
   result.exit = WIFEXITED(status) ? WEXITSTATUS(status) : -1;

@@ -50,6 +50,9 @@ class WorkFolder {
   // All pages of a file, as the command reads them.
   std::vector<files::Page> Read(const std::string& name) const;
 
+  // Runs a line of the shell in the folder.
+  CommandResult Shell(const std::string& line) const;
+
   // Runs `vorlane` in the folder with these words, as a shell would.
   CommandResult Run(const std::string& arguments) const;
 

@@ -1,0 +1,356 @@
+#include "app/batch/input_work.h"
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <memory>
+#include <new>
+
+#include "app/batch/page_output.h"
+#include "app/batch/sha256.h"
+
+namespace vorlane::batch {
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+// What a page takes while it is worked on, before its depth is known: its pixels in colour, as read
+// and as made, and three bytes a pixel of scratch; and whatever its size is.
+constexpr int64_t kBytesAPixel = 9;
+constexpr int64_t kBytesAPage = int64_t{1} << 16;
+
+int64_t BytesFor(const ImageRec& image) {
+  const int64_t pixels = int64_t{image.width} * image.height;
+  return kBytesAPage + 3 * int64_t{image.imageBytes} + 3 * pixels;
+}
+
+}  // namespace
+
+InputWork::InputWork(RunContext* run, size_t index, const InputFile& input)
+    : run_(run), index_(index), input_(input) {}
+
+PageRecord InputWork::Blank(int32_t number) const {
+  PageRecord record;
+  record.command = run_->request.command;
+  record.file = input_.path;
+  record.dir = fs::path(input_.place).parent_path().native();
+  record.number = number;
+  record.count = number == 0 ? 0 : count_;
+  record.input = state_;
+  return record;
+}
+
+PageRecord InputWork::ErrorRecord(int32_t number, const std::string& words) const {
+  PageRecord record = Blank(number);
+  record.isError = true;
+  record.words = words;
+  return record;
+}
+
+int32_t InputWork::Open() {
+  const std::string& source = input_.path == "-" ? run_->plan.standardInput : input_.path;
+  state_ = StateOf(source);
+  if (run_->journal != nullptr) before_ = run_->journal->PagesOf(input_.path);
+  try {
+    if (IsWholeBornOut()) return 0;
+    file_.emplace(input_.path, std::make_shared<files::FileSource>(source), run_->request.limits);
+    NamePages(file_->count());
+    CheckNames();
+  } catch (const std::exception& error) {
+    run_->reporter->Expect(index_, 1);
+    Settle({ErrorRecord(0, error.what())});
+    return 0;
+  }
+  run_->reporter->Expect(index_, count_);
+  if (output_.isShared) {
+    const std::string& path = output_.Of(1);
+    shared_.emplace(SharedFile::Request{path, count_, Replacing(path), NeedsBigTiff(*file_)});
+  }
+  const bool goesTogether = output_.isShared || run_->set;
+  for (int32_t number = 1; number <= count_; ++number) {
+    const auto entry = before_.find(number);
+    if (!goesTogether && entry != before_.end() && IsBornOut(entry->second)) {
+      run_->reporter->AddDoneBefore(index_, number);
+    } else {
+      todo_.push_back(number);
+    }
+  }
+  return run_->set ? 1 : static_cast<int32_t>(todo_.size());
+}
+
+void InputWork::NamePages(int32_t count) {
+  count_ = count;
+  output_ = run_->plan.output.FilesFor(input_, count);
+  overlay_ = run_->plan.overlay.FilesFor(input_, count);
+}
+
+// Whether all pages are done, so that the input need not even be opened.
+bool InputWork::IsWholeBornOut() {
+  if (before_.empty() || !run_->request.resumes) return false;
+  const JournalEntry& first = before_.begin()->second;
+  const auto count = static_cast<size_t>(first.count);
+  if (before_.begin()->first != 1 || before_.size() != count || first.input != state_) return false;
+  NamePages(first.count);
+  for (const auto& [number, entry] : before_) {
+    if (!IsBornOut(entry)) return false;
+  }
+  run_->reporter->Expect(index_, count_);
+  for (int32_t number = 1; number <= count_; ++number) run_->reporter->AddDoneBefore(index_, number);
+  return true;
+}
+
+// Whether the input, the options and the output are still what a line of the journal says.
+bool InputWork::IsBornOut(const JournalEntry& entry) {
+  if (entry.result == "error" || entry.count != count_ || entry.input != state_) return false;
+  const BatchRequest& request = run_->request;
+  if (entry.facts.options != request.options || entry.facts.version != request.version) return false;
+  std::error_code code;
+  if (!overlay_.names.empty() && entry.overlay != overlay_.Of(entry.number)) return false;
+  if (!entry.overlay.empty() && !fs::exists(entry.overlay, code)) return false;
+  if (entry.output.empty()) return output_.names.empty() || request.unsure == "skip";
+  const bool isAsNamed = entry.output == output_.Of(entry.number) ||
+                         (entry.isUnchanged && entry.output == CopyName(entry.number));
+  return isAsNamed && HasDigest(entry.output, entry.facts.sha256);
+}
+
+// Whether a page's file has the bytes that it was written with. Of a file that pages share, they are
+// looked at once.
+bool InputWork::HasDigest(const std::string& path, const std::string& sha256) {
+  if (path != lastDigestOf_) {
+    lastDigestOf_ = path;
+    lastDigest_ = Sha256OfFile(path).sha256;
+  }
+  return !sha256.empty() && lastDigest_ == sha256;
+}
+
+// Names that depend on the number of pages were not looked at when the run was planned.
+void InputWork::CheckNames() {
+  const std::lock_guard lock(run_->checkMutex);
+  for (const PageFiles* files : {&output_, &overlay_}) {
+    const OutputNames& names = files == &output_ ? run_->plan.output : run_->plan.overlay;
+    if (names.AreSettled(input_)) continue;
+    for (const std::string& path : files->names) run_->check->Add(input_.path, path);
+  }
+}
+
+files::Page InputWork::Read(int32_t number, Share* share) const {
+  bool isAdmitted = share == nullptr;
+  files::Page page = file_->Read(number, [&](uint64_t width, uint64_t height) {
+    if (isAdmitted) return;
+    isAdmitted = true;
+    const auto pixels = static_cast<int64_t>(width * height);
+    *share = run_->budget.Take(kBytesAPage + kBytesAPixel * pixels);
+  });
+  if (share != nullptr) share->Shrink(BytesFor(*page.image.rec()));
+  const std::string& source = input_.path == "-" ? run_->plan.standardInput : input_.path;
+  if (StateOf(source) != state_) {
+    throw files::FileError(input_.path + ": was changed while it was worked on");
+  }
+  return page;
+}
+
+void InputWork::Work(int32_t number) {
+  if (run_->set) {
+    WorkSet();
+  } else {
+    WorkPage(todo_[static_cast<size_t>(number) - 1]);
+  }
+}
+
+void InputWork::WorkPage(int32_t number) {
+  std::string words;
+  try {
+    const std::string failure = shared_ ? shared_->failure() : "";
+    if (!failure.empty()) throw files::FileError(failure);
+    Share share;
+    const files::Page page = Read(number, &share);
+    const Clock::time_point start = Clock::now();
+    PageOutcome outcome = run_->page(page);
+    outcome.milliseconds = std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+    Finish(page, std::move(outcome), std::move(share));
+    return;
+  } catch (const std::exception& error) {
+    words = error.what();
+  }
+  Deliver(number, {ErrorRecord(number, words), std::nullopt, {}});
+}
+
+void InputWork::WorkSet() {
+  std::vector<files::Page> pages;
+  std::vector<PageOutcome> outcomes;
+  Share share;
+  std::string words;
+  try {
+    for (const int32_t number : todo_) {
+      pages.push_back(Read(number, number == 1 ? &share : nullptr));
+    }
+    outcomes = run_->set(pages);
+  } catch (const std::exception& error) {
+    words = error.what();
+  }
+  for (const int32_t number : todo_) {
+    const auto place = static_cast<size_t>(number) - 1;
+    if (words.empty()) FinishOrFail(pages[place], std::move(outcomes[place]));
+    if (!words.empty()) Deliver(number, {ErrorRecord(number, words), std::nullopt, {}});
+  }
+}
+
+void InputWork::FinishOrFail(const files::Page& page, PageOutcome outcome) {
+  try {
+    Finish(page, std::move(outcome), {});
+    return;
+  } catch (const std::exception& error) {
+    Deliver(page.number, {ErrorRecord(page.number, error.what()), std::nullopt, {}});
+  }
+}
+
+// Writes what becomes of a page and its overlay.
+void InputWork::Finish(const files::Page& page, PageOutcome outcome, Share share) {
+  DonePage done{RecordOf(page, &outcome), std::nullopt, std::move(share)};
+  PageRecord* record = &done.record;
+  if (!overlay_.names.empty()) {
+    const std::string& path = overlay_.Of(page.number);
+    WriteOverlay(path, page, outcome, Replacing(path), record);
+  }
+  if (output_.isShared) {
+    done.page = Encode(output_.Of(1), page, outcome, record);
+  } else if (!output_.names.empty()) {
+    WriteAlone(page, outcome, record);
+  }
+  if (done.page) done.share.Park(static_cast<int64_t>(done.page->bytes.size()));
+  Deliver(page.number, std::move(done));
+}
+
+PageRecord InputWork::RecordOf(const files::Page& page, PageOutcome* outcome) const {
+  PageRecord record = Blank(page.number);
+  record.fate = outcome->fate;
+  record.trust = outcome->trust;
+  record.words = outcome->words;
+  record.facts = std::move(outcome->facts);
+  record.milliseconds = outcome->milliseconds;
+  record.notes = page.notes;
+  record.notes.insert(record.notes.end(), outcome->notes.begin(), outcome->notes.end());
+  record.messages = page.messages;
+  return record;
+}
+
+files::EncodedPage InputWork::Encode(const std::string& path, const files::Page& page,
+                                     const PageOutcome& outcome, PageRecord* record) const {
+  const files::WriteOptions options{.jpegQuality = run_->request.jpegQuality};
+  const files::FileFormat format = FormatFor(path);
+  try {
+    return outcome.fate == PageFate::kStraightened
+               ? files::EncodePage(format, *outcome.image.rec(), page, options, &record->notes)
+               : files::KeepPage(format, *file_, page, options, &record->notes);
+  } catch (const files::FileError& error) {
+    throw files::FileError(path + ": " + error.what());
+  }
+}
+
+void InputWork::WriteAlone(const files::Page& page, const PageOutcome& outcome,
+                           PageRecord* record) {
+  const bool isLeft = outcome.fate != PageFate::kStraightened;
+  if (isLeft && run_->request.unsure == "skip") return;
+  const std::string path = isLeft ? CopyName(page.number) : output_.Of(page.number);
+  if (isLeft && count_ == 1) {
+    Copy(path);
+  } else {
+    WritePage(path, Encode(path, page, outcome, record), Replacing(path));
+  }
+  record->output = path;
+  record->isUnchanged = isLeft;
+}
+
+// Where a page that is left as it is goes. The file of a single page, or of pages that share one, is
+// copied as it is and keeps its extension where the output's asks for another format.
+std::string InputWork::CopyName(int32_t number) const {
+  std::string name = output_.Of(number);
+  const bool isWhole = count_ == 1 || output_.isShared;
+  if (isWhole) name = WithExtensionOf(name, input_.place);
+  if (run_->plan.unsureFolder.empty()) return name;
+  const fs::path below = fs::path(input_.place).parent_path() / fs::path(name).filename();
+  return (fs::path(run_->plan.unsureFolder) / below).native();
+}
+
+// Copies the input as it is.
+void InputWork::Copy(const std::string& path) {
+  const std::string& source = input_.path == "-" ? run_->plan.standardInput : input_.path;
+  std::error_code code;
+  const bool isItself = fs::equivalent(source, path, code) && !code;
+  if (!isItself && path != output_.Of(1)) {
+    const std::lock_guard lock(run_->checkMutex);
+    if (run_->check->IsInput(path)) {
+      throw files::FileError(path + ": is an input file; the page left as it is has no place");
+    }
+  }
+  CopyFile(source, path, Replacing(path));
+}
+
+files::Replacing InputWork::Replacing(const std::string& path) const {
+  return ReplacingFor(*run_, before_, path);
+}
+
+// A page's fate is told when its file stands.
+void InputWork::Deliver(int32_t number, DonePage page) {
+  if (!shared_) {
+    Settle({std::move(page.record)});
+  } else if (shared_->Take(number, std::move(page))) {
+    CloseShared();
+  }
+}
+
+void InputWork::CloseShared() {
+  std::string failure = shared_->failure();
+  std::string path;
+  try {
+    if (failure.empty()) path = WriteShared();
+  } catch (const files::FileError& error) {
+    failure = error.what();
+  }
+  std::vector<PageRecord> records = shared_->TakeRecords();
+  for (PageRecord& record : records) {
+    if (record.isError) continue;
+    record.output = path;
+    record.isUnchanged = !path.empty() && record.fate != PageFate::kStraightened;
+    if (!failure.empty()) record = ErrorRecord(record.number, failure);
+  }
+  Settle(std::move(records));
+}
+
+// Writes the pages' file, or copies the input where no page was straightened. Returns where the
+// pages are; empty: nowhere.
+std::string InputWork::WriteShared() {
+  const bool isCopied = shared_->hasLeft() && run_->request.unsure != "skip" &&
+                        !(shared_->hasStraightened() && run_->plan.unsureFolder.empty());
+  if (isCopied) Copy(CopyName(1));
+  if (!shared_->hasStraightened()) return isCopied ? CopyName(1) : "";
+  shared_->Commit();
+  return output_.Of(1);
+}
+
+void InputWork::Settle(std::vector<PageRecord> records) {
+  std::string lines;
+  std::string digestOf;
+  JournalFacts facts{"", run_->request.options, run_->request.version};
+  for (PageRecord& record : records) {
+    if (run_->journal != nullptr) {
+      if (record.output != digestOf) {
+        digestOf = record.output;
+        facts.sha256 = record.output.empty() ? "" : Sha256OfFile(record.output).sha256;
+      }
+      lines += JournalLine(record, facts) + "\n";
+    }
+    if (!record.output.empty() && record.output == run_->plan.standardOutput) record.output = "-";
+  }
+  try {
+    if (run_->journal != nullptr) run_->journal->Append(lines);
+  } catch (const files::FileError& error) {
+    run_->onFatal(error.what());
+  }
+  for (const PageRecord& record : records) {
+    run_->reporter->Add(index_, std::max(record.number, 1), record);
+  }
+}
+
+}  // namespace vorlane::batch
