@@ -6,8 +6,8 @@
 #include <memory>
 #include <utility>
 
-#include "app/files/image_convert.h"
-#include "app/files/page.h"
+#include "app/files/errors.h"
+#include "app/overlay/small_copy.h"
 
 namespace vorlane::overlay {
 namespace {
@@ -19,7 +19,8 @@ constexpr double kRimWidth = 0.8;        // units on each side of a stroke
 constexpr double kRimOpacity = 0.55;     // a soft shadow, not a line of its own
 constexpr double kPaling = 0.72;         // share of the page's own contrast that is kept
 constexpr double kLeastLine = 20;        // pixels of a text line that can still be read
-constexpr double kLineShare = 1 / 45.0;  // of the page's longer side: the height of a text line
+constexpr int32_t kLongestSide = 1200;   // of the copy: with its caption it stays within 1600
+constexpr double kLineShare = 1 / 45.0;  // of the copy's longer side: the height of a text line
 
 uint32_t Word(Colour c) {
   return static_cast<uint32_t>(c.red) << L_RED_SHIFT |
@@ -126,12 +127,13 @@ void PaintText(Pix* target, const Pix* text, int32_t left, int32_t top, Colour c
 OverlayCanvas::OverlayCanvas(const ImageRec& image)
     : width_(image.width),
       height_(image.height),
-      unit_(std::max(1.0, std::max(image.width, image.height) / 1000.0)) {
-  const files::PixPtr copy = files::ImageToPix(image);
-  if (copy) pix_ = files::PixPtr(pixConvertTo32(copy.get()));
-  if (!pix_) throw files::FileError("there is not enough memory for an overlay of this page");
+      unit_(std::max(1.0, std::max(image.width, image.height) / 1000.0)),
+      pix_(SmallCopy(image, kLongestSide, &scale_)),
+      copyWidth_(pixGetWidth(pix_.get())),
+      copyHeight_(pixGetHeight(pix_.get())) {
   uint32_t* words = pixGetData(pix_.get());
-  const size_t count = static_cast<size_t>(pixGetWpl(pix_.get())) * static_cast<size_t>(height_);
+  const size_t count =
+      static_cast<size_t>(pixGetWpl(pix_.get())) * static_cast<size_t>(copyHeight_);
   const uint32_t grey = Word({128, 128, 128});
   uint32_t last = 0;
   uint32_t paled = Mix(grey, last, kPaling);
@@ -149,18 +151,26 @@ void OverlayCanvas::Blend(int32_t x, int32_t y, Colour colour, double share) {
   *word = Mix(*word, Word(colour), share);
 }
 
+// Pixel centres are whole numbers on the page and on its copy.
+Place OverlayCanvas::OnCopy(Place place) const {
+  return {(place.x + 0.5) * scale_ - 0.5, (place.y + 0.5) * scale_ - 0.5};
+}
+
 // A capsule around the line: full inside, fading over one pixel at its rim.
 void OverlayCanvas::Stroke(Place from, Place to, double halfWidth, Colour colour, double opacity) {
+  from = OnCopy(from);
+  to = OnCopy(to);
+  halfWidth *= scale_;
   const double reach = halfWidth + 1;
   if (!std::isfinite(from.x + from.y + to.x + to.y)) return;
-  if (!ClipLine(&from, &to, reach, width_, height_)) return;
+  if (!ClipLine(&from, &to, reach, copyWidth_, copyHeight_)) return;
   const bool steep = std::abs(to.y - from.y) > std::abs(to.x - from.x);
   const double lead0 = steep ? from.y : from.x;
   const double lead1 = steep ? to.y : to.x;
   const double side0 = steep ? from.x : from.y;
   const double slope = lead1 != lead0 ? ((steep ? to.x : to.y) - side0) / (lead1 - lead0) : 0;
-  const int32_t leadEnd = steep ? height_ : width_;
-  const int32_t sideEnd = steep ? width_ : height_;
+  const int32_t leadEnd = steep ? copyHeight_ : copyWidth_;
+  const int32_t sideEnd = steep ? copyWidth_ : copyHeight_;
   const double sideReach = reach * 1.5;  // a stroke at 45 degrees is 1.42 times as wide across
   const auto first = static_cast<int32_t>(std::max(0.0, std::min(lead0, lead1) - reach));
   const auto last = static_cast<int32_t>(std::min(leadEnd - 1.0, std::max(lead0, lead1) + reach));
@@ -210,41 +220,42 @@ void OverlayCanvas::Cross(Place center, double arm, double width, Colour colour)
 }
 
 void OverlayCanvas::Label(Place at, const std::string& text, Colour colour) {
-  const Font font = FontOfHeight(std::max(width_, height_) * kLineShare);
+  at = OnCopy(at);
+  const Font font = FontOfHeight(std::max(copyWidth_, copyHeight_) * kLineShare);
   const files::PixPtr drawn = DrawText(font, text);
   if (!drawn) return;
   const int32_t textWidth = pixGetWidth(drawn.get());
   const int32_t textHeight = pixGetHeight(drawn.get());
   const auto left = static_cast<int32_t>(
-      std::clamp(at.x, 0.0, std::max(0.0, static_cast<double>(width_ - textWidth))));
-  const auto top = static_cast<int32_t>(
-      std::clamp(at.y - textHeight, 0.0, std::max(0.0, static_cast<double>(height_ - textHeight))));
-  for (int32_t y = top; y < std::min(top + textHeight, height_); ++y) {
-    for (int32_t x = left; x < std::min(left + textWidth, width_); ++x) Blend(x, y, kRim, 0.7);
+      std::clamp(at.x, 0.0, std::max(0.0, static_cast<double>(copyWidth_ - textWidth))));
+  const auto top = static_cast<int32_t>(std::clamp(
+      at.y - textHeight, 0.0, std::max(0.0, static_cast<double>(copyHeight_ - textHeight))));
+  for (int32_t y = top; y < std::min(top + textHeight, copyHeight_); ++y) {
+    for (int32_t x = left; x < std::min(left + textWidth, copyWidth_); ++x) Blend(x, y, kRim, 0.7);
   }
   PaintText(pix_.get(), drawn.get(), left, top, colour);
 }
 
 files::PixPtr OverlayCanvas::WithCaption(const std::vector<CaptionLine>& lines) const {
   // Smaller letters where the lines would pass the page's width, as long as they stay legible.
-  double height = std::max(width_, height_) * kLineShare;
+  double height = std::max(copyWidth_, copyHeight_) * kLineShare;
   Font font = FontOfHeight(height);
   const auto widestLine = [&] {
     int32_t widest = 0;
     for (const CaptionLine& line : lines) widest = std::max(widest, TextWidth(font, line.text));
     return widest + 2 * font.LineHeight();
   };
-  while (widestLine() > width_ && height > kLeastLine) {
+  while (widestLine() > copyWidth_ && height > kLeastLine) {
     height *= 0.85;
     font = FontOfHeight(height);
   }
   const int32_t lineHeight = font.LineHeight() * 5 / 4;
   const int32_t below = lineHeight * (static_cast<int32_t>(lines.size()) + 1);
-  files::PixPtr whole(pixCreate(std::max(width_, widestLine()), height_ + below, 32));
+  files::PixPtr whole(pixCreate(std::max(copyWidth_, widestLine()), copyHeight_ + below, 32));
   if (!whole) throw files::FileError("there is not enough memory for an overlay of this page");
   pixSetAllArbitrary(whole.get(), Word(kCaptionGround));
-  pixRasterop(whole.get(), 0, 0, width_, height_, PIX_SRC, pix_.get(), 0, 0);
-  int32_t top = height_ + lineHeight / 2;
+  pixRasterop(whole.get(), 0, 0, copyWidth_, copyHeight_, PIX_SRC, pix_.get(), 0, 0);
+  int32_t top = copyHeight_ + lineHeight / 2;
   for (const CaptionLine& line : lines) {
     const int32_t side = lineHeight / 2;
     if (line.hasMark) {

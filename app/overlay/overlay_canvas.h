@@ -1,4 +1,4 @@
-// A colour copy of a page to draw on.
+// A colour copy of a page to draw on, at the size of a screen.
 #pragma once
 
 #include <cstdint>
@@ -28,7 +28,8 @@ struct CaptionLine {
 
 class OverlayCanvas {
  public:
-  // Copies `image`, paled so that what is drawn stands out. Throws FileError without memory.
+  // Copies `image`, made smaller where it is larger than a screen and paled so that what is drawn
+  // stands out. Places and widths stay those of the page. Throws FileError without memory.
   explicit OverlayCanvas(const ImageRec& image);
 
   // Everything is clipped to the page; any finite coordinate is served. Widths are in units of
@@ -52,13 +53,17 @@ class OverlayCanvas {
   double unit() const { return unit_; }
 
  private:
+  Place OnCopy(Place place) const;
   void Stroke(Place from, Place to, double halfWidth, Colour colour, double opacity);
   void Blend(int32_t x, int32_t y, Colour colour, double share);
 
   int32_t width_;
   int32_t height_;
   double unit_;
+  double scale_ = 1;  // sizes of the copy in those of the page
   files::PixPtr pix_;
+  int32_t copyWidth_;
+  int32_t copyHeight_;
 };
 
 }  // namespace vorlane::overlay
