@@ -15,5 +15,6 @@ CommandRun AddForm(CLI::App* app);
 CommandRun AddBlocks(CLI::App* app);
 CommandRun AddBarAngle(CLI::App* app);
 CommandRun AddCompletion(CLI::App* app);
+CommandRun AddMerge(CLI::App* app);
 
 }  // namespace vorlane::commands
