@@ -5,6 +5,7 @@
 
 #include "app/commands/commands.h"
 #include "app/commands/dib_image.h"
+#include "app/commands/page_facts.h"
 #include "app/judge/bar_words.h"
 #include "app/judge/threshold_choice.h"
 #include "app/overlay/bar_overlay.h"
@@ -97,7 +98,7 @@ nlohmann::ordered_json Facts(const BarCall& call) {
   if (call.status == STATUS_OK) {
     facts["sheetAngle"] = call.degrees;
   } else {
-    facts["reasons"] = {judging::BarFailureWords(call.records)};
+    facts["reasons"] = {ReasonFacts("no-bar", judging::BarFailureWords(call.records))};
   }
   facts["candidates"] = nlohmann::ordered_json::array();
   for (const vorlanepic::omr::ExaminedBar& bar :

@@ -63,7 +63,7 @@ std::vector<std::string> Names(const OptionWords& option) {
 }
 
 // In single quotes, which all three shells leave as they are but for what ends them.
-std::string InQuotes(const std::string& text) {
+std::string ShellQuoted(const std::string& text) {
   return "'" + CLI::detail::find_and_replace(text, "'", "'\\''") + "'";
 }
 
@@ -86,7 +86,7 @@ std::string BashValueCases(const CommandWords& command) {
     }
     const std::string choices = CLI::detail::join(option.choices, " ");
     cases += "    " + patterns + ") " +
-             (choices.empty() ? "return" : "words=" + InQuotes(choices)) + " ;;\n";
+             (choices.empty() ? "return" : "words=" + ShellQuoted(choices)) + " ;;\n";
   }
   return cases;
 }
@@ -99,7 +99,7 @@ std::string BashScript(const std::vector<CommandWords>& commands) {
   for (const CommandWords& command : commands) {
     names += command.name + " ";
     values += BashValueCases(command);
-    options += "      " + command.name + ") words=" + InQuotes(BashNames(command)) + " ;;\n";
+    options += "      " + command.name + ") words=" + ShellQuoted(BashNames(command)) + " ;;\n";
   }
   return "# vorlane completion bash\n"
          "_vorlane() {\n"
@@ -112,7 +112,7 @@ std::string BashScript(const std::vector<CommandWords>& commands) {
          "    *)\n"
          "      if ((COMP_CWORD == 1)); then\n"
          "        words=" +
-         InQuotes(names + "--help --version") +
+         ShellQuoted(names + "--help --version") +
          "\n"
          "      elif [[ $current = -* ]]; then\n"
          "        case ${COMP_WORDS[1]} in\n" +
@@ -141,7 +141,7 @@ std::string ZshOption(const OptionWords& option) {
   }
   std::string lines;
   for (const std::string& name : Names(option)) {
-    lines += "        " + InQuotes(name + "[" + ZshAbout(option.about) + "]" + value) + " \\\n";
+    lines += "        " + ShellQuoted(name + "[" + ZshAbout(option.about) + "]" + value) + " \\\n";
   }
   return lines;
 }
@@ -150,7 +150,7 @@ std::string ZshScript(const std::vector<CommandWords>& commands) {
   std::string names;
   std::string cases;
   for (const CommandWords& command : commands) {
-    names += "      " + InQuotes(command.name + ":" + ZshAbout(command.about)) + "\n";
+    names += "      " + ShellQuoted(command.name + ":" + ZshAbout(command.about)) + "\n";
     cases += "    " + command.name + ")\n      _arguments -s \\\n";
     for (const OptionWords& option : command.options) cases += ZshOption(option);
     cases += "        '*:file:_files' ;;\n";
@@ -180,18 +180,18 @@ std::string FishOption(const std::string& command, const OptionWords& option) {
   for (const std::string& name : option.longs) line += " -l " + name;
   const std::string choices = CLI::detail::join(option.choices, " ");
   if (!choices.empty()) {
-    line += " -x -a " + InQuotes(choices);
+    line += " -x -a " + ShellQuoted(choices);
   } else if (option.takesValue) {
     line += " -r";
   }
-  return line + " -d " + InQuotes(option.about) + "\n";
+  return line + " -d " + ShellQuoted(option.about) + "\n";
 }
 
 std::string FishScript(const std::vector<CommandWords>& commands) {
   std::string script = "# vorlane completion fish\n";
   for (const CommandWords& command : commands) {
     script += "complete -c vorlane -n __fish_use_subcommand -f -a " + command.name + " -d " +
-              InQuotes(command.about) + "\n";
+              ShellQuoted(command.about) + "\n";
     for (const OptionWords& option : command.options) script += FishOption(command.name, option);
   }
   return script;

@@ -16,13 +16,14 @@ std::string Format(const char* format, double value) {
   return text.data();
 }
 
-// Enough digits for what is measured, and none that are not.
+// As many digits as mean something.
 double Rounded(double value, double perUnit) { return std::round(value * perUnit) / perUnit + 0.0; }
 
+// Angle and corners are told to the last digit, so that a page made of them is the same page.
 Json CornersOf(const vorlane_finding& finding) {
   Json corners = Json::array();
   for (const vorlane_point& corner : finding.corners) {
-    corners.push_back({Rounded(corner.x, 1e2), Rounded(corner.y, 1e2)});
+    corners.push_back({corner.x, corner.y});
   }
   return corners;
 }
@@ -33,7 +34,7 @@ Json EvidenceOf(const vorlane_finding& finding) {
     const vorlane_evidence& evidence = finding.evidence[place];
     if (evidence.verdict == VORLANE_NOT_LOOKED_AT) continue;
     Json one = {{"verdict", VerdictName(evidence.verdict)}};
-    if (evidence.verdict != VORLANE_UNSEEN) {
+    if (HasTurn(evidence)) {
       one["angle"] = Rounded(evidence.turn, 1e4);
       one["strength"] = Rounded(evidence.strength, 1e3);
     }
@@ -69,6 +70,10 @@ std::string ValueWords(const vorlane_reason& reason) {
 
 }  // namespace
 
+bool HasTurn(const vorlane_evidence& evidence) {
+  return evidence.verdict != VORLANE_NOT_LOOKED_AT && evidence.strength > 0;
+}
+
 std::span<const vorlane_reason> ReasonsOf(const vorlane_finding& finding) {
   return {finding.reasons, static_cast<size_t>(finding.reason_count)};
 }
@@ -90,7 +95,7 @@ Json AgreeingNames(const vorlane_finding& finding) {
 Json FactsOf(const vorlane_finding& finding) {
   Json facts = Json::object();
   if (finding.turn_confidence != VORLANE_REFUSED) {
-    facts["angle"] = Rounded(finding.turn, 1e4);
+    facts["angle"] = finding.turn;
     facts["corners"] = CornersOf(finding);
     facts["by"] = AgreeingNames(finding);
     facts["cutConfidence"] = vorlane_confidence_name(finding.cut_confidence);

@@ -14,6 +14,9 @@ namespace vorlane::finding {
 // lists them. A refused page has its confidence, evidence and reasons only.
 nlohmann::ordered_json FactsOf(const vorlane_finding& finding);
 
+// Whether a piece of evidence was seen to lie in some direction.
+bool HasTurn(const vorlane_evidence& evidence);
+
 std::span<const vorlane_reason> ReasonsOf(const vorlane_finding& finding);
 
 // The names of the evidence that agreed on the turn.

@@ -53,7 +53,7 @@ std::string EvidenceWords(int32_t place, const vorlane_evidence& evidence) {
   std::array<char, 96> text{};
   const char* name = vorlane_evidence_name(place);
   const char* verdict = finding::VerdictName(evidence.verdict);
-  if (evidence.verdict == VORLANE_UNSEEN) {
+  if (!finding::HasTurn(evidence)) {
     (void)std::snprintf(text.data(), text.size(), "%s: %s", name, verdict);
   } else {
     (void)std::snprintf(text.data(), text.size(), "%s: turn %+.2f deg, strength %.2f, %s", name,

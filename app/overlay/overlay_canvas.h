@@ -28,11 +28,12 @@ struct CaptionLine {
 
 class OverlayCanvas {
  public:
-  // Copies `image`, paled so that what is drawn stands out. Throws FileError without memory.
+  // Copies `image`, made smaller where it is large and paled so that what is drawn stands out.
+  // Throws FileError without memory.
   explicit OverlayCanvas(const ImageRec& image);
 
-  // Everything is clipped to the page; any finite coordinate is served. Widths are in units of
-  // unit() pixels, and every stroke has a dark rim that keeps it visible on paper.
+  // Coordinates are the page's own. Everything is clipped to it; any finite one is served. Widths
+  // are in units of unit() pixels, and every stroke has a dark rim that keeps it visible on paper.
   void Line(Place from, Place to, double width, Colour colour);
   void Polygon(const std::vector<Place>& corners, double width, Colour colour);
   void Box(double left, double top, double right, double bottom, double width, Colour colour);
@@ -47,16 +48,18 @@ class OverlayCanvas {
   int32_t width() const { return width_; }
   int32_t height() const { return height_; }
 
-  // One stroke unit in pixels: 1 on a page of 1000 pixels and below, growing with the page, so that
-  // a picture scaled to a screen looks alike.
+  // One stroke unit in pixels of the page: 1 on one of 1000 pixels and below, growing with it, so
+  // that a picture scaled to a screen looks alike.
   double unit() const { return unit_; }
 
  private:
   void Stroke(Place from, Place to, double halfWidth, Colour colour, double opacity);
+  Place OnCanvas(Place p) const;
   void Blend(int32_t x, int32_t y, Colour colour, double share);
 
   int32_t width_;
   int32_t height_;
+  double scale_;  // of the canvas to the page
   double unit_;
   files::PixPtr pix_;
 };

@@ -61,7 +61,7 @@ void CopyAnswer(const judge::Finding& found, vorlane_finding* finding) {
   });
   std::ranges::transform(found.evidence, finding->evidence,
                          [](const judge::EvidenceReport& report) {
-                           return vorlane_evidence{report.degrees, report.strength,
+                           return vorlane_evidence{0.0 - report.degrees, report.strength,
                                                    static_cast<int32_t>(report.verdict), 0};
                          });
   finding->reason_count = static_cast<int32_t>(found.reasonCount);

@@ -9,6 +9,7 @@
 namespace vorlane::testing {
 namespace {
 
+using ::testing::Contains;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
@@ -44,23 +45,89 @@ TEST_P(StraightenTest, TurnsThePageBackAtEveryDepth) {
 
 INSTANTIATE_TEST_SUITE_P(Depths, StraightenTest, ::testing::Values(1, 8, 24));
 
+// Steeper than allowed is the doubt that needs no picture of its own.
 TEST(StraightenTest, LeavesDoubtfulPagesUnlessAsked) {
   const WorkFolder folder;
-  TestImage paper(300, 400, 8);  // paper to all edges: no border is seen
-  paper.Fill(230);
-  FillRectangle(&paper, 60, 200, 239, 200, 20);
-  folder.Write("paper.png", {&paper});
-  const CommandResult left = folder.Run("straighten paper.png -o out.png --threshold 100");
+  const TestImage page = SmallPage(8, 4);
+  folder.Write("page.png", {&page});
+  const std::string command = "straighten page.png --max-angle 3 -o out.png --unsure skip";
+  const CommandResult left = folder.Run(command + " --strict");
   EXPECT_EQ(left.exit, 1);
-  EXPECT_THAT(left.out, HasSubstr("doubtful: no border of the page is seen"));
+  EXPECT_THAT(left.out, HasSubstr("LEFT AS IT IS, -4.0"));
+  EXPECT_THAT(left.out, HasSubstr("steeper than asked for"));
   EXPECT_FALSE(folder.Has("out.png"));
-
-  EXPECT_EQ(folder.Run("straighten paper.png -o out.png --threshold 100 --accept-doubtful").exit,
-            0);
-  EXPECT_TRUE(folder.Has("out.png"));
+  for (const std::string word : {"--accept-doubtful", "--min-confidence doubtful --overwrite"}) {
+    EXPECT_EQ(folder.Run(command + " --strict " + word).exit, 0) << word;
+  }
+  EXPECT_NEAR(folder.Read("out.png")[0].image.rec()->width, 240, 6);
 }
 
-TEST(StraightenTest, TriesThresholdsThatThePictureSuggests) {
+struct KeptCase {
+  const char* options;
+  double width;  // of the result
+};
+
+// The page is 240 x 320, the picture 400 x 480: whole, at 4 degrees, it is 432 wide.
+TEST(StraightenTest, KeepsWhatIsAskedFor) {
+  const WorkFolder folder;
+  const TestImage page = SmallPage(8, 4);
+  folder.Write("page.png", {&page}, 0);
+  const KeptCase cases[] = {{"", 244},
+                            {"--margin 20", 284},
+                            {"--margin=-10px", 224},
+                            {"--margin 2mm --dpi 254", 284},
+                            {"--margin 2.54mm", 304},
+                            {"--crop none", 432},
+                            {"--by paper --fill '#102030'", 244}};
+  for (const auto& [options, width] : cases) {
+    const CommandResult result =
+        folder.Run("straighten page.png -o out.png --overwrite --json " + std::string(options));
+    const auto object = result.Objects().at(0);
+    EXPECT_NEAR(object.value("newWidth", 0), width, 4) << options << result.out << result.err;
+  }
+}
+
+// Corners of a page of 240 x 320 about (200, 240), turned by 4 degrees.
+TEST(DetectTest, TellsHowThePageLies) {
+  const WorkFolder folder;
+  const TestImage page = SmallPage(24, 4);
+  folder.Write("page.png", {&page});
+  const CommandResult result = folder.Run("detect page.png --json --overlay seen.png");
+  EXPECT_EQ(result.exit, 0) << result.err;
+  EXPECT_THAT(folder.Names(), ElementsAre("page.png", "seen.png"));
+  const auto found = result.Objects().at(0);
+  EXPECT_EQ(found["result"], "measured");
+  EXPECT_EQ(found["confidence"], "sure");
+  EXPECT_EQ(found["cutConfidence"], "sure");
+  EXPECT_EQ(found["depth"], 24);
+  EXPECT_GT(found["expected"], 0.5);
+  EXPECT_EQ(found["reasons"].at(0)["code"], "sides-agree");
+  EXPECT_EQ(found["reasons"].at(0)["value"], 4);
+  for (const char* side : {"top", "right", "bottom", "left"}) {
+    EXPECT_THAT(found["by"].get<std::vector<std::string>>(), Contains(side));
+    EXPECT_NEAR(found["evidence"][side]["angle"].get<double>(), found["angle"], 0.3) << side;
+  }
+  constexpr double kTruth[4][2] = {{91.5, 72.0}, {330.9, 88.7}, {308.5, 408.0}, {69.1, 391.3}};
+  for (size_t i = 0; i < 4; ++i) {
+    EXPECT_NEAR(found["corners"][i][0].get<double>(), kTruth[i][0], 5) << i;
+    EXPECT_NEAR(found["corners"][i][1].get<double>(), kTruth[i][1], 5) << i;
+  }
+}
+
+TEST(DetectTest, SaysWhyThereIsNoAnswer) {
+  const WorkFolder folder;
+  const TestImage nothing = DarkField();
+  folder.Write("dark.png", {&nothing});
+  const CommandResult result = folder.Run("detect dark.png --json");
+  EXPECT_EQ(result.exit, 1);
+  const auto found = result.Objects().at(0);
+  EXPECT_EQ(found["result"], "failed");
+  EXPECT_EQ(found["confidence"], "refused");
+  EXPECT_EQ(found["reasons"].at(0)["code"], "no-contrast");
+  EXPECT_FALSE(found.contains("angle"));
+}
+
+TEST(PrunedTest, TriesThresholdsThatThePictureSuggests) {
   const WorkFolder folder;
   DrawnPage drawn;
   drawn.background = 120;  // above the estimate's least of 80, so the ground passes for page
@@ -70,12 +137,23 @@ TEST(StraightenTest, TriesThresholdsThatThePictureSuggests) {
     FillRectangle(&page, left, 0, left + 1, 499, 60);
   }
   folder.Write("grey.png", {&page});
-  EXPECT_EQ(folder.Run("straighten grey.png -o out.png").exit, 1);
-  const CommandResult tried = folder.Run("straighten grey.png -o out.png --try-thresholds --json");
+  EXPECT_EQ(folder.Run("pruned grey.png -o out.png --unsure skip --strict").exit, 1);
+  const CommandResult tried =
+      folder.Run("pruned grey.png -o out.png --try-thresholds --strict --json");
   EXPECT_EQ(tried.exit, 0) << tried.out;
   const auto objects = tried.Objects();
   EXPECT_NEAR(objects[0]["angle"].get<double>(), -3, 0.2);
   EXPECT_THAT(objects[0]["notes"].dump(), HasSubstr("found by trying"));
+}
+
+// A page that runs off the picture on both sides comes out of the pruned rotation at half its skew.
+TEST(PrunedTest, IsNotTrustedAgainstThePagesOwnSides) {
+  const WorkFolder folder;
+  const TestImage page = DrawPage({.pageWidth = 460, .degrees = 1.8, .text = true});
+  folder.Write("wide.png", {&page});
+  const auto object = folder.Run("pruned wide.png -o out.png --json").Objects().at(0);
+  EXPECT_GT(std::abs(object["angle"].get<double>() + 1.8), 0.5);
+  EXPECT_EQ(object["result"], "doubtful") << object;
 }
 
 TEST(MultiPageTest, KeepsEveryPageInItsPlace) {
@@ -138,7 +216,10 @@ TEST(UsageTest, RefusesWhatCannotBeCarriedOut) {
                            "straighten page.png -o out.xyz",
                            "straighten page.png -o nowhere/out.png",
                            "straighten page.png other.png -o one.png",
-                           "straighten page.png -o out.png --threshold 256",
+                           "straighten page.png -o out.png --margin 2cm",
+                           "straighten page.png -o out.png --by sides",
+                           "straighten page.png -o out.png --max-angle 46",
+                           "pruned page.png -o out.png --threshold 256",
                            "straighten page.png -o out.png --interpolation cubic",
                            "straighten page.png -o out.png --overlay seen.tif",
                            "straighten page.png -o /dev/full --overwrite",
@@ -147,6 +228,7 @@ TEST(UsageTest, RefusesWhatCannotBeCarriedOut) {
                            "crop page.png -o out.png --segment-length 4",
                            "crop page.png -o out.png --fill '#12345'",
                            "crop page.png -o out.png --profile none.ini",
+                           "crop page.png -o out.png --method 3 --corner 2",
                            "blocks page.png --min-run 3",
                            "blocks page.png --order left --join-gap 2"};
   for (const char* arguments : refused) {
@@ -175,10 +257,43 @@ TEST(CropTest, MethodAndSettingsComeFromOptionsOrProfile) {
     folder.WriteText("chosen.ini", "[ImageDeskew]\nDeskewMethod = " + method + "\n");
     EXPECT_EQ(angle("angle page.png --json --profile chosen.ini"), cut) << method;
   }
-  folder.WriteText("bad.ini", "[ImageDeskew2]\nSegmentLen = 99\n");
-  const CommandResult bad = folder.Run("angle page.png --profile bad.ini");
-  EXPECT_EQ(bad.exit, 1);
-  EXPECT_THAT(bad.out, HasSubstr("out of range"));
+}
+
+struct ProfileCase {
+  std::string text;
+  const char* words;  // of the refusal
+};
+
+TEST(ProfileTest, RefusesWhatWouldBePassedOver) {
+  const WorkFolder folder;
+  const TestImage page = SmallPage(8, 2);
+  folder.Write("page.png", {&page});
+  const std::string section = "[ImageDeskew2]\n";
+  const ProfileCase cases[] = {
+      {section + "SegmentLen = 99\n",
+       "SegmentLen of section [ImageDeskew2]: 99 is out of range, 5"},
+      {section + "SegmentLen = ten\n", "line 2: SegmentLen"},
+      {section + "SegmentLen = 5.5\n", "no whole number"},
+      {section + "GroupAngle = 2.55\n", "more than three characters"},
+      {section + "GroupAngle = 1+\n  .5\nPixelNum = 21\n", "line 4: PixelNum"},
+      {section + "DeskewMetod = 1\n", "no key \"DeskewMetod\""},
+      {section + "SegmentLen\n", "is no KEY = VALUE"},
+      {section + "SegmentLen = 8\nSegmentLen = 9\n", "stands twice"},
+      {section + section, "stands twice"},
+      {"[Other]\n", "no section [Other]"},
+      {"SegmentLen = 9\n", "before the first section"},
+      {"; mine\n" + section, "comments begin with #"},
+      {"\xEF\xBB\xBF" + section, "UTF-8 mark"},
+      {section + "#" + std::string(4096, 'x') + "\n", "longer than 4095"},
+      {std::string((1 << 20) + 1, '\n'), "longer than 1 MB"}};
+  for (const auto& [text, words] : cases) {
+    folder.WriteText("profile.ini", text);
+    const CommandResult result = folder.Run("angle page.png --profile profile.ini");
+    EXPECT_EQ(result.exit, 2) << words;
+    EXPECT_THAT(result.err, HasSubstr(words));
+  }
+  folder.WriteText("profile.ini", section + "# all is well\n\tGroupAngle =1+\n  .5\n");
+  EXPECT_EQ(folder.Run("angle page.png --profile profile.ini").exit, 0);
 }
 
 TEST(CropTest, OneGeometryCutsAllPagesAlike) {
