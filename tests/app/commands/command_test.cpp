@@ -34,8 +34,8 @@ TEST_P(StraightenTest, TurnsThePageBackAtEveryDepth) {
 
   const auto straight = folder.Read("straight.tif");
   EXPECT_EQ(straight[0].image.rec()->bitsPerPixel, GetParam());
-  EXPECT_NEAR(straight[0].image.rec()->width, 240, 6);
-  EXPECT_NEAR(straight[0].image.rec()->height, 320, 6);
+  EXPECT_NEAR(straight[0].image.rec()->width, 240, 8);
+  EXPECT_NEAR(straight[0].image.rec()->height, 320, 8);
   EXPECT_EQ(straight[0].Dpi(), 150);
   EXPECT_EQ(objects[0]["newWidth"], straight[0].image.rec()->width);
   const auto overlay = folder.Read("seen.png");
@@ -162,12 +162,12 @@ TEST(MultiPageTest, KeepsEveryPageInItsPlace) {
   const TestImage nothing = DarkField();
   const TestImage last = SmallPage(8, -3);
   folder.Write("three.tif", {&first, &nothing, &last});
-  const CommandResult result = folder.Run("straighten three.tif -o out.tif --json");
+  const CommandResult result = folder.Run("straighten three.tif -o out.tif --json --strict");
   EXPECT_EQ(result.exit, 1);
   const auto objects = result.Objects();
   ASSERT_EQ(objects.size(), 3U);
   EXPECT_EQ(objects[1]["page"], 2);
-  EXPECT_EQ(objects[1]["status"], 496);
+  EXPECT_EQ(objects[1]["confidence"], "refused");
   const auto pages = folder.Read("out.tif");
   ASSERT_EQ(pages.size(), 3U);
   EXPECT_LT(pages[0].image.rec()->width, 260);
@@ -176,10 +176,10 @@ TEST(MultiPageTest, KeepsEveryPageInItsPlace) {
 
   const CommandResult single =
       folder.Run("straighten three.tif -o 'single-{page}.png' --overlay seen/");
-  EXPECT_EQ(single.exit, 1);
-  EXPECT_THAT(single.out, HasSubstr(": FAILED, no page found: nothing in the picture"));
+  EXPECT_EQ(single.exit, 0);
+  EXPECT_THAT(single.out, HasSubstr("FAILED, the picture has no contrast"));
   EXPECT_TRUE(folder.Has("single-1.png"));
-  EXPECT_FALSE(folder.Has("single-2.png"));
+  EXPECT_TRUE(folder.Has("single-2.png"));  // a copy
   EXPECT_TRUE(folder.Has("single-3.png"));
 }
 

@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 #include <leptonica/allheaders.h>
 
+#include "app/batch/output_names.h"
 #include "app/files/image_convert.h"
-#include "app/files/output_plan.h"
 #include "app/run_command.h"
 
 namespace vorlane::testing {
@@ -103,18 +103,23 @@ TEST(ConversionTest, TellsWhatItConverted) {
   }
 }
 
-TEST(OutputPlanTest, NamesAFileForEveryPage) {
-  const auto name = [](const files::OutputName& output, const char* input, int32_t page,
-                       int32_t pages) {
-    return files::OutputPattern(output).FilesFor(input, pages).Of(page);
+TEST(OutputNamesTest, NameAFileForEveryPage) {
+  const auto name = [](const char* output, const char* input, int32_t page, int32_t pages,
+                       const char* suffix = "") {
+    batch::InputFile file;
+    file.path = input;
+    file.place = std::filesystem::path(input).filename();
+    return batch::OutputNames(output, suffix).FilesFor(file, pages).Of(page);
   };
-  EXPECT_EQ(name({"out.png", ""}, "scan.tif", 1, 1), "out.png");
-  EXPECT_EQ(name({"out.png", ""}, "scan.tif", 2, 3), "out-p2.png");
-  EXPECT_EQ(name({"out.tif", ""}, "scan.tif", 2, 3), "out.tif");
-  EXPECT_EQ(name({"o/", ""}, "box/a.b.jpg", 1, 1), "o/a.b.jpg");
-  EXPECT_EQ(name({"o/", ""}, "photo.webp", 1, 1), "o/photo.png");
-  EXPECT_EQ(name({"{name}-{page}.{ext}", ""}, "box/scan.bmp", 7, 9), "scan-7.bmp");
-  EXPECT_EQ(name({"o/", ".overlay.png"}, "scan.tif", 2, 3), "o/scan.overlay-p2.png");
+  EXPECT_EQ(name("out.png", "scan.tif", 1, 1), "out.png");
+  EXPECT_EQ(name("out.png", "scan.tif", 2, 3), "out-p2.png");
+  EXPECT_EQ(name("out.tif", "scan.tif", 2, 3), "out.tif");
+  EXPECT_EQ(name("o/", "box/a.b.jpg", 1, 1), "o/a.b.jpg");
+  EXPECT_EQ(name("o/", "photo.webp", 1, 1), "o/photo.png");
+  EXPECT_EQ(name("{name}-{page}.{ext}", "box/scan.bmp", 7, 12), "scan-07.bmp");
+  EXPECT_EQ(name("{name}-{page:04}.png", "box/scan.bmp", 7, 12), "scan-0007.png");
+  EXPECT_EQ(name("o/", "scan.tif", 2, 3, ".overlay.png"), "o/scan.overlay-p2.png");
+  EXPECT_THROW(batch::OutputNames("{nome}.png", ""), files::UsageError);
 }
 
 TEST(BadInputTest, NamesTheFileAndGoesOn) {
@@ -130,23 +135,21 @@ TEST(BadInputTest, NamesTheFileAndGoesOn) {
   folder.WriteText("words.png", "these are no pixels at all\n");
   // 60000 x 60000 pixels, said in the header only.
   folder.WriteText("huge.pgm", "P5 60000 60000 255\n");
-  std::filesystem::create_directory(folder.At("folder"));
   std::filesystem::create_directory(folder.At("out"));
 
   const char* bad[] = {"cut-png.png", "cut-jpg.jpg", "cut-tif.tif", "empty.tif",
-                       "words.png",   "huge.pgm",    "folder",      "missing.tif"};
+                       "words.png",   "huge.pgm",    "missing.tif"};
   std::string inputs;
   for (const char* name : bad) inputs += std::string(name) + " ";
   const CommandResult result = folder.Run("straighten " + inputs + "good.png -o out/{name}.png");
   EXPECT_EQ(result.exit, 3);
   for (const char* name : bad) EXPECT_THAT(result.err, HasSubstr(std::string(name) + ": "));
   EXPECT_THAT(result.err, HasSubstr("empty.tif: is empty"));
-  EXPECT_THAT(result.err, HasSubstr("folder: is a folder"));
   EXPECT_THAT(result.err, HasSubstr("60000 x 60000"));
   EXPECT_THAT(result.out, HasSubstr("good.png: "));
   EXPECT_TRUE(folder.Has("out/good.png"));
   EXPECT_FALSE(folder.Has("out/cut-png.png"));
-  EXPECT_EQ(std::count(result.err.begin(), result.err.end(), '\n'), 8) << result.err;
+  EXPECT_THAT(result.err, HasSubstr("8 pages: 1 sure, 7 errors"));
 }
 
 TEST(WriteErrorTest, LeavesNoPartOfAFile) {
