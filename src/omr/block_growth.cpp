@@ -165,6 +165,7 @@ void BlockGrowth::RelinkLastRow() {
 void BlockGrowth::LinkRow(size_t count, const ValueRange& values) {
   size_t above = rowCount_ > 0 ? rowStarts_[rowCount_ - 1] : 0;
   const size_t aboveEnd = runCount_;
+  const size_t openedBefore = blockCount_;
   for (size_t r = aboveEnd; r < aboveEnd + count; ++r) {
     const PixelRun run = runs_[r];
     while (above < aboveEnd && runs_[above].end < run.start) ++above;
@@ -181,6 +182,7 @@ void BlockGrowth::LinkRow(size_t count, const ValueRange& values) {
   }
   runCount_ += count;
   rowStarts_[++rowCount_] = runCount_;
+  opened_ += static_cast<int64_t>(blockCount_ - openedBefore);
   if (count > 0) {
     const auto last = static_cast<int32_t>(runCount_ - 1);
     lastRunOpened_ = block(runs_[runCount_ - 1].block).firstRun == last;
@@ -211,7 +213,6 @@ void BlockGrowth::Open(size_t r, const ValueRange& values) {
   block.values = values;
   block.isOpen = block.grows = false;
   block.early = nullptr;
-  ++opened_;
   runs_[r].block = b;
   runs_[r].next = -1;
 }

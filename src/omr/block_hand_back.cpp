@@ -33,11 +33,12 @@ void Finish(BlockRec* block) {
 }
 
 // Writes the points of the block's own runs in front of run `end` to `points`, where there is room
-// for them, and returns `total` with those runs added.
+// for them, and returns `total` with those runs added. The number behind the last run, -1, lies
+// behind every `end`.
 BlockTotal TakeOwnRuns(const BlockGrowth& growth, const GrowingBlock& block, size_t end,
                        BlockPoint* points, BlockTotal total) {
   auto r = static_cast<size_t>(block.firstRun);
-  if (block.firstRun < 0 || r >= end) return total;
+  if (r >= end) return total;
   int32_t y = block.firstRow;
   total.top = std::min(total.top, y);
   auto row = static_cast<size_t>(y - growth.firstRow());
@@ -52,7 +53,7 @@ BlockTotal TakeOwnRuns(const BlockGrowth& growth, const GrowingBlock& block, siz
     points = WriteRun(points, run, y);
     AddRun(run, y, &total);
     r = static_cast<size_t>(run.next);
-    if (run.next < 0 || r >= end) return total;
+    if (r >= end) return total;
   }
 }
 
