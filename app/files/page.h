@@ -35,7 +35,7 @@ using SizeGate = std::function<void(uint64_t width, uint64_t height)>;
 struct ReadLimits {
   int64_t mostPixels = int64_t{1} << 31;  // in a page
   int32_t mostPages = 1'000'000;          // in a file
-  SizeGate gate;                          // null: a page of any size may be decoded at once
+  SizeGate gate{};                        // null: a page of any size may be decoded at once
 };
 
 }  // namespace vorlane::files

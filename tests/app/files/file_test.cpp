@@ -3,8 +3,8 @@
 #include <gtest/gtest.h>
 #include <leptonica/allheaders.h>
 
+#include "app/batch/output_names.h"
 #include "app/files/image_convert.h"
-#include "app/files/output_plan.h"
 #include "app/run_command.h"
 
 namespace vorlane::testing {
@@ -103,10 +103,13 @@ TEST(ConversionTest, TellsWhatItConverted) {
   }
 }
 
-TEST(OutputPlanTest, NamesAFileForEveryPage) {
-  const auto name = [](const files::OutputName& output, const char* input, int32_t page,
+TEST(OutputNamesTest, NamesAFileForEveryPage) {
+  const auto name = [](const batch::OutputNames& output, const std::string& input, int32_t page,
                        int32_t pages) {
-    return files::OutputPattern(output).FilesFor(input, pages).Of(page);
+    batch::InputFile file;
+    file.path = input;
+    file.place = std::filesystem::path(input).filename().native();
+    return output.FilesFor(file, pages).Of(page);
   };
   EXPECT_EQ(name({"out.png", ""}, "scan.tif", 1, 1), "out.png");
   EXPECT_EQ(name({"out.png", ""}, "scan.tif", 2, 3), "out-p2.png");
