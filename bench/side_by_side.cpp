@@ -9,13 +9,16 @@
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
+#include <filesystem>
 #include <malloc.h>
 #include <map>
 #include <stdexcept>
 #include <string>
 #include <vector>
 
+#include "app/files/picture_writer.h"
 #include "contest.h"
+#include "file_straighteners.h"
 #include "labellers.h"
 #include "peak_memory.h"
 #include "sample_pages.h"
@@ -203,6 +206,69 @@ void CompareAllBlocks(int32_t rounds) {
   std::printf("\n");
 }
 
+struct FileJob {
+  const char* name;
+  const char* file;
+  int32_t bitsPerPixel;
+  uint16_t compression;  // of TIFF, by its tag
+};
+
+constexpr uint16_t kNone = 1;
+constexpr uint16_t kGroup4 = 4;
+constexpr uint16_t kLzw = 5;
+constexpr FileJob kFileJobs[] = {{"TIFF, 1 bit, G4", "g4.tif", 1, kGroup4},
+                                 {"TIFF, grey, LZW", "grey.tif", 8, kLzw},
+                                 {"TIFF, colour, LZW", "colour.tif", 24, kLzw},
+                                 {"TIFF, colour, plain", "plain.tif", 24, kNone},
+                                 {"PNG, grey", "grey.png", 8, 0},
+                                 {"PNG, colour", "colour.png", 24, 0},
+                                 {"JPEG, grey", "grey.jpg", 8, 0},
+                                 {"JPEG, colour", "colour.jpg", 24, 0}};
+
+// The contest's page with the grain of a scanner, at 200 dots per inch.
+void WriteScan(const FileJob& job, const std::string& path) {
+  testing::DrawnPage drawn = ContestPage(job.bitsPerPixel);
+  drawn.noise = job.bitsPerPixel == 1 ? 0 : 3;
+  const testing::TestImage scan = DrawPage(drawn);
+  vorlane::files::Page source;
+  source.metadata.resolution = {200, 200};
+  source.coding.tiff.compression = job.compression;
+  source.coding.jpeg.quality = 90;
+  vorlane::files::WritePicture(path, *scan.rec(), source, vorlane::files::Replacing::kAllowed);
+}
+
+void CompareFiles(int32_t rounds) {
+  namespace fs = std::filesystem;
+  std::string folder = (fs::temp_directory_path() / "vorlane-compare-XXXXXX").string();
+  if (::mkdtemp(folder.data()) == nullptr) throw std::runtime_error("no temporary folder");
+  std::printf("### From file to file, one thread\n\n");
+  std::printf("| job | by | median ms | least ms | times ours | bytes |\n");
+  std::printf("|---|---|--:|--:|--:|--:|\n");
+  SetOpenCvThreads(1);
+  for (const FileJob& job : kFileJobs) {
+    const std::string from = folder + "/" + job.file;
+    const std::string to = folder + "/out-" + job.file;
+    WriteScan(job, from);
+    std::vector<Contender> contenders = {
+        {"VorlanePic", [=] { return StraightenFile(from, to); }},
+        {"its codecs alone", [=] { return CopyByOurCodecs(from, to); }}};
+    if (job.bitsPerPixel != 1) {
+      contenders.push_back({"OpenCV", [=] { return StraightenFileByOpenCv(from, to); }});
+    }
+    contenders.push_back({"Leptonica", [=] { return StraightenFileByLeptonica(from, to); }});
+    const std::vector<Timing> timings = RunInTurn(contenders, rounds);
+    std::vector<std::string> sizes;
+    for (const Contender& contender : contenders) {
+      if (!contender.run()) throw std::runtime_error(contender.name + " failed");
+      sizes.push_back(std::to_string(fs::file_size(to)));
+    }
+    PrintRows(job.name, contenders, timings, sizes);
+  }
+  std::printf("\n");
+  SetOpenCvThreads(kOpenCvThreads);
+  fs::remove_all(folder);
+}
+
 void CompareMemory() {
   std::printf("### Peak memory of a job, beyond the page itself\n\n");
   std::printf("| job | by | MB at the peak | the upright page itself, MB |\n|---|---|--:|--:|\n");
@@ -238,7 +304,7 @@ Options ReadOptions(int argc, char** argv) {
     if (argument == "--rounds" && i + 1 < argc) {
       options.rounds = std::max(1, std::atoi(argv[++i]));
     } else if (argument == "memory" || argument == "straighten" || argument == "rotation" ||
-               argument == "blocks" || argument == "engine") {
+               argument == "blocks" || argument == "engine" || argument == "files") {
       options.sections.push_back(argument);
     } else {
       throw std::runtime_error("unknown argument " + argument);
@@ -261,6 +327,7 @@ int main(int argc, char** argv) try {
     ComparePages("The turn alone", RotationsOf, false, options.rounds);
   }
   if (options.Wants("blocks")) CompareAllBlocks(options.rounds);
+  if (options.Wants("files")) CompareFiles(options.rounds);
   // Last, because every large request is fresh memory from here on, for all alike.
   if (options.Wants("engine")) {
     mallopt(M_MMAP_THRESHOLD, 128 * 1024);

@@ -5,6 +5,7 @@
 #include <opencv2/core.hpp>
 #include <opencv2/imgproc.hpp>
 
+#include "file_straighteners.h"
 #include "straighteners.h"
 
 namespace vorlanepic::bench {
@@ -180,6 +181,25 @@ std::vector<NamedRotation> RotationsFor(int32_t bitsPerPixel, int32_t interpolat
 }
 
 }  // namespace
+
+bool StraightenFileByLeptonica(const std::string& from, const std::string& to) {
+  const PixPtr scan(pixRead(from.c_str()));
+  if (scan == nullptr) return false;
+  const PixPtr mask = LightMask(scan.get(), kReduction);
+  float degrees = 0;
+  float confidence = 0;
+  if (pixFindSkewSweepAndSearch(mask.get(), &degrees, &confidence, 2, 1, 7, 1, 0.01F) != 0) {
+    return false;
+  }
+  const Rotate rotate = pixGetDepth(scan.get()) == 1 ? RotateBySampling : RotateByAreas;
+  const PixPtr part = CutToMask(scan.get(), mask.get(), kReduction);
+  const PixPtr upright(part == nullptr ? nullptr : rotate(part.get(), degrees * kRadiansPerDegree));
+  if (upright == nullptr) return false;
+  if (to.ends_with(".jpg")) return pixWriteJpeg(to.c_str(), upright.get(), 90, 0) == 0;
+  if (to.ends_with(".png")) return pixWritePng(to.c_str(), upright.get(), 0) == 0;
+  const int32_t format = pixGetDepth(upright.get()) == 1 ? IFF_TIFF_G4 : IFF_TIFF_LZW;
+  return pixWriteTiff(to.c_str(), upright.get(), format, "w") == 0;
+}
 
 std::vector<Straightener> LeptonicaStraighteners(const TestImage& scan, int32_t interpolation) {
   const std::shared_ptr<PIX> pix = ToPix(scan);

@@ -5,8 +5,10 @@
 #include <optional>
 
 #include <opencv2/core.hpp>
+#include <opencv2/imgcodecs.hpp>
 #include <opencv2/imgproc.hpp>
 
+#include "file_straighteners.h"
 #include "straighteners.h"
 
 namespace vorlanepic::bench {
@@ -193,6 +195,14 @@ Straightener OpenCvRotation(const TestImage& scan, int32_t interpolation) {
             if (check != nullptr) *check = {place.degrees, CopyOf(*upright)};
             return true;
           }};
+}
+
+bool StraightenFileByOpenCv(const std::string& from, const std::string& to) {
+  const cv::Mat scan = cv::imread(from, cv::IMREAD_UNCHANGED);
+  cv::Mat upright;
+  return !scan.empty() &&
+         StraightenBytes(scan, {kReduction, cv::INTER_AREA}, INTERP_BICUBIC, upright, nullptr) &&
+         cv::imwrite(to, upright, {cv::IMWRITE_JPEG_QUALITY, 90});
 }
 
 void SetOpenCvThreads(int32_t count) { cv::setNumThreads(count); }

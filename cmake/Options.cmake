@@ -14,6 +14,10 @@ if(CMAKE_SYSTEM_PROCESSOR MATCHES "^(x86_64|AMD64|x86|i[3-6]86)$")
     target_compile_options(vorlanepic_options INTERFACE -msse2 -mfpmath=sse)
   endif()
 endif()
+if(VORLANEPIC_X86)
+  # For every target, because headers of the rooms hold vector code too.
+  target_compile_definitions(vorlanepic_options INTERFACE VORLANEPIC_X86)
+endif()
 
 if(VORLANEPIC_SANITIZE)
   target_compile_options(vorlanepic_options INTERFACE

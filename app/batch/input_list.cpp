@@ -57,7 +57,6 @@ class Lister {
 
   InputList Take() {
     MirrorEqualPlaces();
-    list_.inAll = static_cast<int64_t>(list_.files.size());
     return std::move(list_);
   }
 
@@ -162,12 +161,18 @@ bool Takes(const Shard& shard, const std::string& place) {
 }
 
 InputList ListInputs(const InputRequest& request) {
-  Lister lister(request);
-  for (const std::string& word : request.words) lister.Add(word);
-  if (!request.filesFrom.empty()) {
-    for (const std::string& name : ReadNames(request)) lister.Add(name);
+  InputList list;
+  if (request.listed.empty()) {
+    Lister lister(request);
+    for (const std::string& word : request.words) lister.Add(word);
+    if (!request.filesFrom.empty()) {
+      for (const std::string& name : ReadNames(request)) lister.Add(name);
+    }
+    list = lister.Take();
+  } else {
+    list.files = request.listed;
   }
-  InputList list = lister.Take();
+  list.inAll = static_cast<int64_t>(list.files.size());
   if (list.files.empty()) throw files::UsageError("there is no picture in what was named");
   std::erase_if(list.files,
                 [&](const InputFile& file) { return !Takes(request.shard, file.place); });

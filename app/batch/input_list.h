@@ -6,6 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "app/batch/file_state.h"
+
 namespace vorlane::batch {
 
 // A share of the inputs: number `index` of `count`, from 1.
@@ -21,20 +23,23 @@ std::optional<Shard> ParseShard(const std::string& text);
 // modulo the number of shares, plus 1: every machine and every day the same.
 bool Takes(const Shard& shard, const std::string& place);
 
-struct InputRequest {
-  std::vector<std::string> words;  // files, folders, "-" for the standard input
-  std::string filesFrom;           // a list of more, "-" for the standard input; empty: none
-  bool isNulSeparated = false;     // the list's names end with a zero byte, not with a line
-  Shard shard;
-  std::vector<std::string> passedOver;  // folders that are not looked into: those of the outputs
-};
-
 // A picture file and where it stands under an output folder.
 struct InputFile {
   std::string path;
   std::string place;  // below the folder that was named, or the file's name alone; with all folders
                       // as they were written where that would be the same for two inputs
   std::string dir;    // the folders of `place`; of a file that was named itself as it was written
+  std::vector<int32_t> pages = {};  // the ones that are wanted, in order; empty: all
+  FileState expected = {};          // with a size: it must still be like this
+};
+
+struct InputRequest {
+  std::vector<InputFile> listed;   // a report's files, instead of what follows
+  std::vector<std::string> words;  // files, folders, "-" for the standard input
+  std::string filesFrom;           // a list of more, "-" for the standard input; empty: none
+  bool isNulSeparated = false;     // the list's names end with a zero byte, not with a line
+  Shard shard;
+  std::vector<std::string> passedOver;  // folders that are not looked into: those of the outputs
 };
 
 struct InputList {

@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <memory>
 #include <new>
+#include <numeric>
 
 #include "app/batch/page_output.h"
 #include "app/batch/sha256.h"
@@ -57,21 +58,23 @@ int32_t InputWork::Open() {
     file_.emplace(input_.path, std::make_shared<files::FileSource>(source), run_->request.limits);
     NamePages(file_->count());
     CheckNames();
+    RefuseOtherFile();
   } catch (const std::exception& error) {
     run_->reporter->Expect(index_, 1);
     Settle({ErrorRecord(0, error.what())});
     return 0;
   }
-  run_->reporter->Expect(index_, count_);
+  run_->reporter->Expect(index_, static_cast<int32_t>(numbers_.size()));
   if (output_.isShared) {
     const std::string& path = output_.Of(1);
-    shared_.emplace(SharedFile::Request{path, count_, Replacing(path), NeedsBigTiff(*file_)});
+    const auto pages = static_cast<int32_t>(numbers_.size());
+    shared_.emplace(SharedFile::Request{path, pages, Replacing(path), NeedsBigTiff(*file_)});
   }
   const bool goesTogether = output_.isShared || run_->set;
-  for (int32_t number = 1; number <= count_; ++number) {
+  for (const int32_t number : numbers_) {
     const auto entry = before_.find(number);
     if (!goesTogether && entry != before_.end() && IsBornOut(entry->second)) {
-      run_->reporter->AddDoneBefore(index_, number);
+      run_->reporter->AddDoneBefore(index_, PlaceOf(number));
     } else {
       todo_.push_back(number);
     }
@@ -79,24 +82,46 @@ int32_t InputWork::Open() {
   return run_->set ? 1 : static_cast<int32_t>(todo_.size());
 }
 
+// A report tells of a file as it was then.
+void InputWork::RefuseOtherFile() const {
+  if (input_.expected.size >= 0 && input_.expected != state_) {
+    throw files::FileError(input_.path + ": was changed since the report was made");
+  }
+  if (numbers_.back() > count_) {
+    throw files::FileError(input_.path + ": has no page " + std::to_string(numbers_.back()));
+  }
+}
+
+// Where a page stands among those that are wanted, from 1.
+int32_t InputWork::PlaceOf(int32_t number) const {
+  const auto at = std::lower_bound(numbers_.begin(), numbers_.end(), number);
+  return static_cast<int32_t>(at - numbers_.begin()) + 1;
+}
+
 void InputWork::NamePages(int32_t count) {
   count_ = count;
   output_ = run_->plan.output.FilesFor(input_, count);
   overlay_ = run_->plan.overlay.FilesFor(input_, count);
+  numbers_ = input_.pages;
+  if (!numbers_.empty()) return;
+  numbers_.resize(static_cast<size_t>(count));
+  std::iota(numbers_.begin(), numbers_.end(), 1);
 }
 
 // Whether all pages are done, so that the input need not even be opened.
 bool InputWork::IsWholeBornOut() {
   if (before_.empty() || !run_->request.resumes) return false;
   const JournalEntry& first = before_.begin()->second;
-  const auto count = static_cast<size_t>(first.count);
-  if (before_.begin()->first != 1 || before_.size() != count || first.input != state_) return false;
+  if (first.number == 0 || first.input != state_) return false;
   NamePages(first.count);
-  for (const auto& [number, entry] : before_) {
-    if (!IsBornOut(entry)) return false;
+  RefuseOtherFile();
+  for (const int32_t number : numbers_) {
+    const auto entry = before_.find(number);
+    if (entry == before_.end() || !IsBornOut(entry->second)) return false;
   }
-  run_->reporter->Expect(index_, count_);
-  for (int32_t number = 1; number <= count_; ++number) run_->reporter->AddDoneBefore(index_, number);
+  const auto pages = static_cast<int32_t>(numbers_.size());
+  run_->reporter->Expect(index_, pages);
+  for (int32_t place = 1; place <= pages; ++place) run_->reporter->AddDoneBefore(index_, place);
   return true;
 }
 
@@ -183,16 +208,18 @@ void InputWork::WorkSet() {
   std::string words;
   try {
     for (const int32_t number : todo_) {
-      pages.push_back(Read(number, number == 1 ? &share : nullptr));
+      pages.push_back(Read(number, pages.empty() ? &share : nullptr));
     }
     outcomes = run_->set(pages);
   } catch (const std::exception& error) {
     words = error.what();
   }
-  for (const int32_t number : todo_) {
-    const auto place = static_cast<size_t>(number) - 1;
-    if (words.empty()) FinishOrFail(pages[place], std::move(outcomes[place]));
-    if (!words.empty()) Deliver(number, {ErrorRecord(number, words), std::nullopt, {}});
+  for (size_t i = 0; i < todo_.size(); ++i) {
+    if (words.empty()) {
+      FinishOrFail(pages[i], std::move(outcomes[i]));
+    } else {
+      Deliver(todo_[i], {ErrorRecord(todo_[i], words), std::nullopt, {}});
+    }
   }
 }
 
@@ -295,7 +322,7 @@ files::Replacing InputWork::Replacing(const std::string& path) const {
 void InputWork::Deliver(int32_t number, DonePage page) {
   if (!shared_) {
     Settle({std::move(page.record)});
-  } else if (shared_->Take(number, std::move(page))) {
+  } else if (shared_->Take(PlaceOf(number), std::move(page))) {
     CloseShared();
   }
 }
@@ -321,10 +348,13 @@ void InputWork::CloseShared() {
 // Writes the pages' file, or copies the input where no page was straightened. Returns where the
 // pages are; empty: nowhere.
 std::string InputWork::WriteShared() {
-  const bool isCopied = shared_->hasLeft() && run_->request.unsure != "skip" &&
-                        !(shared_->hasStraightened() && run_->plan.unsureFolder.empty());
+  const bool isKept = shared_->hasLeft() && run_->request.unsure != "skip";
+  const bool isPart = static_cast<int32_t>(numbers_.size()) < count_;
+  // Of a part of the pages the file is no copy.
+  const bool isMade = shared_->hasStraightened() || (isKept && isPart);
+  const bool isCopied = isKept && (!isMade || !run_->plan.unsureFolder.empty());
   if (isCopied) Copy(CopyName(1));
-  if (!shared_->hasStraightened()) return isCopied ? CopyName(1) : "";
+  if (!isMade) return isCopied ? CopyName(1) : "";
   shared_->Commit();
   return output_.Of(1);
 }
@@ -349,7 +379,7 @@ void InputWork::Settle(std::vector<PageRecord> records) {
     run_->onFatal(error.what());
   }
   for (const PageRecord& record : records) {
-    run_->reporter->Add(index_, std::max(record.number, 1), record);
+    run_->reporter->Add(index_, record.number == 0 ? 1 : PlaceOf(record.number), record);
   }
 }
 

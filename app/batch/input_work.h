@@ -34,6 +34,8 @@ class InputWork {
 
   void NamePages(int32_t count);
   void CheckNames();
+  void RefuseOtherFile() const;
+  int32_t PlaceOf(int32_t number) const;
   bool IsWholeBornOut();
   bool IsBornOut(const JournalEntry& entry);
   bool HasDigest(const std::string& path, const std::string& sha256);
@@ -67,7 +69,8 @@ class InputWork {
   PageFiles output_;
   PageFiles overlay_;
   int32_t count_ = 0;
-  std::vector<int32_t> todo_;         // page numbers
+  std::vector<int32_t> numbers_;      // of the pages that are wanted
+  std::vector<int32_t> todo_;         // those of them that are not done yet
   std::optional<SharedFile> shared_;  // when output_.isShared
 };
 

@@ -1,9 +1,5 @@
 #include "app/batch/page_record.h"
 
-#include <array>
-#include <cstdio>
-#include <sys/stat.h>
-
 #include "app/batch/printable_name.h"
 
 namespace vorlane::batch {
@@ -32,19 +28,14 @@ nlohmann::ordered_json JsonOf(const PageRecord& record) {
 
 }  // namespace
 
-FileState StateOf(const std::string& path) {
-  struct stat info {};
-  if (::stat(path.c_str(), &info) != 0) return {};
-  std::array<char, 48> text{};
-  (void)std::snprintf(text.data(), text.size(), "%lld.%09ld",
-                      static_cast<long long>(info.st_mtim.tv_sec), info.st_mtim.tv_nsec);
-  return {info.st_size, text.data()};
+const char* NameOf(PageFate fate) {
+  static constexpr const char* kNames[] = {"measured", "straightened", "doubtful", "left",
+                                           "failed"};
+  return kNames[static_cast<int>(fate)];
 }
 
 const char* ResultName(const PageRecord& record) {
-  static constexpr const char* kNames[] = {"measured", "straightened", "doubtful", "left",
-                                           "failed"};
-  return record.isError ? "error" : kNames[static_cast<int>(record.fate)];
+  return record.isError ? "error" : NameOf(record.fate);
 }
 
 std::string NameOf(const std::string& file, int32_t number, int32_t count) {

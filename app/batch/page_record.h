@@ -7,18 +7,10 @@
 
 #include <nlohmann/json.hpp>
 
+#include "app/batch/file_state.h"
 #include "app/batch/page_outcome.h"
 
 namespace vorlane::batch {
-
-// What a file was when it was opened: enough to see whether it has changed since.
-struct FileState {
-  int64_t size = -1;     // -1: it cannot be looked at
-  std::string modified;  // seconds since 1970 with nine decimals
-
-  bool operator==(const FileState&) const = default;
-};
-FileState StateOf(const std::string& path);
 
 struct PageRecord {
   std::string command;
@@ -31,7 +23,7 @@ struct PageRecord {
   PageFate fate = PageFate::kFailed;
   Trust trust = Trust::kNone;
   std::string words;
-  nlohmann::ordered_json facts;
+  nlohmann::ordered_json facts = nlohmann::ordered_json::object();
   double milliseconds = 0;
   std::string output;        // where the page went; empty: nowhere
   bool isUnchanged = false;  // it went there as it was
@@ -71,6 +63,7 @@ std::string TakeName(const std::string& key, const nlohmann::ordered_json& objec
 // One line of JSON that nothing can act in.
 std::string Dump(const nlohmann::ordered_json& object);
 
+const char* NameOf(PageFate fate);
 const char* ResultName(const PageRecord& record);
 
 }  // namespace vorlane::batch

@@ -14,5 +14,7 @@ CommandRun AddAngle(CLI::App* app);
 CommandRun AddForm(CLI::App* app);
 CommandRun AddBlocks(CLI::App* app);
 CommandRun AddBarAngle(CLI::App* app);
+CommandRun AddCompletion(CLI::App* app);
+CommandRun AddMerge(CLI::App* app);
 
 }  // namespace vorlane::commands

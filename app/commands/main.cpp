@@ -1,13 +1,16 @@
 // The command vorlane: straightens, crops and measures scanned pages in files.
+#include <algorithm>
 #include <csignal>
 #include <cstdio>
 #include <exception>
 #include <new>
+#include <string>
 #include <vector>
 
 #include "app/batch/exit_codes.h"
 #include "app/batch/printable_name.h"
 #include "app/batch/standard_streams.h"
+#include "app/commands/command_hint.h"
 #include "app/commands/commands.h"
 #include "app/files/pix_owner.h"
 
@@ -23,19 +26,36 @@ void TakeWriteErrorsAsResults() {
   (void)std::signal(SIGPIPE, SIG_IGN);
 }
 
+// The option parser has no word for a command that is misspelt.
+void RefuseUnknownCommand(const CLI::App& app, int argc, char** argv) {
+  if (argc < 2 || argv[1][0] == '-') return;
+  const std::string word = argv[1];
+  std::vector<std::string> names;
+  for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; })) {
+    names.push_back(command->get_name());
+  }
+  if (std::find(names.begin(), names.end(), word) != names.end()) return;
+  const std::string nearest = commands::NearestName(word, names);
+  throw files::UsageError(word + ": there is no such command" +
+                          (nearest.empty() ? "" : "; did you mean " + nearest + "?"));
+}
+
 int RunCommandLine(int argc, char** argv) {
   CLI::App app{"Straightens, crops and measures scanned pages.", "vorlane"};
   app.set_version_flag("--version", "vorlane " VORLANE_VERSION);
   app.require_subcommand(1);
   app.footer(
       "vorlane COMMAND --help tells the rest.\n"
-      "Exit code: 0 all pages done; 1 some page was not found or doubtful and left as it is; 2 "
-      "the\n"
-      "request cannot be carried out; 3 some file could not be read or written.");
+      "Exit code: 0 all pages are done, or left as they are where they are unsure; 1 a page was left\n"
+      "and --strict asks for none, or a measurement found nothing; 2 the request cannot be carried\n"
+      "out, and nothing was written; 3 some file or page could not be read or written; 130 and 143\n"
+      "the run was stopped.");
   const std::vector<commands::CommandRun> runs = {
-      commands::AddStraighten(&app), commands::AddDetect(&app),  commands::AddCrop(&app),
-      commands::AddAngle(&app),      commands::AddPruned(&app),  commands::AddForm(&app),
-      commands::AddBlocks(&app),     commands::AddBarAngle(&app)};
+      commands::AddStraighten(&app), commands::AddDetect(&app),   commands::AddCrop(&app),
+      commands::AddAngle(&app),      commands::AddPruned(&app),   commands::AddForm(&app),
+      commands::AddBlocks(&app),     commands::AddBarAngle(&app), commands::AddMerge(&app),
+      commands::AddCompletion(&app)};
+  RefuseUnknownCommand(app, argc, argv);
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {

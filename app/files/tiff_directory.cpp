@@ -153,7 +153,7 @@ class DirectoryReader {
     const uint8_t* value = bytes + shape_.entryBytes - shape_.valueBytes;
     entry.data.resize(static_cast<size_t>(entry.count) * sizes.bytes);
     if (entry.data.size() <= shape_.valueBytes) {
-      std::memcpy(entry.data.data(), value, entry.data.size());
+      std::copy_n(value, entry.data.size(), entry.data.begin());
     } else if (source_.ReadAt(OffsetAt(value, header_), entry.data) < entry.data.size()) {
       return Lost();
     }

@@ -96,7 +96,9 @@ Json FactsOf(const vorlane_finding& finding) {
   Json facts = Json::object();
   if (finding.turn_confidence != VORLANE_REFUSED) {
     facts["angle"] = finding.turn;
-    facts["corners"] = CornersOf(finding);
+    // Where the cut is not believed, the page is turned and kept whole: its corners are not known.
+    const bool isCutBelieved = finding.cut_confidence >= VORLANE_LIKELY;
+    facts["corners"] = isCutBelieved ? CornersOf(finding) : Json(nullptr);
     facts["by"] = AgreeingNames(finding);
     facts["cutConfidence"] = vorlane_confidence_name(finding.cut_confidence);
     facts["expected"] = Rounded(finding.expected, 1e3);

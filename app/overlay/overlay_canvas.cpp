@@ -4,11 +4,10 @@
 #include <cmath>
 #include <cstddef>
 #include <memory>
-#include <span>
 #include <utility>
 
-#include "app/files/image_convert.h"
-#include "app/files/page.h"
+#include "app/files/errors.h"
+#include "app/overlay/small_copy.h"
 
 namespace vorlane::overlay {
 namespace {
@@ -19,9 +18,9 @@ constexpr Colour kCaptionText{235, 235, 235};
 constexpr double kRimWidth = 0.8;        // units on each side of a stroke
 constexpr double kRimOpacity = 0.55;     // a soft shadow, not a line of its own
 constexpr double kPaling = 0.72;         // share of the page's own contrast that is kept
-constexpr int32_t kLongestEdge = 1600;   // of an overlay, without its caption
 constexpr double kLeastLine = 20;        // pixels of a text line that can still be read
-constexpr double kLineShare = 1 / 45.0;  // of the page's longer side: the height of a text line
+constexpr int32_t kLongestSide = 1200;   // of the copy: with its caption it stays within 1600
+constexpr double kLineShare = 1 / 45.0;  // of the copy's longer side: the height of a text line
 
 uint32_t Word(Colour c) {
   return static_cast<uint32_t>(c.red) << L_RED_SHIFT |
@@ -119,16 +118,6 @@ files::PixPtr DrawText(const Font& font, const std::string& text) {
   return files::PixPtr(pixExpandReplicate(pix.get(), font.scale));
 }
 
-// In colour, `scale` times as large.
-files::PixPtr ScaledDown(files::PixPtr pix, double scale) {
-  if (pix && scale < 1) {
-    const auto factor = static_cast<float>(scale);
-    pix.reset(pixGetDepth(pix.get()) == 1 ? pixScaleToGray(pix.get(), factor)
-                                          : pixScaleAreaMap(pix.get(), factor, factor));
-  }
-  return pix ? files::PixPtr(pixConvertTo32(pix.get())) : nullptr;
-}
-
 void PaintText(Pix* target, const Pix* text, int32_t left, int32_t top, Colour colour) {
   pixPaintThroughMask(target, const_cast<Pix*>(text), left, top, Word(colour));
 }
@@ -138,26 +127,23 @@ void PaintText(Pix* target, const Pix* text, int32_t left, int32_t top, Colour c
 OverlayCanvas::OverlayCanvas(const ImageRec& image)
     : width_(image.width),
       height_(image.height),
-      scale_(std::min(1.0, double{kLongestEdge} / std::max(image.width, image.height))),
-      unit_(std::max(1.0 / scale_, std::max(image.width, image.height) / 1000.0)),
-      pix_(ScaledDown(files::ImageToPix(image), scale_)) {
-  if (!pix_) throw files::FileError("there is not enough memory for an overlay of this page");
+      unit_(std::max(1.0, std::max(image.width, image.height) / 1000.0)),
+      pix_(SmallCopy(image, kLongestSide, &scale_)),
+      copyWidth_(pixGetWidth(pix_.get())),
+      copyHeight_(pixGetHeight(pix_.get())) {
+  uint32_t* words = pixGetData(pix_.get());
+  const size_t count =
+      static_cast<size_t>(pixGetWpl(pix_.get())) * static_cast<size_t>(copyHeight_);
   const uint32_t grey = Word({128, 128, 128});
   uint32_t last = 0;
   uint32_t paled = Mix(grey, last, kPaling);
-  const auto count =
-      static_cast<size_t>(pixGetWpl(pix_.get())) * static_cast<size_t>(pixGetHeight(pix_.get()));
-  for (uint32_t& word : std::span(pixGetData(pix_.get()), count)) {
-    if (word != last) {
-      last = word;
+  for (size_t i = 0; i < count; ++i) {
+    if (words[i] != last) {
+      last = words[i];
       paled = Mix(grey, last, kPaling);
     }
-    word = paled;
+    words[i] = paled;
   }
-}
-
-Place OverlayCanvas::OnCanvas(Place p) const {
-  return {(p.x + 0.5) * scale_ - 0.5, (p.y + 0.5) * scale_ - 0.5};
 }
 
 void OverlayCanvas::Blend(int32_t x, int32_t y, Colour colour, double share) {
@@ -165,23 +151,26 @@ void OverlayCanvas::Blend(int32_t x, int32_t y, Colour colour, double share) {
   *word = Mix(*word, Word(colour), share);
 }
 
+// Pixel centres are whole numbers on the page and on its copy.
+Place OverlayCanvas::OnCopy(Place place) const {
+  return {(place.x + 0.5) * scale_ - 0.5, (place.y + 0.5) * scale_ - 0.5};
+}
+
 // A capsule around the line: full inside, fading over one pixel at its rim.
 void OverlayCanvas::Stroke(Place from, Place to, double halfWidth, Colour colour, double opacity) {
-  if (!std::isfinite(from.x + from.y + to.x + to.y)) return;
-  const int32_t width = pixGetWidth(pix_.get());
-  const int32_t height = pixGetHeight(pix_.get());
-  from = OnCanvas(from);
-  to = OnCanvas(to);
+  from = OnCopy(from);
+  to = OnCopy(to);
   halfWidth *= scale_;
   const double reach = halfWidth + 1;
-  if (!ClipLine(&from, &to, reach, width, height)) return;
+  if (!std::isfinite(from.x + from.y + to.x + to.y)) return;
+  if (!ClipLine(&from, &to, reach, copyWidth_, copyHeight_)) return;
   const bool steep = std::abs(to.y - from.y) > std::abs(to.x - from.x);
   const double lead0 = steep ? from.y : from.x;
   const double lead1 = steep ? to.y : to.x;
   const double side0 = steep ? from.x : from.y;
   const double slope = lead1 != lead0 ? ((steep ? to.x : to.y) - side0) / (lead1 - lead0) : 0;
-  const int32_t leadEnd = steep ? height : width;
-  const int32_t sideEnd = steep ? width : height;
+  const int32_t leadEnd = steep ? copyHeight_ : copyWidth_;
+  const int32_t sideEnd = steep ? copyWidth_ : copyHeight_;
   const double sideReach = reach * 1.5;  // a stroke at 45 degrees is 1.42 times as wide across
   const auto first = static_cast<int32_t>(std::max(0.0, std::min(lead0, lead1) - reach));
   const auto last = static_cast<int32_t>(std::min(leadEnd - 1.0, std::max(lead0, lead1) + reach));
@@ -231,46 +220,42 @@ void OverlayCanvas::Cross(Place center, double arm, double width, Colour colour)
 }
 
 void OverlayCanvas::Label(Place at, const std::string& text, Colour colour) {
-  const int32_t width = pixGetWidth(pix_.get());
-  const int32_t height = pixGetHeight(pix_.get());
-  const Font font = FontOfHeight(std::max(width, height) * kLineShare);
+  at = OnCopy(at);
+  const Font font = FontOfHeight(std::max(copyWidth_, copyHeight_) * kLineShare);
   const files::PixPtr drawn = DrawText(font, text);
   if (!drawn) return;
-  const Place corner = OnCanvas(at);
   const int32_t textWidth = pixGetWidth(drawn.get());
   const int32_t textHeight = pixGetHeight(drawn.get());
   const auto left = static_cast<int32_t>(
-      std::clamp(corner.x, 0.0, std::max(0.0, static_cast<double>(width - textWidth))));
+      std::clamp(at.x, 0.0, std::max(0.0, static_cast<double>(copyWidth_ - textWidth))));
   const auto top = static_cast<int32_t>(std::clamp(
-      corner.y - textHeight, 0.0, std::max(0.0, static_cast<double>(height - textHeight))));
-  for (int32_t y = top; y < std::min(top + textHeight, height); ++y) {
-    for (int32_t x = left; x < std::min(left + textWidth, width); ++x) Blend(x, y, kRim, 0.7);
+      at.y - textHeight, 0.0, std::max(0.0, static_cast<double>(copyHeight_ - textHeight))));
+  for (int32_t y = top; y < std::min(top + textHeight, copyHeight_); ++y) {
+    for (int32_t x = left; x < std::min(left + textWidth, copyWidth_); ++x) Blend(x, y, kRim, 0.7);
   }
   PaintText(pix_.get(), drawn.get(), left, top, colour);
 }
 
 files::PixPtr OverlayCanvas::WithCaption(const std::vector<CaptionLine>& lines) const {
-  const int32_t pageWidth = pixGetWidth(pix_.get());
-  const int32_t pageHeight = pixGetHeight(pix_.get());
   // Smaller letters where the lines would pass the page's width, as long as they stay legible.
-  double height = std::max(pageWidth, pageHeight) * kLineShare;
+  double height = std::max(copyWidth_, copyHeight_) * kLineShare;
   Font font = FontOfHeight(height);
   const auto widestLine = [&] {
     int32_t widest = 0;
     for (const CaptionLine& line : lines) widest = std::max(widest, TextWidth(font, line.text));
     return widest + 2 * font.LineHeight();
   };
-  while (widestLine() > pageWidth && height > kLeastLine) {
+  while (widestLine() > copyWidth_ && height > kLeastLine) {
     height *= 0.85;
     font = FontOfHeight(height);
   }
   const int32_t lineHeight = font.LineHeight() * 5 / 4;
   const int32_t below = lineHeight * (static_cast<int32_t>(lines.size()) + 1);
-  files::PixPtr whole(pixCreate(std::max(pageWidth, widestLine()), pageHeight + below, 32));
+  files::PixPtr whole(pixCreate(std::max(copyWidth_, widestLine()), copyHeight_ + below, 32));
   if (!whole) throw files::FileError("there is not enough memory for an overlay of this page");
   pixSetAllArbitrary(whole.get(), Word(kCaptionGround));
-  pixRasterop(whole.get(), 0, 0, pageWidth, pageHeight, PIX_SRC, pix_.get(), 0, 0);
-  int32_t top = pageHeight + lineHeight / 2;
+  pixRasterop(whole.get(), 0, 0, copyWidth_, copyHeight_, PIX_SRC, pix_.get(), 0, 0);
+  int32_t top = copyHeight_ + lineHeight / 2;
   for (const CaptionLine& line : lines) {
     const int32_t side = lineHeight / 2;
     if (line.hasMark) {

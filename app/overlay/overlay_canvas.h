@@ -1,4 +1,4 @@
-// A colour copy of a page to draw on.
+// A colour copy of a page to draw on, at the size of a screen.
 #pragma once
 
 #include <cstdint>
@@ -28,12 +28,12 @@ struct CaptionLine {
 
 class OverlayCanvas {
  public:
-  // Copies `image`, made smaller where it is large and paled so that what is drawn stands out.
-  // Throws FileError without memory.
+  // Copies `image`, made smaller where it is larger than a screen and paled so that what is drawn
+  // stands out. Places and widths stay those of the page. Throws FileError without memory.
   explicit OverlayCanvas(const ImageRec& image);
 
-  // Coordinates are the page's own. Everything is clipped to it; any finite one is served. Widths
-  // are in units of unit() pixels, and every stroke has a dark rim that keeps it visible on paper.
+  // Everything is clipped to the page; any finite coordinate is served. Widths are in units of
+  // unit() pixels, and every stroke has a dark rim that keeps it visible on paper.
   void Line(Place from, Place to, double width, Colour colour);
   void Polygon(const std::vector<Place>& corners, double width, Colour colour);
   void Box(double left, double top, double right, double bottom, double width, Colour colour);
@@ -48,20 +48,22 @@ class OverlayCanvas {
   int32_t width() const { return width_; }
   int32_t height() const { return height_; }
 
-  // One stroke unit in pixels of the page: 1 on one of 1000 pixels and below, growing with it, so
-  // that a picture scaled to a screen looks alike.
+  // One stroke unit in pixels: 1 on a page of 1000 pixels and below, growing with the page, so that
+  // a picture scaled to a screen looks alike.
   double unit() const { return unit_; }
 
  private:
+  Place OnCopy(Place place) const;
   void Stroke(Place from, Place to, double halfWidth, Colour colour, double opacity);
-  Place OnCanvas(Place p) const;
   void Blend(int32_t x, int32_t y, Colour colour, double share);
 
   int32_t width_;
   int32_t height_;
-  double scale_;  // of the canvas to the page
   double unit_;
+  double scale_ = 1;  // sizes of the copy in those of the page
   files::PixPtr pix_;
+  int32_t copyWidth_;
+  int32_t copyHeight_;
 };
 
 }  // namespace vorlane::overlay

@@ -19,7 +19,8 @@ add_custom_target(package-${VORLANEPIC_WINDOWS}
           ${PROJECT_SOURCE_DIR}/examples/read_sheet.c ${package_dir}/examples
   COMMAND ${CMAKE_COMMAND} -E copy
           ${PROJECT_SOURCE_DIR}/docs/sample-profile.ini
-          ${PROJECT_SOURCE_DIR}/docs/hosts-guide.md ${package_dir}/docs
+          ${PROJECT_SOURCE_DIR}/docs/hosts-guide.md
+          ${PROJECT_SOURCE_DIR}/docs/limits.md ${package_dir}/docs
   COMMAND ${CMAKE_COMMAND} -E copy ${PROJECT_BINARY_DIR}/README.txt ${package_dir}
   COMMAND ${CMAKE_COMMAND} -E chdir ${CMAKE_BINARY_DIR}/package
           ${CMAKE_COMMAND} -E tar cf ${package_file} --format=zip ${package_name}

@@ -179,7 +179,10 @@ double LightShareAt(const PageLevels& page, uint8_t threshold,
   }
   int32_t looked = 0;
   int32_t light = 0;
-  for (double t = low; t <= high; t += std::max(1.0, kPlacesShare * page.size())) {
+  const double step = std::max(1.0, kPlacesShare * page.size());
+  const auto places = static_cast<int32_t>(std::max(0.0, (high - low) / step + 1.0));
+  for (int32_t i = 0; i < places; ++i) {
+    const double t = low + i * step;
     const double x = std::round(startX - plane.b * t);
     const double y = std::round(startY + plane.a * t);
     if (x < 0.0 || y < 0.0 || x >= page.width() || y >= page.height()) continue;

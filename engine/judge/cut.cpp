@@ -114,7 +114,10 @@ class Cutter {
     for (const Side side : kAllSides) {
       double& beyond = beyond_[Index(side)];
       if (lines_[Index(side)]) {
-        if (IsClosed(side, region)) beyond = 0.0;
+        if (IsClosed(side, region)) {
+          cut->lightOutside = std::max(cut->lightOutside, beyond / page_.size());
+          beyond = 0.0;
+        }
         continue;
       }
       const bool runsOff = RunsOff(side);

@@ -16,9 +16,11 @@ struct Cut {
   CutRect rect;
   int32_t sidesUnseen = 0;    // bounded by where the light ends
   int32_t sidesOffFrame = 0;  // bounded by the picture's own edge
-  double widened = 0.0;       // the most by which light moved a side's line out, share of the
-                              // picture's longer side
-  double inkOutside = 0.0;    // share
+  // Shares of the picture's longer side: the most by which light moved a side's line out, and how
+  // far light of something else goes on beyond a side.
+  double widened = 0.0;
+  double lightOutside = 0.0;
+  double inkOutside = 0.0;  // share of all ink
 };
 
 // Bounds the page of `decision` by its sides, moved outwards by `outwards` pixels. A side that was

@@ -28,6 +28,7 @@ constexpr double kRivalSpread = 0.15;  // by which a rival's sides may lie furth
 constexpr double kParallel = 0.15;
 
 constexpr double kStraightShare = 0.4;
+constexpr double kLoneStraightShare = 0.6;  // without print
 // Sides so straight and so alike tell the angle better than print does, and print of such
 // confidence better than other sides.
 constexpr double kExactDeviation = 0.1;
@@ -271,7 +272,8 @@ class Judge {
   Decision DecideManySides(const SideGroup& best) const {
     const bool isWhole =
         best.count == 4 || WeakPrintAgrees(best, kWeakAgreeing) || SidesSeen(best) == best.count;
-    const bool isSure = isWhole && IsStraight(best) && !WeakPrintContradicts(best);
+    const bool isSure = isWhole && IsStraight(best) && best.straight >= kLoneStraightShare &&
+                        !WeakPrintContradicts(best);
     return ByGroup(best, isSure ? Confidence::kSure : Confidence::kLikely,
                    {Reason::kSidesAgree, static_cast<double>(best.count)});
   }

@@ -46,6 +46,8 @@ constexpr double kMostInkOutside = 0.10;
 // Groups at every threshold that lie so alike, of sides so straight, are a plain sheet's.
 constexpr double kPlainDegrees = 0.25;
 constexpr double kPlainStraight = 0.5;
+// A side of which less lies on one line is curved or torn.
+constexpr double kCurvedShare = 0.6;
 
 bool IsUsable(const PictureView& picture) {
   if (picture.pixels == nullptr || picture.width < 1 || picture.height < 1) return false;
@@ -138,6 +140,9 @@ void Restrain(const DetectOptions& options, const PageEvidence& seen, Decision* 
   }
   AddReason(decision->reason, finding);
   if (options.by != By::kAuto) AddReason({Reason::kAskedFor, 0.0}, finding);
+  if (decision->group != nullptr && decision->group->straight < kCurvedShare) {
+    AddReason({Reason::kCurvedSides, 0.0}, finding);
+  }
   if (std::abs(decision->degrees) > options.maxAngleDegrees) {
     decision->confidence = std::min(decision->confidence, Confidence::kDoubtful);
     AddReason({Reason::kTooSteep, std::abs(decision->degrees)}, finding);
@@ -157,6 +162,7 @@ void AddCutReasons(const Cut& cut, Finding* finding) {
     AddReason({Reason::kSideRunsOffFrame, static_cast<double>(cut.sidesOffFrame)}, finding);
   }
   if (cut.widened > 0.0) AddReason({Reason::kCutWidened, cut.widened}, finding);
+  if (cut.lightOutside > 0.0) AddReason({Reason::kLightOutsideCut, cut.lightOutside}, finding);
 }
 
 void WriteCut(const DetectOptions& options, const PageEvidence& seen, const Cut& cut,

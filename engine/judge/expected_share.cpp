@@ -13,16 +13,14 @@ struct Share {
   double doubtful;
 };
 
+// Right within 0.2 degrees among 1,320 composed pages of 36 conditions, by the rule of succession:
+// (right + 1) / (answers + 2), so that a kind of few pages promises little.
 constexpr Share kShares[] = {
-    {Reason::kSidesAndPrintAgree, 0.997, 0.99, 0.7},
-    {Reason::kSidesAgree, 0.99, 0.96, 0.6},
-    {Reason::kPrintAlone, 0.995, 0.98, 0.7},
-    {Reason::kBarAgrees, 0.99, 0.9, 0.4},
-    {Reason::kPrintOffPaper, 0.98, 0.98, 0.7},
-    {Reason::kSidesNotParallel, 0.9, 0.9, 0.6},
-    {Reason::kFewSides, 0.9, 0.9, 0.6},
+    {Reason::kSidesAndPrintAgree, 0.999, 0.96, 0.5}, {Reason::kSidesAgree, 0.993, 0.90, 0.5},
+    {Reason::kPrintAlone, 0.987, 0.97, 0.5},         {Reason::kPrintOffPaper, 0.99, 0.99, 0.5},
+    {Reason::kSidesNotParallel, 0.91, 0.91, 0.5},    {Reason::kFewSides, 0.83, 0.83, 0.33},
 };
-constexpr Share kOther{Reason::kNone, 0.9, 0.8, 0.5};
+constexpr Share kOther{Reason::kNone, 0.5, 0.5, 0.5};
 
 }  // namespace
 

@@ -6,8 +6,8 @@
  * (ImageDeskewCropWithLine), and mark-sheet blocks and bar angle (ImageBlockMarkHorEx ...
  * get_angle_omr). This header is plain C (C99) and compiles alone in C and in C++.
  *
- * The image services keep process-wide settings between calls: make one call at a time. The block
- * functions keep none and may run on several threads, each with a set of its own.
+ * The image services keep process-wide settings between calls; calls that overlap take turns. The
+ * block functions and the bar angle keep none and run at the same time, each with a set of its own.
  *
  * Calling conventions on 32-bit Windows: the image services are stdcall, the block and mark-sheet
  * functions cdecl. Elsewhere there is one convention.
@@ -62,14 +62,17 @@ enum { INTERP_BICUBIC = 1, INTERP_BILINEAR = 2, INTERP_NEAREST = 3 };
  *   threshold   grey level that separates background from page, 0..255; 0: estimated from the outer
  *               columns of the image, at least 80
  *   background  0: the page is what is at or above threshold; 255: what lies within 9 levels of it
+ *
+ * The squares of an edge's length are summed in 32 bits: an edge of more than 46340 pixels comes
+ * out with a wrong length, and the result with a wrong size, under status 0. A page that lies in a
+ * picture whose diagonal is at most 46340 pixels has none. This goes for methods 1 and 3, too.
  */
 
 /*
  * Straightens the page in the caller's buffer, in place.
  *
  *   pixels        in: rows as Imgbuf_New lays them out, each padded to 4 bytes; out: the result's
- *                 rows, laid out alike. Holds the larger of the two images; the result can be the
- *                 larger one
+ *                 rows, laid out alike. Holds the larger of the two images
  *   width, height in: the image's size in pixels; out: the result's size
  *   bitsPerPixel  1, 8 or 24
  *   threshold     not range-checked; its low 8 bits are compared with pixels
@@ -77,6 +80,11 @@ enum { INTERP_BICUBIC = 1, INTERP_BILINEAR = 2, INTERP_NEAREST = 3 };
  * Returns 1 when the page was processed, 0 when a stage failed (buffer and sizes are unchanged),
  * and 1 when an argument was rejected: a null pointer, neither size above 0, another depth or mode.
  * The filling outside the page is blue 255, green 0, red 0 at 24 bits and 255 below.
+ *
+ * Nothing tells the function how large the buffer is, and no multiple of the picture is enough for
+ * all results: a picture of 230 x 299 pixels can give 181 x 2149, 5.7 times its bytes. Pictures of
+ * unknown origin are safer with ImageVorlaneEx, which makes an image of its own; with the same mode
+ * and threshold and background 0 its result has the same size, too.
  */
 VORLANEPIC_API int32_t VORLANEPIC_STDCALL VorlanePic(uint8_t* pixels, int32_t* width,
                                                      int32_t* height, int32_t bitsPerPixel,
@@ -126,8 +134,10 @@ typedef struct DeskewCropParam {
   int32_t SearchBorderPixelNum; /* all methods, 1..10: document pixels that make a border point */
   int32_t ToLineDistance;       /* all methods, 1..20 pixels: inlier distance of the border vote */
   int32_t ToLineMixDis;         /* methods 1 and 3, 1..20: checked only */
-  double parallel;              /* methods 1 and 3, 0.0..5.0 degrees: opposite edges are parallel */
-  double perpendicular;         /* methods 1 and 3, 0.0..5.0 degrees off a right angle */
+  double parallel;              /* methods 1 and 3, 0.0..5.0 degrees: opposite edges are parallel;
+                                   method 3 checks the range only */
+  double perpendicular;         /* methods 1 and 3, 0.0..5.0 degrees off a right angle; method 3
+                                   checks the range only */
   int32_t SegmentLen;           /* method 2, 5..50: border segments in a chunk of the vote */
   int32_t SearchLimitNum;       /* method 2, 1..10: bright lines to exceed before content starts */
   int32_t PixelNum;     /* method 2, 1..20: bright pixels to exceed in a line, source image */
@@ -143,7 +153,9 @@ typedef struct DeskewCropParam {
  *   interpolation  INTERP_BICUBIC, INTERP_BILINEAR or INTERP_NEAREST
  *   threshold      grey level that separates background from page; 0: estimated
  *   background     not used
- *   cornerOption   methods 1 and 3: every edge moves outwards by twice this many pixels
+ *   cornerOption   method 1: every edge moves outwards by twice this many pixels, but where two
+ *                  opposite edges could not be fitted and all go through the outermost points.
+ *                  Methods 2 and 3 move none
  *   fill           value of pixels outside the page: 3 bytes for 24-bit images (blue, green, red),
  *                  else 1; at 1 bit the byte is written eight pixels at a time
  *   angleOut       receives the clockwise turn of the first image, with rows in memory order from
@@ -219,7 +231,14 @@ typedef struct BlockPoint {
 /* States of a BlockRec. Blocks that a successful call hands back are finished. */
 enum { BLOCK_GROWING = 1, BLOCK_FINISHED = 2, BLOCK_MERGED = 3 };
 
-/* One block: pixels that touch each other, diagonals included. All coordinates are inclusive. */
+/*
+ * One block: pixels that touch each other, diagonals included. All coordinates are inclusive.
+ *
+ * The coordinates of its pixels are summed in 32 bits: once the sum of all x, or of all y, passes
+ * 2^31 - 1 the centre is wrong. It is right where area times right, and area times bottom, stay
+ * below 2^31; for larger blocks take the mean of the points. Points hold 16 bits of each
+ * coordinate.
+ */
 typedef struct BlockRec {
   int32_t area;    /* pixels */
   int32_t centerX; /* mean x, truncated (the sum of x while the block grows) */

@@ -41,8 +41,8 @@ int32_t DistanceToLine(int32_t x, int32_t y, const BorderLine& line, int32_t* di
 // Returns STATUS_OK; BAD_ARGUMENT for fewer than 2 segments; ANGLE_NOT_FOUND when the halves meet.
 int32_t FitChordLine(BorderLine* line, const SegmentList& list);
 
-// Fits `line` through the points of the segments of `list`, half against half. Sets the kind to 4
-// first; `list.pointTotal` is up to date. Its angle is signed.
+// Fits `line` through the points of the segments of `list`, half against half. Sets the kind to
+// not fitted first; `list.pointTotal` is up to date. Its angle is signed.
 // Returns STATUS_OK; BAD_ARGUMENT for no segment or fewer than 2 points; ANGLE_NOT_FOUND when the
 // halves meet.
 int32_t FitPointLine(BorderLine* line, const SegmentList& list);

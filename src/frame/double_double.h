@@ -1,4 +1,4 @@
-// Real numbers of about 106 significant bits, as the sum of two doubles.
+// Double-double arithmetic: real numbers of about 106 significant bits, as the sum of two doubles.
 #pragma once
 
 #include <cstdint>
@@ -12,13 +12,13 @@ struct DoubleDouble {
   double low;
 };
 
-// a + b without error, for |a| >= |b|.
+// Two-sum for sorted sides: a + b without error, for |a| >= |b|.
 constexpr DoubleDouble SumOfLargerAndSmaller(double a, double b) {
   const double sum = a + b;
   return {sum, b - (sum - a)};
 }
 
-// a + b without error.
+// Two-sum: a + b without error.
 constexpr DoubleDouble ExactSum(double a, double b) {
   const double sum = a + b;
   const double fromB = sum - a;
@@ -31,7 +31,8 @@ constexpr double UpperHalf(double a) {
   return scaled - (scaled - a);
 }
 
-// a * b without error, for |a|, |b| < 2^996 and a product that is 0 or at least 2^-960.
+// Two-product: a * b without error, for |a|, |b| < 2^996 and a product that is 0 or at least
+// 2^-960.
 constexpr DoubleDouble ExactProduct(double a, double b) {
   const double product = a * b;
   const double aUpper = UpperHalf(a);

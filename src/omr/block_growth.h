@@ -28,9 +28,10 @@ struct GrowingBlock {
   EarlyPoints* early;  // of rows that were let go; null: it has no run there
 };
 
-// The runs of the rows of an image that were not let go yet, with the blocks they belong to, in the
-// order in which they were met: row by row from the top, left to right. A block is named by its
-// place in `blocks`, the order in which they were opened.
+// Labels the connected components of an image, diagonals included, run by run. Holds the runs of
+// the rows that were not let go yet, with the blocks they belong to, in the order in which they
+// were met: row by row from the top, left to right. A block is named by its place in `blocks`, the
+// order in which they were opened.
 class BlockGrowth {
  public:
   BlockGrowth() = default;
@@ -75,7 +76,8 @@ class BlockGrowth {
   // Takes the block behind `b` out of its chain.
   void DropNext(int32_t b, int32_t root);
 
-  // The surviving block that block `b` was merged into; b itself if it survives.
+  // The surviving block that block `b` was merged into; b itself if it survives. Union-find with
+  // path halving.
   int32_t Root(int32_t b);
 
   int32_t firstRow() const { return firstRow_; }

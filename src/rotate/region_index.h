@@ -9,7 +9,7 @@
 
 namespace vorlanepic::rotate {
 
-// The extremes of the region's limits over blocks of 1, 2, 4, ... rows, about two entries a row.
+// A min-max pyramid: the extremes of the region's limits over blocks of 1, 2, 4, ... rows, about two entries a row.
 // Answers about more than one row may be cautious; answers about one row are exact.
 class RegionIndex {
  public:

@@ -1,0 +1,38 @@
+// What a report, edited or not, decides about pages.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/batch/input_list.h"
+
+namespace vorlane::batch {
+
+struct ReportPoint {
+  double x = 0;
+  double y = 0;
+};
+
+struct Decision {
+  bool isApplied = false;  // else the page is left as it is
+  double angle = 0;        // degrees, clockwise as seen
+  std::optional<std::array<ReportPoint, 4>> corners;  // none: the whole page
+  std::string confidence;                             // as the report has it
+};
+
+struct Decisions {
+  std::vector<InputFile> files;  // in the report's order, with the pages that it names
+  std::map<std::string, std::map<int32_t, Decision>> pages;  // by file and number
+};
+
+// Reads the JSON lines of a report or journal: file, page, angle, corners, "decision": "apply" or
+// "leave", and the state of the input where it is told. Without a decision, a sure or likely finding
+// is applied and everything else left. Of several lines about a page the last counts. Throws
+// UsageError, with the line's number, for what cannot be read or applied.
+Decisions ReadDecisions(const std::string& path);
+
+}  // namespace vorlane::batch

@@ -1,0 +1,338 @@
+"""What a run over many files promises its operator: batch_test.py VORLANE [unittest options]."""
+
+import fcntl
+import json
+import os
+import random
+import resource
+import shutil
+import signal
+import stat
+import subprocess
+import sys
+import tempfile
+import time
+import unittest
+
+from pages import HEIGHT, WIDTH, dark, page, tiff_sizes, write_pgm, write_tiff
+
+VORLANE = os.path.abspath(sys.argv[1])
+
+
+def tree(folder):
+    """The bytes of all files below a folder, by their names."""
+    found = {}
+    for root, _, names in os.walk(folder):
+        for name in names:
+            path = os.path.join(root, name)
+            with open(path, "rb") as file:
+                found[os.path.relpath(path, folder)] = file.read()
+    return found
+
+
+def lines(path):
+    with open(path, encoding="utf-8") as file:
+        return sorted(file.read().splitlines())
+
+
+class BatchTest(unittest.TestCase):
+    def setUp(self):
+        self.folder = tempfile.mkdtemp(prefix="vorlane-batch-")
+        os.chdir(self.folder)
+        self.addCleanup(shutil.rmtree, self.folder)
+        self.addCleanup(os.chdir, "/")
+
+    def start(self, *words, **options):
+        return subprocess.Popen([VORLANE, "straighten", *words], stdout=subprocess.PIPE,
+                                stderr=subprocess.PIPE, **options)
+
+    def run_command(self, *words, **options):
+        return subprocess.run([VORLANE, *words], stdout=subprocess.PIPE, stderr=subprocess.PIPE,
+                              timeout=120, check=False, **options)
+
+    def straighten(self, *words, exit=0, **options):
+        done = self.run_command("straighten", *words, **options)
+        self.assertEqual(done.returncode, exit, done.stderr.decode())
+        return done
+
+    def report(self, *words, **options):
+        """The report's objects; every output that one names is there."""
+        out = self.straighten(*words, "--json", **options).stdout
+        objects = [json.loads(line) for line in out.splitlines()]
+        for found in objects:
+            for key in ("output", "overlay"):
+                if key in found:
+                    self.assertTrue(os.path.isfile(found[key]), found)
+            found.pop("milliseconds", None)
+        return objects
+
+    def wait_for(self, path, run):
+        while not os.path.exists(path):
+            self.assertIsNone(run.poll(), run.stderr)
+            time.sleep(0.001)
+
+    def scans(self, count, folder="in"):
+        for i in range(count):
+            os.makedirs(f"{folder}/box{i % 3}", exist_ok=True)
+            write_pgm(f"{folder}/box{i % 3}/p{i}.pgm", page(i % 9 - 4.3))
+        pages = [page(k - 3.3) for k in range(6)]
+        write_tiff(f"{folder}/book.tif", pages[:3] + [dark()] + pages[3:])
+
+    def mixed(self):
+        """One of every fate: bad and doubtful pages, alone and among good ones."""
+        self.scans(4)
+        write_pgm("in/dark.pgm", dark())
+        write_tiff("in/all-dark.tif", [dark(), dark()])
+        write_tiff("in/bad-third.tif", [page(2), page(-2), page(1), page(3)], bad=(3,))
+        with open("in/no-picture.png", "wb") as file:
+            file.write(b"not a picture")
+        os.mkfifo("in/pipe.tif")
+
+
+class ResumeTest(BatchTest):
+    def test_killed_at_any_moment_it_ends_as_if_it_had_not_been(self):
+        self.scans(150)
+        with open("in/none.png", "wb") as file:
+            file.write(b"not a picture")
+        self.straighten("in", "-o", "out/", "--journal", "whole.jsonl", "-j2", exit=3)
+        whole = tree("out")
+        chance = random.Random(1)
+        kills = 0
+        while kills < 60:
+            shutil.rmtree("out")
+            if os.path.exists("killed.jsonl"):
+                os.remove("killed.jsonl")
+            code = -signal.SIGKILL
+            while code == -signal.SIGKILL:
+                run = self.start("in", "-o", "out/", "--journal", "killed.jsonl", "--resume", "-j2")
+                time.sleep(chance.uniform(0.002, 0.06))
+                run.kill()
+                _, errors = run.communicate()
+                code = run.returncode
+                kills += code == -signal.SIGKILL
+            self.assertEqual(code, 3, errors.decode())
+            self.assertEqual(lines("killed.jsonl"), lines("whole.jsonl"))
+            self.assertEqual(tree("out"), whole)
+
+    def test_does_again_what_is_no_longer_borne_out(self):
+        self.scans(6)
+        request = ("in", "-o", "out/", "--journal", "j.jsonl")
+        self.report(*request)
+        whole, said = tree("out"), lines("j.jsonl")
+        self.assertEqual(self.report(*request, "--resume"), [])
+
+        os.remove("out/box0/p0.pgm")
+        with open("j.jsonl", "ab") as file:
+            file.write(b'{"command":"straighten","fi')
+        os.utime("in/box1/p1.pgm", ns=(1, 1))
+        again = [found["file"] for found in self.report(*request, "--resume")]
+        self.assertEqual(again, ["in/box0/p0.pgm", "in/box1/p1.pgm"])
+        self.assertEqual(tree("out"), whole)
+        self.assertEqual(len(lines("j.jsonl")), len(said))
+
+        with open("out/book.tif", "ab") as file:
+            file.write(b"edited")
+        errors = self.report(*request, "--resume", exit=3)
+        self.assertEqual({found["result"] for found in errors}, {"error"})
+        self.assertEqual(tree("out")["book.tif"], whole["book.tif"] + b"edited")
+        os.remove("out/book.tif")
+        self.assertEqual(len(self.report(*request, "--resume", "--interpolation", "nearest")), 13)
+        self.straighten(*request, exit=2)  # a journal is not begun anew
+
+    def test_finishes_pages_in_work_when_it_is_asked_to_stop(self):
+        self.scans(400)
+        for asked, code in ((signal.SIGINT, 130), (signal.SIGTERM, 143)):
+            run = self.start("in", "-o", "out/", "--journal", "j.jsonl", "--resume", "-j2")
+            self.wait_for("out/box0", run)
+            run.send_signal(asked)
+            out, errors = run.communicate(timeout=60)
+            self.assertEqual(run.returncode, code, errors)
+            self.assertIn(b"stopped", errors)
+            told = [json.loads(line) for line in lines("j.jsonl")]
+            self.assertEqual(sorted(os.path.relpath(found["output"], "out") for found in told),
+                             sorted(tree("out")))
+            shutil.rmtree("out")
+
+
+class TruthTest(BatchTest):
+    def test_every_output_in_a_report_is_there(self):
+        self.mixed()
+        for k, unsure in enumerate(("copy", "skip", "left/")):
+            found = self.report("in", "-o", f"out{k}/", "--overlay", f"seen{k}/",
+                                "--unsure", unsure, exit=3)
+            fates = {(os.path.basename(one["file"]), one.get("page", 0)): one for one in found}
+            named = {os.path.normpath(one["output"]) for one in found if "output" in one}
+            below = {os.path.join(f"out{k}", name) for name in tree(f"out{k}")}
+            left = {os.path.join("left", name) for name in tree("left")} if k == 2 else set()
+            self.assertEqual(below | left, named | (left - named))
+            self.assertEqual(fates["bad-third.tif", 3]["result"], "error")
+            self.assertEqual(fates["bad-third.tif", 4]["result"], "straightened")
+            self.assertEqual(len(tiff_sizes(f"out{k}/bad-third.tif")), 3)
+            self.assertEqual(tiff_sizes(f"out{k}/book.tif")[3], (WIDTH, HEIGHT))
+            self.assertEqual(fates["no-picture.png", 0]["result"], "error")
+            if unsure != "skip":
+                where = "out0" if k == 0 else "left"
+                self.assertEqual(tree(where)["all-dark.tif"], tree("in/")["all-dark.tif"])
+                self.assertEqual(tree(where)["dark.pgm"], tree("in/")["dark.pgm"])
+        self.assertIn("book.tif", tree("left"))  # a page of it wants to be looked at
+
+    def test_threads_change_nothing(self):
+        self.mixed()
+        one = self.report("in", "-o", "out/", "--overlay", "seen/", "-j1", exit=3)
+        first, seen = tree("out"), tree("seen")
+        for jobs, memory in (("2", "1G"), ("5", "1K")):
+            shutil.rmtree("out")
+            shutil.rmtree("seen")
+            self.assertEqual(self.report("in", "-o", "out/", "--overlay", "seen/", "-j", jobs,
+                                         "--memory", memory, exit=3), one)
+            self.assertEqual(tree("out"), first)
+            self.assertEqual(tree("seen"), seen)
+
+    def test_shards_are_the_whole(self):
+        self.scans(40)
+        self.straighten("in", "-o", "whole/", "--journal", "whole.jsonl")
+        for k in (1, 2, 3):
+            self.straighten("in", "-o", "parts/", "--shard", f"{k}/3", "--journal", f"{k}.jsonl")
+            self.assertGreater(len(lines(f"{k}.jsonl")), 3)
+        self.assertEqual(tree("parts"), tree("whole"))
+        merged = self.run_command("merge", "1.jsonl", "2.jsonl", "3.jsonl", "-o", "all.jsonl")
+        self.assertEqual(merged.returncode, 0, merged.stderr)
+        self.assertEqual([line.replace('"parts/', '"whole/') for line in lines("all.jsonl")],
+                         lines("whole.jsonl"))
+        self.assertIn(b"47 pages: ", merged.stdout)
+
+    def test_closed_descriptors_get_no_file(self):
+        write_tiff("two.tif", [page(3), page(-2)])
+        self.straighten("two.tif", "-o", "good.tif")
+        for closed, code in ((0, 0), (1, 3), (2, 0)):
+            def close(handle=closed):
+                os.close(handle)
+            done = subprocess.run([VORLANE, "straighten", "two.tif", "-o", f"{closed}.tif"],
+                                  preexec_fn=close, check=False, timeout=60)
+            self.assertEqual(done.returncode, code)
+            self.assertEqual(tree(".")[f"{closed}.tif"], tree(".")["good.tif"])
+
+    def test_a_closed_pipe_ends_the_run(self):
+        self.scans(300)
+        reading, writing = os.pipe()
+        os.close(reading)
+        done = subprocess.run([VORLANE, "straighten", "in", "-o", "out/"], stdout=writing,
+                              stderr=subprocess.PIPE, check=False, timeout=60)
+        os.close(writing)
+        self.assertEqual(done.returncode, 3)
+        self.assertLess(len(tree("out")), 50)
+
+    def test_names_cannot_act(self):
+        os.mkdir("in")
+        name = b"in/a\n\x1b[31m\xff.pgm"
+        write_pgm(name, page(2))
+        out = self.straighten("in", "-o", "out/").stdout
+        self.assertTrue(out.startswith(rb"in/a\n\x1b[31m\xff.pgm: "), out)
+        self.assertEqual(out.count(b"\n"), 1)
+        out = self.straighten("in", "-o", "out/", "--overwrite", "--json").stdout
+        self.assertTrue(out.isascii())
+        self.assertEqual(bytes.fromhex(json.loads(out)["fileHex"]), name)
+
+
+class DiskTest(BatchTest):
+    def mount(self, options):
+        os.mkdir("disk")
+        words = ["mount", "-t", "tmpfs", "-o", options, "tmpfs", "disk"]
+        if subprocess.run(words, check=False, stderr=subprocess.DEVNULL).returncode != 0:
+            self.skipTest("needs the right to mount")
+        self.addCleanup(subprocess.run, ["umount", os.path.abspath("disk")], check=False)
+
+    def test_a_full_disk_is_told_and_leaves_no_half_file(self):
+        self.scans(30)
+        self.straighten("in", "-o", "whole/")
+        whole = tree("whole")
+        self.mount("size=512k")
+        found = self.report("in", "-o", "disk/", exit=3)
+        self.assertEqual({one["result"] for one in found} & {"error"}, {"error"})
+        made = tree("disk")
+        self.assertEqual({one["output"][5:] for one in found if "output" in one}, set(made))
+        self.assertGreater(len(made), 2)
+        for name, data in made.items():
+            self.assertEqual(data, whole[name])
+
+    def test_no_file_grows_past_the_limit(self):
+        write_tiff("book.tif", [page(k) for k in (1, 2, 3)])
+        limit = (100_000, 100_000)
+        found = self.report("book.tif", "-o", "out.tif", exit=3, preexec_fn=lambda:
+                            resource.setrlimit(resource.RLIMIT_FSIZE, limit))
+        self.assertEqual([one["result"] for one in found], ["error"] * 3)
+        self.assertEqual(set(tree(".")), {"book.tif"})
+
+    def test_a_folder_that_cannot_be_written_is_refused(self):
+        self.scans(2)
+        self.mount("ro")
+        self.assertIn(b"disk", self.straighten("in", "-o", "disk/", exit=2).stderr)
+
+    def test_a_file_that_appears_is_left_alone(self):
+        self.scans(200)
+        run = self.start("in", "-o", "out/", "-j1")
+        self.wait_for("out/box0/p0.pgm", run)
+        os.makedirs("out/box2", exist_ok=True)
+        with open("out/box2/p98.pgm", "xb") as file:
+            file.write(b"mine")
+        _, errors = run.communicate(timeout=60)
+        self.assertEqual(run.returncode, 3)
+        self.assertIn(b"out/box2/p98.pgm: has appeared meanwhile", errors)
+        self.assertEqual(tree("out")["box2/p98.pgm"], b"mine")
+
+    def test_a_replaced_file_keeps_its_rights(self):
+        write_pgm("a.pgm", page(2))
+        for name, rights in (("out.pgm", 0o600), ("dark-out.pgm", 0o640)):
+            with open(name, "wb"):
+                os.chmod(name, rights)
+        write_pgm("dark.pgm", dark())
+        self.straighten("a.pgm", "-o", "out.pgm", "--overwrite")
+        self.straighten("dark.pgm", "-o", "dark-out.pgm", "--overwrite")
+        self.assertEqual(stat.S_IMODE(os.stat("out.pgm").st_mode), 0o600)
+        self.assertEqual(stat.S_IMODE(os.stat("dark-out.pgm").st_mode), 0o640)
+        self.assertEqual(tree(".")["dark-out.pgm"], tree(".")["dark.pgm"])
+
+    def test_a_folder_takes_one_run(self):
+        self.scans(2)
+        os.mkdir("out")
+        handle = os.open("out", os.O_RDONLY)
+        fcntl.flock(handle, fcntl.LOCK_SH)
+        self.assertIn(b"another run", self.straighten("in", "-o", "out/", exit=2).stderr)
+        self.straighten("in/box0/p0.pgm", "-o", "out/")  # one file has but itself to mix with
+        os.close(handle)
+
+
+class NamesTest(BatchTest):
+    def test_patterns_lists_and_streams(self):
+        self.scans(3)
+        write_tiff("ten.tif", [page(k / 2) for k in range(10)])
+        self.straighten("ten.tif", "in/book.tif", "-o", "out/{dir}/{name}-{page}-{page:04}.pgm")
+        self.assertIn("ten-01-0001.pgm", tree("out"))
+        self.assertIn("in/book-4-0004.pgm", tree("out"))
+        self.assertIn(b"{pge}", self.straighten("ten.tif", "-o", "{pge}.pgm", exit=2).stderr)
+
+        os.mkdir("other")
+        shutil.copy("in/box0/p0.pgm", "other/p0.pgm")
+        names = b"in/box0/p0.pgm\0other/p0.pgm\0in/box1/p1.pgm"
+        self.straighten("--files-from", "-", "-0", "-o", "listed/", input=names)
+        self.assertEqual(set(tree("listed")), {"in/box0/p0.pgm", "other/p0.pgm", "p1.pgm"})
+
+        with open("ten.tif", "rb") as file:
+            passed = self.straighten("-", "-o", "-", stdin=file).stdout
+        self.straighten("ten.tif", "-o", "ten-out.tif")
+        self.assertEqual(passed, tree(".")["ten-out.tif"])
+
+        os.mkfifo("pipe.tif")
+        self.assertIn(b"pipe.tif", self.straighten("pipe.tif", "-o", "out/", exit=3).stderr)
+        self.straighten("in", "-o", "big/", "--max-pixels", "1000", exit=3)
+        self.assertEqual(tree("big"), {})
+
+    def test_exit_codes(self):
+        write_pgm("dark.pgm", dark())
+        self.straighten("dark.pgm", "-o", "copy.pgm")
+        self.straighten("dark.pgm", "-o", "strict.pgm", "--strict", exit=1)
+        self.assertIn(b"straighten", self.run_command("straihgten", "dark.pgm").stderr)
+
+
+if __name__ == "__main__":
+    unittest.main(argv=sys.argv[:1] + sys.argv[2:])
