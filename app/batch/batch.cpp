@@ -22,8 +22,8 @@
 namespace vorlane::batch {
 namespace {
 
-// Inputs that are opened beyond the first that is not yet reported: enough that a file of many pages
-// does not hold up the others, few enough that what waits to be printed stays small.
+// Inputs that are opened beyond the first that is not yet reported: enough that a file of many
+// pages does not hold up the others, few enough that what waits to be printed stays small.
 constexpr size_t kWindow = 4096;
 
 void Say(const std::string& words) {

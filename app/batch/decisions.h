@@ -18,8 +18,8 @@ struct ReportPoint {
 };
 
 struct Decision {
-  bool isApplied = false;  // else the page is left as it is
-  double angle = 0;        // degrees, clockwise as seen
+  bool isApplied = false;                             // else the page is left as it is
+  double angle = 0;                                   // degrees, clockwise as seen
   std::optional<std::array<ReportPoint, 4>> corners;  // none: the whole page
   std::string confidence;                             // as the report has it
 };
@@ -30,9 +30,9 @@ struct Decisions {
 };
 
 // Reads the JSON lines of a report or journal: file, page, angle, corners, "decision": "apply" or
-// "leave", and the state of the input where it is told. Without a decision, a sure or likely finding
-// is applied and everything else left. Of several lines about a page the last counts. Throws
-// UsageError, with the line's number, for what cannot be read or applied.
+// "leave", and the state of the input where it is told. Without a decision, a sure or likely
+// finding is applied and everything else left. Of several lines about a page the last counts.
+// Throws UsageError, with the line's number, for what cannot be read or applied.
 Decisions ReadDecisions(const std::string& path);
 
 }  // namespace vorlane::batch

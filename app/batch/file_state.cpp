@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstdio>
+
 #include <sys/stat.h>
 
 namespace vorlane::batch {

@@ -2,8 +2,9 @@
 
 #include <cerrno>
 #include <fcntl.h>
-#include <sys/file.h>
 #include <unistd.h>
+
+#include <sys/file.h>
 
 #include "app/files/page.h"
 

@@ -129,7 +129,8 @@ bool InputWork::IsWholeBornOut() {
 bool InputWork::IsBornOut(const JournalEntry& entry) {
   if (entry.result == "error" || entry.count != count_ || entry.input != state_) return false;
   const BatchRequest& request = run_->request;
-  if (entry.facts.options != request.options || entry.facts.version != request.version) return false;
+  if (entry.facts.options != request.options || entry.facts.version != request.version)
+    return false;
   std::error_code code;
   if (!overlay_.names.empty() && entry.overlay != overlay_.Of(entry.number)) return false;
   if (!entry.overlay.empty() && !fs::exists(entry.overlay, code)) return false;
@@ -139,8 +140,8 @@ bool InputWork::IsBornOut(const JournalEntry& entry) {
   return isAsNamed && HasDigest(entry.output, entry.facts.sha256);
 }
 
-// Whether a page's file has the bytes that it was written with. Of a file that pages share, they are
-// looked at once.
+// Whether a page's file has the bytes that it was written with. Of a file that pages share, they
+// are looked at once.
 bool InputWork::HasDigest(const std::string& path, const std::string& sha256) {
   if (path != lastDigestOf_) {
     lastDigestOf_ = path;
@@ -289,8 +290,8 @@ void InputWork::WriteAlone(const files::Page& page, const PageOutcome& outcome,
   record->isUnchanged = isLeft;
 }
 
-// Where a page that is left as it is goes. The file of a single page, or of pages that share one, is
-// copied as it is and keeps its extension where the output's asks for another format.
+// Where a page that is left as it is goes. The file of a single page, or of pages that share one,
+// is copied as it is and keeps its extension where the output's asks for another format.
 std::string InputWork::CopyName(int32_t number) const {
   std::string name = output_.Of(number);
   const bool isWhole = count_ == 1 || output_.isShared;

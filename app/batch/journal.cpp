@@ -6,10 +6,10 @@
 #include <cstring>
 #include <fcntl.h>
 #include <functional>
-#include <sys/file.h>
 #include <unistd.h>
 #include <utility>
 
+#include <sys/file.h>
 
 namespace vorlane::batch {
 namespace {
@@ -134,8 +134,9 @@ Journal::Journal(std::string path, bool resumes) : path_(std::move(path)) {
     }
     wasThere_ = ::lseek(handle_, 0, SEEK_END) > 0;
     if (wasThere_ && !resumes) {
-      throw files::UsageError(shown + ": this journal has lines already; go on with --resume, or "
-                                      "name another");
+      throw files::UsageError(shown +
+                              ": this journal has lines already; go on with --resume, or "
+                              "name another");
     }
     if (wasThere_) Load();
   } catch (...) {

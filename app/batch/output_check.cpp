@@ -3,8 +3,9 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <sys/stat.h>
 #include <unistd.h>
+
+#include <sys/stat.h>
 
 #include "app/files/file_formats.h"
 #include "app/files/page.h"
@@ -33,9 +34,8 @@ void OutputCheck::Add(const std::string& input, const std::string& path) {
   const auto [taken, isNew] = takenBy_.emplace(fs::path(path).lexically_normal().native(), input);
   if (!isNew) {
     const std::string& other = taken->second;
-    const std::string both = other == input
-                                 ? "more than one picture of " + other
-                                 : "both " + other + " and " + input;
+    const std::string both =
+        other == input ? "more than one picture of " + other : "both " + other + " and " + input;
     throw files::UsageError(shown + ": would hold " + both +
                             "; name a folder, or put {name}, {dir} or {page} into the output");
   }
@@ -52,8 +52,8 @@ void OutputCheck::RefuseFolder(const std::string& path) {
     throw files::UsageError(path + ": " + there.native() + " is no folder");
   }
   if (::access(there.c_str(), W_OK | X_OK) != 0) {
-    throw files::UsageError(path + ": nothing can be written to " +
-                            there.native() + ": " + std::strerror(errno));
+    throw files::UsageError(path + ": nothing can be written to " + there.native() + ": " +
+                            std::strerror(errno));
   }
 }
 

@@ -44,8 +44,8 @@ class OutputCheck {
   Overwriting overwriting_;
   bool mayStand_;
   bool areIdsKnown_ = false;
-  std::set<FileId> ids_;                     // of the inputs, once one is asked for
-  std::unordered_set<std::string> folders_;  // known to be good
+  std::set<FileId> ids_;                                  // of the inputs, once one is asked for
+  std::unordered_set<std::string> folders_;               // known to be good
   std::unordered_map<std::string, std::string> takenBy_;  // file to input
 };
 

@@ -65,7 +65,10 @@ void OutputNames::Parse() {
     const std::string name =
         close == std::string::npos ? "" : text_.substr(open + 1, close - open - 1);
     if (name == "name" || name == "ext" || name == "dir") {
-      parts_.push_back({name == "name" ? Part::kName : name == "ext" ? Part::kExt : Part::kDir, ""});
+      parts_.push_back({name == "name"  ? Part::kName
+                        : name == "ext" ? Part::kExt
+                                        : Part::kDir,
+                        ""});
     } else if (name == "page" || DigitsOf(name) > 0) {
       parts_.push_back({Part::kPage, "", DigitsOf(name)});
     } else {

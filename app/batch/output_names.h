@@ -49,8 +49,8 @@ class OutputNames {
  private:
   struct Part {
     enum Kind { kText, kName, kExt, kDir, kPage } kind = kText;
-    std::string text;    // kText
-    size_t digits = 0;   // kPage: at least
+    std::string text;   // kText
+    size_t digits = 0;  // kPage: at least
   };
 
   void Parse();

@@ -76,8 +76,6 @@ class Loop {
 
 }  // namespace
 
-int ForEachPage(const BatchRequest& request, const PageRun& run) {
-  return Loop(request, run).Do();
-}
+int ForEachPage(const BatchRequest& request, const PageRun& run) { return Loop(request, run).Do(); }
 
 }  // namespace vorlane::batch

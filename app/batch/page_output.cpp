@@ -77,8 +77,8 @@ void WritePicture(const std::string& path, const files::PixPtr& pix, files::Repl
             replacing);
 }
 
-void WriteOverlay(const std::string& path, const files::Page& page,
-                  const PageOutcome& outcome, files::Replacing replacing, PageRecord* record) {
+void WriteOverlay(const std::string& path, const files::Page& page, const PageOutcome& outcome,
+                  files::Replacing replacing, PageRecord* record) {
   if (!outcome.draw) return;
   try {
     WritePicture(path, outcome.draw(page), replacing);

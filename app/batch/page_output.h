@@ -31,7 +31,7 @@ void CopyFile(const std::string& from, const std::string& to, files::Replacing r
 void WritePicture(const std::string& path, const files::PixPtr& pix, files::Replacing replacing);
 
 // Draws the page's overlay and names it in the record; a failure is noted there and does no harm.
-void WriteOverlay(const std::string& path, const files::Page& page,
-                  const PageOutcome& outcome, files::Replacing replacing, PageRecord* record);
+void WriteOverlay(const std::string& path, const files::Page& page, const PageOutcome& outcome,
+                  files::Replacing replacing, PageRecord* record);
 
 }  // namespace vorlane::batch

@@ -24,15 +24,17 @@ std::string HoursOf(double seconds) {
   const auto whole = static_cast<int64_t>(seconds);
   std::array<char, 32> text{};
   (void)std::snprintf(text.data(), text.size(), "%lld:%02lld:%02lld",
-                      static_cast<long long>(whole / 3600),
-                      static_cast<long long>(whole / 60 % 60), static_cast<long long>(whole % 60));
+                      static_cast<long long>(whole / 3600), static_cast<long long>(whole / 60 % 60),
+                      static_cast<long long>(whole % 60));
   return text.data();
 }
 
 }  // namespace
 
 Reporter::Reporter(const ReportRequest& request, size_t total)
-    : request_(request), total_(total), hasProgress_(!request.isQuiet && IsTerminal(STDERR_FILENO)) {}
+    : request_(request),
+      total_(total),
+      hasProgress_(!request.isQuiet && IsTerminal(STDERR_FILENO)) {}
 
 void Reporter::Expect(size_t input, int32_t pages) {
   const std::lock_guard lock(mutex_);
@@ -80,7 +82,8 @@ Reporter::Line Reporter::LineOf(const PageRecord& record) const {
     line.out = TextLine(record) + "\n";
   }
   if (request_.isVerbose) {
-    for (const std::string& message : record.messages) line.error += "  " + Printable(message) + "\n";
+    for (const std::string& message : record.messages)
+      line.error += "  " + Printable(message) + "\n";
   }
   return line;
 }
@@ -137,7 +140,8 @@ std::string Reporter::ProgressText() const {
   const double share = static_cast<double>(finished_) / static_cast<double>(total_);
   std::array<char, 96> text{};
   (void)std::snprintf(text.data(), text.size(), "%zu of %zu files, %.1f pages a second, ",
-                      finished_, total_, static_cast<double>(tally_.pages) / std::max(seconds, 0.1));
+                      finished_, total_,
+                      static_cast<double>(tally_.pages) / std::max(seconds, 0.1));
   std::string line = text.data();
   if (finished_ > 0) line += HoursOf(seconds * (1 - share) / share) + " left, ";
   return line + TallyLine(tally_);

@@ -18,8 +18,8 @@ namespace vorlane::batch {
 
 struct ReportRequest {
   bool json = false;
-  bool isQuiet = false;    // errors, and JSON when it is asked for
-  bool isVerbose = false;  // also what decoders remark and what is passed over
+  bool isQuiet = false;        // errors, and JSON when it is asked for
+  bool isVerbose = false;      // also what decoders remark and what is passed over
   bool onErrorOutput = false;  // lines go there: the standard output carries a picture
 };
 

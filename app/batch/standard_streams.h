@@ -6,8 +6,8 @@
 namespace vorlane::batch {
 
 // Takes the descriptors 0, 1 and 2 where they are closed, so that no file that is opened later gets
-// one of them and what is printed goes into it. What is then written to them fails as it would have.
-// Before anything is opened.
+// one of them and what is printed goes into it. What is then written to them fails as it would
+// have. Before anything is opened.
 void SecureStandardStreams();
 
 // A folder of its own for what passes through, removed with its scope.

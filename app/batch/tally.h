@@ -18,8 +18,9 @@ struct Tally {
   int64_t failed = 0;  // nothing found
   int64_t errors = 0;  // could not be read or written
   int64_t noOverlay = 0;
-  int64_t doneBefore = 0;          // by the run that this one resumes
-  std::vector<std::string> names;  // of pages left, failed or in error: the first ones of the report
+  int64_t doneBefore = 0;  // by the run that this one resumes
+  std::vector<std::string>
+      names;  // of pages left, failed or in error: the first ones of the report
 
   int64_t unnamed() const { return left + failed + errors - static_cast<int64_t>(names.size()); }
 };

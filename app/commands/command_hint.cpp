@@ -19,9 +19,9 @@ size_t Slips(const std::string& a, const std::string& b) {
         continue;
       }
       const size_t other = a[i - 1] == b[j - 1] ? 0 : 1;
-      size_t best = std::min({slips[i - 1][j] + 1, slips[i][j - 1] + 1, slips[i - 1][j - 1] + other});
-      const bool isSwapped =
-          i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1];
+      size_t best =
+          std::min({slips[i - 1][j] + 1, slips[i][j - 1] + 1, slips[i - 1][j - 1] + other});
+      const bool isSwapped = i > 1 && j > 1 && a[i - 1] == b[j - 2] && a[i - 2] == b[j - 1];
       if (isSwapped) best = std::min(best, slips[i - 2][j - 2] + 1);
       slips[i][j] = best;
     }

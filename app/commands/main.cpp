@@ -46,9 +46,12 @@ int RunCommandLine(int argc, char** argv) {
   app.require_subcommand(1);
   app.footer(
       "vorlane COMMAND --help tells the rest.\n"
-      "Exit code: 0 all pages are done, or left as they are where they are unsure; 1 a page was left\n"
-      "and --strict asks for none, or a measurement found nothing; 2 the request cannot be carried\n"
-      "out, and nothing was written; 3 some file or page could not be read or written; 130 and 143\n"
+      "Exit code: 0 all pages are done, or left as they are where they are unsure; 1 a page was "
+      "left\n"
+      "and --strict asks for none, or a measurement found nothing; 2 the request cannot be "
+      "carried\n"
+      "out, and nothing was written; 3 some file or page could not be read or written; 130 and "
+      "143\n"
       "the run was stopped.");
   const std::vector<commands::CommandRun> runs = {
       commands::AddStraighten(&app), commands::AddDetect(&app),   commands::AddCrop(&app),

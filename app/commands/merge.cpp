@@ -21,8 +21,7 @@ struct MergeOptions {
 
 void Write(const MergeOptions& options, const std::string& text) {
   if (options.output.empty()) return;
-  const auto replacing =
-      options.mayReplace ? files::Replacing::kAllowed : files::Replacing::kNever;
+  const auto replacing = options.mayReplace ? files::Replacing::kAllowed : files::Replacing::kNever;
   files::PendingFile file(options.output, replacing, files::Durability::kSynced);
   file.Append({reinterpret_cast<const uint8_t*>(text.data()), text.size()});
   file.Commit();
@@ -33,10 +32,10 @@ void PrintTotals(const MergeOptions& options, const batch::Tally& tally) {
     std::printf("%s", batch::Summary(tally).c_str());
     return;
   }
-  const nlohmann::ordered_json totals = {
-      {"command", "merge"},       {"pages", tally.pages},   {"sure", tally.sure},
-      {"likely", tally.likely},   {"done", tally.other},    {"left", tally.left},
-      {"failed", tally.failed},   {"errors", tally.errors}};
+  const nlohmann::ordered_json totals = {{"command", "merge"},     {"pages", tally.pages},
+                                         {"sure", tally.sure},     {"likely", tally.likely},
+                                         {"done", tally.other},    {"left", tally.left},
+                                         {"failed", tally.failed}, {"errors", tally.errors}};
   std::printf("%s\n", batch::Dump(totals).c_str());
 }
 

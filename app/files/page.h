@@ -27,8 +27,8 @@ struct Page {
   int32_t Dpi() const { return static_cast<int32_t>(metadata.resolution.x + 0.5); }
 };
 
-// Called with a page's size before anything of it is decoded, at least once; may wait until there is
-// memory for it.
+// Called with a page's size before anything of it is decoded, at least once; may wait until there
+// is memory for it.
 using SizeGate = std::function<void(uint64_t width, uint64_t height)>;
 
 // What a file may ask of us; a page beyond is refused before anything of it is decoded.

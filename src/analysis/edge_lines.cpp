@@ -152,7 +152,8 @@ int32_t BuildEdges(const frame::Settings& settings, const ImageRec& image,
   if (status != STATUS_OK) return status;
   if (areStraight) origin->source = EdgeSource::kWholeSides;
 
-  const EdgeRanges ranges = PickRanges(settings, extremes, origin->source, traces, &origin->arrangement);
+  const EdgeRanges ranges =
+      PickRanges(settings, extremes, origin->source, traces, &origin->arrangement);
   EdgeLine* const lines[] = {&edges->e1, &edges->e2, &edges->e3, &edges->e4};
   for (size_t i = 0; i < ranges.size(); ++i) {
     status = TakeSegments(traces, ranges[i], lines[i]);

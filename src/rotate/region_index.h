@@ -9,8 +9,9 @@
 
 namespace vorlanepic::rotate {
 
-// A min-max pyramid: the extremes of the region's limits over blocks of 1, 2, 4, ... rows, about two entries a row.
-// Answers about more than one row may be cautious; answers about one row are exact.
+// A min-max pyramid: the extremes of the region's limits over blocks of 1, 2, 4, ... rows, about
+// two entries a row. Answers about more than one row may be cautious; answers about one row are
+// exact.
 class RegionIndex {
  public:
   // Indexes rows top..bottom of `region` in a source of `width` columns; limits outside the source
