@@ -143,13 +143,13 @@ constexpr Size kSizes[] = {
 void RegisterPage(const Kind& kind) {
   const std::string name = std::string("page/") + kind.name + "/";
   Register(name + "plain_one_thread", 2000, 3000, kind, 2.0, RunPlain);
-  for (const rotate::InstructionSet set : rotate::kInstructionSets) {
-    if (!rotate::HasInstructionSet(set)) continue;
+  for (const frame::InstructionSet set : frame::kInstructionSets) {
+    if (!frame::HasInstructionSet(set)) continue;
     Register(name + kSetNames[static_cast<size_t>(set)], 2000, 3000, kind, 2.0,
              [set](benchmark::State& state, const Scan& scan) {
                rotate::SelectRotateKernels(set);
                RunRotateImage(state, scan);
-               rotate::SelectRotateKernels(rotate::BestInstructionSet());
+               rotate::SelectRotateKernels(frame::BestInstructionSet());
              });
   }
 }

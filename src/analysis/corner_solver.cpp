@@ -54,26 +54,17 @@ int32_t Length(frame::PixelPoint a, frame::PixelPoint b) {
   return frame::RoundToInt32(std::sqrt(static_cast<double>(squares)));
 }
 
-// The clockwise turn in radians, 0 up to 2 pi, that makes an edge at `degrees` upright or level,
-// whichever is nearer.
-double TurnOf(double degrees) {
-  if (degrees <= -45.0) return (270.0 - degrees) * frame::kRadiansPerDegree;
-  if (degrees <= 0.0) return -degrees * frame::kRadiansPerDegree;
-  if (degrees <= 45.0) return (360.0 - degrees) * frame::kRadiansPerDegree;
-  return (90.0 - degrees) * frame::kRadiansPerDegree;
-}
-
 // The steeper of two neighbouring edges gives the angle and is the upright document's height.
 void MeasureDocument(const DocumentEdges& edges, DocumentGeometry* geometry) {
   const DocumentCorners& corners = geometry->corners;
   const int32_t along2 = Length(corners.c12, corners.c23);
   const int32_t along1 = Length(corners.c12, corners.c14);
   if (std::abs(edges.e2.line.angle) > std::abs(edges.e1.line.angle)) {
-    geometry->angle = TurnOf(edges.e2.line.angle);
+    geometry->angle = TurnOfEdge(edges.e2.line.angle) * frame::kRadiansPerDegree;
     geometry->outHeight = along2;
     geometry->outWidth = along1;
   } else {
-    geometry->angle = TurnOf(edges.e1.line.angle);
+    geometry->angle = TurnOfEdge(edges.e1.line.angle) * frame::kRadiansPerDegree;
     geometry->outHeight = along1;
     geometry->outWidth = along2;
   }

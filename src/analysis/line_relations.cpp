@@ -38,6 +38,13 @@ double MeanAngle(double a, double b) {
 
 double OffPerpendicular(double a, double b) { return std::abs(std::abs(a - b) - kRightAngle); }
 
+double TurnOfEdge(double degrees) {
+  if (degrees <= -45.0) return 270.0 - degrees;
+  if (degrees <= 0.0) return -degrees;
+  if (degrees <= 45.0) return 360.0 - degrees;
+  return 90.0 - degrees;
+}
+
 void TakeDirection(BorderLine* line, const BorderLine& from) {
   line->slope = from.slope;
   line->angle = from.angle;

@@ -1,5 +1,6 @@
 #include "deskew/deskew_crop.h"
 
+#include "analysis/line_relations.h"
 #include "analysis/threshold.h"
 #include "deskew/border_tracing.h"
 #include "deskew/content_bounds.h"
@@ -27,7 +28,7 @@ int32_t VoteForTurn(const frame::Settings& settings, PageRecords* page) {
   const int32_t status =
       EstimateSkewFromBorders(settings, page->traces, page->votes, &page->bestBorder, &borderAngle);
   if (status != STATUS_OK) return status;
-  page->degrees = TurnOfBorder(borderAngle);
+  page->degrees = analysis::TurnOfEdge(borderAngle);
   page->stage = PageStage::kVote;
   return STATUS_OK;
 }
@@ -45,13 +46,6 @@ int32_t FindSourceContent(const frame::Settings& settings, const ImageRec& image
 }
 
 }  // namespace
-
-double TurnOfBorder(double borderAngle) {
-  if (borderAngle <= -45.0) return 270.0 - borderAngle;
-  if (borderAngle <= 0.0) return -borderAngle;
-  if (borderAngle <= 45.0) return 360.0 - borderAngle;
-  return 90.0 - borderAngle;
-}
 
 int32_t DeskewCropPipeline(const frame::Settings& settings, const ImageRec* images, size_t count,
                            const DeskewCropOptions& options, double* angleOut, ImageRec* outImages,

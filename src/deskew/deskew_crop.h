@@ -34,8 +34,4 @@ int32_t DeskewCropPipeline(const frame::Settings& settings, const ImageRec* imag
                            const DeskewCropOptions& options, double* angleOut, ImageRec* outImages,
                            PageRecords* page);
 
-// The turn, 0.0 up to 360.0 degrees, that makes a page upright whose border lies at `borderAngle`,
-// -90.0..90.0: the border becomes the nearest of level and plumb.
-double TurnOfBorder(double borderAngle);
-
 }  // namespace vorlanepic::deskew

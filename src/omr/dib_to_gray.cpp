@@ -7,6 +7,7 @@
 #include "frame/dib_header.h"
 #include "frame/large_pages.h"
 #include "frame/pixel_format.h"
+#include "frame/processor.h"
 
 namespace vorlanepic::omr {
 namespace {
@@ -47,7 +48,7 @@ using GreyRow = void (*)(const uint8_t* row, size_t width, uint8_t* grey);
 
 GreyRow BestGreyRow24() {
 #if defined(VORLANEPIC_X86)
-  if (__builtin_cpu_supports("ssse3") != 0) return GreyRow24Shuffled;
+  if (frame::HasByteShuffle()) return GreyRow24Shuffled;
 #endif
   return GreyRow24;
 }

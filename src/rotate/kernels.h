@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "frame/prefetch.h"
+#include "frame/processor.h"
 #include "rotate/pixel_rule.h"
 
 namespace vorlanepic::rotate {
@@ -58,17 +59,6 @@ struct KernelTable {
   RotateKernel kernels[kPixelKinds];
 };
 
-enum class InstructionSet : int32_t { kScalar, kSse2, kAvx2, kAvx512 };
-inline constexpr InstructionSet kInstructionSets[] = {
-    InstructionSet::kScalar, InstructionSet::kSse2, InstructionSet::kAvx2, InstructionSet::kAvx512};
-
-// Whether this machine has the instruction set and this library kernels for it.
-bool HasInstructionSet(InstructionSet set);
-
-// The last of kInstructionSets that this machine has; in builds with test hooks, the one that the
-// environment variable VORLANEPIC_INSTRUCTION_SET names (scalar, sse2, avx2, avx512).
-InstructionSet BestInstructionSet();
-
 // The kernel for a rotation with these steps: of the best instruction set, unless another was
 // selected, or of one before it when that one's is not made for such a turn.
 const RotateKernel& RotateKernelFor(PixelKind kind, const StepTables& steps);
@@ -79,7 +69,7 @@ int32_t RowsOfNeighbours(int32_t count, const StepTables& steps);
 
 // Makes rotations use the kernels of `set`, which the machine has, from the next call on. For
 // tests: calls that are under way must have ended.
-void SelectRotateKernels(InstructionSet set);
+void SelectRotateKernels(frame::InstructionSet set);
 
 extern const KernelTable kScalarKernels;
 extern const KernelTable kSse2Kernels;

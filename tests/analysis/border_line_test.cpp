@@ -1,5 +1,8 @@
 #include "analysis/border_line.h"
 
+#include <cmath>
+#include <utility>
+
 #include "analysis/border_drawing.h"
 #include "analysis/line_relations.h"
 
@@ -147,6 +150,14 @@ TEST(AngleRelations, TreatSteepAnglesOfBothSignsAsNeighbours) {
   EXPECT_EQ(MeanAngle(88.0, -88.0), -88.0);
   EXPECT_EQ(OffPerpendicular(-2.0, 89.0), 1.0);
   EXPECT_EQ(OffPerpendicular(10.0, 97.0), 3.0);
+}
+
+TEST(TurnOfEdge, MakesTheNearestOfLevelAndPlumb) {
+  const std::pair<double, double> cases[] = {{-45, 315}, {45, 315},     {-2, 2},     {2, 358},
+                                             {88, 2},    {-44.5, 44.5}, {45.5, 44.5}};
+  for (const auto& [border, turn] : cases) EXPECT_EQ(TurnOfEdge(border), turn) << border;
+  EXPECT_TRUE(std::signbit(TurnOfEdge(0.0)));
+  EXPECT_FALSE(std::signbit(TurnOfEdge(-0.0)));
 }
 
 TEST(MakePerpendicular, TurnsByARightAngle) {

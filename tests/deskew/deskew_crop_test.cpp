@@ -13,14 +13,6 @@ namespace vorlanepic::testing {
 using namespace deskew;
 namespace {
 
-TEST(TurnOfBorder, MakesTheNearestOfLevelAndPlumb) {
-  const std::pair<double, double> cases[] = {{-45, 315}, {45, 315},     {-2, 2},     {2, 358},
-                                             {88, 2},    {-44.5, 44.5}, {45.5, 44.5}};
-  for (const auto& [border, turn] : cases) EXPECT_EQ(TurnOfBorder(border), turn) << border;
-  EXPECT_TRUE(std::signbit(TurnOfBorder(0.0)));
-  EXPECT_FALSE(std::signbit(TurnOfBorder(-0.0)));
-}
-
 class DeskewCropPipelineTest : public DeskewTest {
  protected:
   DeskewCropPipelineTest() { AssignDeskewCropSettings(kParam, {}, &settings_); }

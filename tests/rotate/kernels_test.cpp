@@ -81,7 +81,8 @@ TEST_P(KernelsTest, BlendEveryPairOfBytesAtEveryTenth) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(InstructionSets, KernelsTest, ::testing::ValuesIn(kInstructionSets));
+INSTANTIATE_TEST_SUITE_P(InstructionSets, KernelsTest,
+                         ::testing::ValuesIn(frame::kInstructionSets));
 
 }  // namespace
 }  // namespace vorlanepic::testing

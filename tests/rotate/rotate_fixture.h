@@ -24,13 +24,13 @@ inline RowSpans RectangleRegion(int32_t left, int32_t right, int32_t top, int32_
 }
 
 // Runs once with each instruction set that this machine has.
-class InstructionSetTest : public ::testing::TestWithParam<InstructionSet> {
+class InstructionSetTest : public ::testing::TestWithParam<frame::InstructionSet> {
  protected:
   void SetUp() override {
-    if (!HasInstructionSet(GetParam())) GTEST_SKIP() << "not on this machine";
+    if (!frame::HasInstructionSet(GetParam())) GTEST_SKIP() << "not on this machine";
     SelectRotateKernels(GetParam());
   }
-  void TearDown() override { SelectRotateKernels(BestInstructionSet()); }
+  void TearDown() override { SelectRotateKernels(frame::BestInstructionSet()); }
 };
 
 }  // namespace vorlanepic::testing

@@ -156,7 +156,8 @@ TEST_P(TiledRotationTest, GivesThePlainBytesForPagesAtAllAngles) {
   }
 }
 
-INSTANTIATE_TEST_SUITE_P(InstructionSets, TiledRotationTest, ::testing::ValuesIn(kInstructionSets));
+INSTANTIATE_TEST_SUITE_P(InstructionSets, TiledRotationTest,
+                         ::testing::ValuesIn(frame::kInstructionSets));
 
 TEST(TiledRotation, LeavesOddJobsToThePlainWay) {
   TestImage source(40, 30, 8);
