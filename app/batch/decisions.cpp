@@ -61,7 +61,7 @@ Decision DecisionIn(const Json& object) {
   if (angle == object.end()) throw LineError{"there is no angle to apply"};
   decision.angle = NumberIn(*angle, -180, 180, "the angle");
   const auto corners = object.find("corners");
-  if (corners != object.end()) decision.corners = CornersIn(*corners);
+  if (corners != object.end() && !corners->is_null()) decision.corners = CornersIn(*corners);
   return decision;
 }
 

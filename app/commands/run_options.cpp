@@ -22,6 +22,22 @@ const CLI::AsSizeValue& AsBytes() {
   return kAsBytes;
 }
 
+std::string FileDigest(const std::string& path) { return batch::Sha256OfFile(path).sha256; }
+
+// Whether an option is one of those that say what becomes of a page.
+bool DecidesPages(const CLI::Option& option) {
+  return option.count() > 0 && option.get_group() != kInputGroup && option.get_group() != kRunGroup;
+}
+
+}  // namespace
+
+void AddBatchOptions(CLI::App* app, batch::BatchRequest* request) {
+  AddInputOptions(app, request);
+  AddOutputOptions(app, request);
+  AddRunOptions(app, request);
+  AddJournalOptions(app, request);
+}
+
 void AddOutputOptions(CLI::App* app, batch::BatchRequest* request) {
   app->add_option("-o,--output", request->output,
                   "File, folder, - for the standard output, or pattern with {name}, {ext}, {dir}, "
@@ -50,22 +66,6 @@ void AddJournalOptions(CLI::App* app, batch::BatchRequest* request) {
       ->group(kRunGroup);
   app->add_flag("--strict", request->isStrict, "A page that is left as it is makes the exit code 1")
       ->group(kRunGroup);
-}
-
-std::string FileDigest(const std::string& path) { return batch::Sha256OfFile(path).sha256; }
-
-// Whether an option is one of those that say what becomes of a page.
-bool DecidesPages(const CLI::Option& option) {
-  return option.count() > 0 && option.get_group() != kInputGroup && option.get_group() != kRunGroup;
-}
-
-}  // namespace
-
-void AddBatchOptions(CLI::App* app, batch::BatchRequest* request) {
-  AddInputOptions(app, request);
-  AddOutputOptions(app, request);
-  AddRunOptions(app, request);
-  AddJournalOptions(app, request);
 }
 
 void AddDoubtfulOption(CLI::App* app, TurnReport* report) {
@@ -141,7 +141,7 @@ void FinishRequest(const CLI::App& command, batch::BatchRequest* request) {
   request->command = command.get_name();
   request->version = VORLANE_VERSION;
   const batch::InputRequest& inputs = request->inputs;
-  if (inputs.words.empty() && inputs.filesFrom.empty()) {
+  if (inputs.words.empty() && inputs.filesFrom.empty() && inputs.listed.empty()) {
     throw files::UsageError("name an input, or a list of them with --files-from");
   }
   if (request->resumes && request->overwriting.inputs) {

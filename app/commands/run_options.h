@@ -20,6 +20,10 @@ using CommandRun = std::function<int()>;
 // What is read, where it goes and how the run goes on, for commands that write pages.
 void AddBatchOptions(CLI::App* app, batch::BatchRequest* request);
 
+// The parts of AddBatchOptions that name the outputs, and the journal.
+void AddOutputOptions(CLI::App* app, batch::BatchRequest* request);
+void AddJournalOptions(CLI::App* app, batch::BatchRequest* request);
+
 // --accept-doubtful.
 void AddDoubtfulOption(CLI::App* app, TurnReport* report);
 

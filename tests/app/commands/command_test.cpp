@@ -1,5 +1,6 @@
 // What each command does for its user: results, reports, exit codes, what it refuses to overwrite.
 #include <cmath>
+#include <filesystem>
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -112,6 +113,35 @@ TEST(DetectTest, TellsHowThePageLies) {
     EXPECT_NEAR(found["corners"][i][0].get<double>(), kTruth[i][0], 5) << i;
     EXPECT_NEAR(found["corners"][i][1].get<double>(), kTruth[i][1], 5) << i;
   }
+}
+
+// Decisions and edits of a report count, and an input that changed since is an error.
+TEST(ApplyTest, MakesThePagesOfAReport) {
+  const WorkFolder folder;
+  const TestImage page = SmallPage(8, 4);
+  folder.Write("a.png", {&page});
+  folder.Write("b.png", {&page});
+  folder.WriteText("found.jsonl", folder.Run("detect a.png b.png --json").out);
+  EXPECT_EQ(folder.Run("straighten a.png -o straight.png").exit, 0);
+  EXPECT_EQ(folder
+                .Shell("sed -i '2s/\"page\"/\"decision\":\"leave\",&/; "
+                       "3s/\"angle\":[-0-9.]*/\"angle\":0/' found.jsonl")
+                .exit,
+            0);
+  const CommandResult made = folder.Run("apply found.jsonl -o out/");
+  EXPECT_EQ(made.exit, 0) << made.err;
+  const auto straight = folder.Read("straight.png");
+  const auto applied = folder.Read("out/a.png");
+  EXPECT_NEAR(applied[0].image.rec()->width, straight[0].image.rec()->width, 1);
+  EXPECT_NEAR(applied[0].image.rec()->height, straight[0].image.rec()->height, 1);
+  EXPECT_TRUE(folder.Bytes("out/b.png") == folder.Bytes("b.png"));
+
+  std::filesystem::remove(folder.At("a.png"));
+  folder.Write("a.png", {&page, &page}, 300);
+  const CommandResult changed = folder.Run("apply found.jsonl -o again/");
+  EXPECT_EQ(changed.exit, 3);
+  EXPECT_THAT(changed.err, HasSubstr("a.png"));
+  EXPECT_FALSE(folder.Has("again/a.png"));
 }
 
 TEST(DetectTest, SaysWhyThereIsNoAnswer) {
