@@ -3,6 +3,8 @@
 
 #include <cstdint>
 
+#include "frame/arithmetic.h"
+
 namespace vorlanepic::frame {
 
 // A pixel position. A 1-bit walk may put its border point one run past the image: x up to the
@@ -22,10 +24,9 @@ struct PixelRect {
   int32_t top;
   int32_t bottom;
 
-  // Columns and rows covered. Signed sums: the sides of a rectangle that anybody asks for its size
-  // lie inside an image.
-  int32_t width() const { return right - left + 1; }
-  int32_t height() const { return bottom - top + 1; }
+  // Columns and rows covered; those of absurd rectangles wrap.
+  int32_t width() const { return WrapAdd(WrapSub(right, left), 1); }
+  int32_t height() const { return WrapAdd(WrapSub(bottom, top), 1); }
 
   bool operator==(const PixelRect&) const = default;
 };
