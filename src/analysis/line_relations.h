@@ -15,8 +15,8 @@ double MeanAngle(double a, double b);
 // How far two angles are from standing at a right angle, in degrees.
 double OffPerpendicular(double a, double b);
 
-// The clockwise turn, 0.0 up to 360.0 degrees, that makes an edge at `degrees`, -90.0..90.0, upright
-// or level, whichever is nearer.
+// The clockwise turn, 0.0 up to 360.0 degrees, that makes an edge at `degrees`, -90.0..90.0,
+// upright or level, whichever is nearer.
 double TurnOfEdge(double degrees);
 
 // Gives `line` the direction of `from`; where it lies stays.
