@@ -8,8 +8,10 @@ namespace vorlane::commands {
 namespace {
 
 CLI::Option* AddProfileOption(CLI::App* app, DeskewOptions* options) {
-  return app->add_option("--profile", options->profile,
-                         "Take method and settings from this profile instead of the options below");
+  return app
+      ->add_option("--profile", options->profile,
+                   "Take method and settings from this profile instead of the options below")
+      ->type_name("FILE");
 }
 
 template <typename Value>

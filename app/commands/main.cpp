@@ -3,6 +3,7 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
+#include <memory>
 #include <new>
 #include <string>
 #include <vector>
@@ -12,6 +13,7 @@
 #include "app/batch/standard_streams.h"
 #include "app/commands/command_hint.h"
 #include "app/commands/commands.h"
+#include "app/commands/help_format.h"
 #include "app/files/pix_owner.h"
 
 namespace {
@@ -44,8 +46,14 @@ int RunCommandLine(int argc, char** argv) {
   CLI::App app{"Straightens, crops and measures scanned pages.", "vorlane"};
   app.set_version_flag("--version", "vorlane " VORLANE_VERSION);
   app.require_subcommand(1);
+  app.formatter(std::make_shared<commands::HelpFormat>());  // the commands take it over
   app.footer(
-      "vorlane COMMAND --help tells the rest.\n"
+      "Examples:\n"
+      "  vorlane straighten scan.tif -o straight.tif --overlay found.png\n"
+      "  vorlane straighten box/ -o out/ --journal box.jsonl   # a folder; --resume goes on with "
+      "it\n"
+      "  vorlane detect scan.png                               # look, write nothing\n"
+      "vorlane COMMAND --help and man vorlane-COMMAND tell the rest.\n"
       "Exit code: 0 all pages are done, or left as they are where they are unsure; 1 a page was "
       "left\n"
       "and --strict asks for none, or a measurement found nothing; 2 the request cannot be "

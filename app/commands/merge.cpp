@@ -64,8 +64,10 @@ CommandRun AddMerge(CLI::App* app) {
   CLI::App* command =
       app->add_subcommand("merge", "Join the journals of a run's shards and sum them up");
   command->add_option("JOURNAL", options->journals, "Journals that --journal wrote")->required();
-  command->add_option("-o,--output", options->output,
-                      "Write all lines into this file, by file and page");
+  command
+      ->add_option("-o,--output", options->output,
+                   "Write all lines into this file, by file and page")
+      ->type_name("FILE");
   command->add_flag("--overwrite", options->mayReplace, "Replace that file when it exists");
   command->add_flag("--json", options->json, "The totals as a JSON object");
   command->footer(

@@ -44,10 +44,12 @@ void AddOutputOptions(CLI::App* app, batch::BatchRequest* request) {
                   "{page} and {page:04}. The extension chooses the format; a TIFF of several pages "
                   "stays one; folders are mirrored under a folder")
       ->required()
+      ->type_name("FILE")
       ->group(kInputGroup);
   app->add_option("--unsure", request->unsure,
                   "What is left as it is: copy it unchanged beside the others, skip it, or copy it "
-                  "into a folder that is named [copy]");
+                  "into a folder that is named [copy]")
+      ->type_name("copy|skip|FOLDER");
   app->add_option("--quality", request->jpegQuality,
                   "Quality of JPEG outputs [that of the input; 92 for others]")
       ->check(CLI::Range(1, 100));
@@ -58,6 +60,7 @@ void AddJournalOptions(CLI::App* app, batch::BatchRequest* request) {
       app->add_option("--journal", request->journal,
                       "Write a line of JSON for each page into this file once the page is on the "
                       "disk")
+          ->type_name("FILE")
           ->group(kRunGroup);
   app->add_flag("--resume", request->resumes,
                 "Go on with the journal: what it, the inputs and the options still bear out is not "
@@ -87,6 +90,7 @@ void AddInputOptions(CLI::App* app, batch::BatchRequest* request) {
   CLI::Option* list = app->add_option("--files-from", inputs->filesFrom,
                                       "Take the inputs' names from this file, one a line; - for "
                                       "the standard input")
+                          ->type_name("FILE")
                           ->group(kInputGroup);
   app->add_flag("-0,--null", inputs->isNulSeparated, "Names in the list end with a zero byte")
       ->needs(list)
@@ -114,6 +118,7 @@ void AddInputOptions(CLI::App* app, batch::BatchRequest* request) {
 void AddRunOptions(CLI::App* app, batch::BatchRequest* request) {
   app->add_option("--overlay", request->overlay,
                   "Draw what was found over the page: a .png file, folder or pattern")
+      ->type_name("FILE")
       ->group(kRunGroup);
   app->add_flag("--overwrite", request->overwriting.outputs, "Replace output files that exist")
       ->group(kRunGroup);

@@ -1,8 +1,8 @@
 #!/usr/bin/env python3
 """Makes a library's manual page of its C headers, whose comments are the manual.
 
-    make_library_page.py PAGE HEADER...         writes docs/PAGE
-    make_library_page.py --check PAGE HEADER... fails when docs/PAGE is another one
+    make_library_page.py PAGE HEADER...         writes docs/man/PAGE
+    make_library_page.py --check PAGE HEADER... fails when docs/man/PAGE is another one
 """
 
 import re
@@ -186,7 +186,7 @@ def main(arguments):
     is_check = arguments[:1] == ["--check"]
     target, *headers = arguments[is_check:]
     made = page(target.split(".")[0], headers)
-    path = PROJECT / "docs" / target
+    path = PROJECT / "docs" / "man" / target
     if is_check:
         check(path, made, headers)
     else:

@@ -14,7 +14,7 @@ same() { # what, offered, wanted: lines in any order
   difference=$(diff <(sort -u <<<"$2") <(sort -u <<<"$3")) || fail "$1: $difference"
 }
 
-mapfile -t commands < <("$vorlane" --help | sed -n '/^Subcommands:/,/^$/s/^  \([a-z-][a-z-]*\) .*/\1/p')
+mapfile -t commands < <("$vorlane" --help | sed -n '/^Commands:/,/^$/s/^  \([a-z-][a-z-]*\) .*/\1/p')
 [ ${#commands[@]} -ge 6 ] || fail "the help names no commands"
 options_of() { # command: the names that its help begins a line with
   "$vorlane" "$1" --help | sed -n 's/^  \(-[^ ]*\).*/\1/p' | tr ',' '\n'
