@@ -19,7 +19,8 @@ static_assert(VORLANE_REFUSED == static_cast<int32_t>(judge::Confidence::kRefuse
               VORLANE_FRAME == static_cast<int32_t>(judge::Verdict::kFrame) &&
               VORLANE_BY_BAR == static_cast<int32_t>(judge::By::kBar) &&
               VORLANE_CROP_NONE == static_cast<int32_t>(judge::Crop::kNone) &&
-              VORLANE_VOTE == static_cast<int32_t>(judge::EvidenceKind::kVote));
+              VORLANE_VOTE == static_cast<int32_t>(judge::EvidenceKind::kVote) &&
+              VORLANE_MAX_EDGE == judge::kLargestSide);
 static_assert(judge::kEvidenceKinds == VORLANE_EVIDENCE_KINDS &&
               judge::kEvidenceKinds <= VORLANE_EVIDENCE_ROOM &&
               judge::kMostReasons <= VORLANE_REASON_ROOM);

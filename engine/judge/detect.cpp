@@ -32,8 +32,6 @@ using evidence::Side;
 using evidence::SideGroup;
 using evidence::SideLine;
 
-// The core's coordinates, and the sums over them, hold pictures up to this size.
-constexpr int32_t kLargestSide = 32767;
 // On fewer pixels neither sides nor print can be told.
 constexpr int32_t kSmallestSide = 24;
 // The page's own outline is no ink: the region of the print ends so far inside its sides.
@@ -65,8 +63,7 @@ bool AreUsable(const DetectOptions& options) {
 }
 
 bool IsTooLarge(const PictureView& picture) {
-  return picture.width > kLargestSide || picture.height > kLargestSide ||
-         int64_t{picture.width} * picture.height > INT32_MAX;
+  return picture.width > kLargestSide || picture.height > kLargestSide;
 }
 
 // What was looked for on a page.

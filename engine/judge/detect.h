@@ -10,6 +10,9 @@ namespace vorlane::judge {
 
 using evidence::PictureView;
 
+// The longest edge of a picture, in pixels: squares of longer ones leave the core's 32 bits.
+inline constexpr int32_t kLargestSide = 46340;
+
 // Which evidence is to stand straight.
 enum class By : int32_t { kAuto, kPaper, kPrint, kBar };
 
@@ -31,7 +34,7 @@ struct DetectOptions {
 enum class Status : int32_t {
   kOk,
   kBadArgument,  // a null pointer, a size or a depth that cannot be, an option out of range
-  kTooLarge,     // more than 32,767 pixels wide or high, or more than 2^31 - 1 in all
+  kTooLarge,     // an edge over kLargestSide pixels
   kOutOfMemory,
 };
 

@@ -1,4 +1,5 @@
 // What vorlane_detect makes of drawn pages, whichever way their pixels come.
+#include <cmath>
 #include <thread>
 #include <vector>
 
@@ -53,6 +54,30 @@ TEST(Detect, FindsAlikeWhicheverWayPixelsCome) {
     for (const Layout layout : kLayouts) {
       EXPECT_TRUE(find(format, layout) == (format <= VORLANE_BIT_DARK ? bits : grey)) << format;
     }
+  }
+}
+
+// A sheet of 45,000 x 500 pixels that lies turned by 0.2 degrees, and the same down the picture.
+TEST(Detect, FindsOnPagesWithTheLongestEdge) {
+  constexpr int32_t kLongest = VORLANE_MAX_EDGE;
+  const Context context;
+  for (const bool isTall : {false, true}) {
+    const int32_t width = isTall ? 900 : kLongest;
+    const int32_t height = isTall ? kLongest : 900;
+    Picture strip(width, height, VORLANE_GREY8, Layout::kTight);
+    strip.Draw([&](int32_t x, int32_t y) {
+      const double slope = isTall ? -0.0034907 : 0.0034907;
+      const double along = (isTall ? y : x) - kLongest / 2.0;
+      const double across = (isTall ? x : y) - 450.0 - slope * along;
+      const bool isSheet = std::abs(across) <= 250.0 && std::abs(along) <= 22'500.0;
+      return isSheet ? Colour{230, 230, 230} : Colour{20, 20, 20};
+    });
+    const vorlane_image image = strip.image();
+    vorlane_finding finding = EmptyFinding();
+    ASSERT_EQ(vorlane_detect(context.get(), &image, nullptr, &finding), VORLANE_OK);
+    EXPECT_GE(finding.turn_confidence, VORLANE_LIKELY) << isTall;
+    EXPECT_NEAR(finding.turn, -0.2, 0.01) << isTall;
+    EXPECT_NEAR(finding.corners[0].x, isTall ? 277 : 670, 12) << isTall;
   }
 }
 
