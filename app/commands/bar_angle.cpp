@@ -6,9 +6,9 @@
 #include "app/commands/commands.h"
 #include "app/commands/dib_image.h"
 #include "app/commands/page_facts.h"
-#include "app/judge/bar_words.h"
-#include "app/judge/threshold_choice.h"
 #include "app/overlay/bar_overlay.h"
+#include "app/services/bar_words.h"
+#include "app/services/threshold_choice.h"
 #include "omr/mark_sheet_angle.h"
 
 namespace vorlane::commands {
@@ -49,7 +49,7 @@ void Measure(const BarOptions& options, const files::Page& page, BarCall* call) 
   const ImageRec& image = *page.image.rec();
   const int32_t known = options.dpi > 0 ? options.dpi : page.Dpi();
   const int32_t dpi = known > 0 ? known : kBaseDpi;
-  call->threshold = options.threshold >= 0 ? options.threshold : judging::SplitLevel(image);
+  call->threshold = options.threshold >= 0 ? options.threshold : services::SplitLevel(image);
   call->minLength = Scaled(options.minLength, kBarLength, dpi);
   call->minThickness = Scaled(options.minThickness, kBarMinThickness, dpi);
   call->maxThickness = Scaled(options.maxThickness, kBarMaxThickness, dpi);
@@ -74,7 +74,7 @@ nlohmann::ordered_json CandidateJson(const vorlanepic::omr::ExaminedBar& bar) {
           {"thickness", bar.thickness},
           {"thinnest", bar.thinnest},
           {"thickest", bar.thickest},
-          {"verdict", judging::BarVerdictName(bar.verdict)}};
+          {"verdict", services::BarVerdictName(bar.verdict)}};
 }
 
 std::string Words(const BarCall& call) {
@@ -83,7 +83,7 @@ std::string Words(const BarCall& call) {
   std::snprintf(text, sizeof(text), " (threshold %d, bar of %d and more by %d..%d pixels)",
                 call.threshold, call.minLength, call.minThickness, call.maxThickness);
   const std::string limits = text;
-  if (!found) return judging::BarFailureWords(call.records) + limits;
+  if (!found) return services::BarFailureWords(call.records) + limits;
   std::snprintf(text, sizeof(text), "sheet turned %+.3f deg clockwise, %.1f ms", call.degrees,
                 call.milliseconds);
   return text + limits;
@@ -98,7 +98,7 @@ nlohmann::ordered_json Facts(const BarCall& call) {
   if (call.status == STATUS_OK) {
     facts["sheetAngle"] = call.degrees;
   } else {
-    facts["reasons"] = {ReasonFacts("no-bar", judging::BarFailureWords(call.records))};
+    facts["reasons"] = {ReasonFacts("no-bar", services::BarFailureWords(call.records))};
   }
   facts["candidates"] = nlohmann::ordered_json::array();
   for (const vorlanepic::omr::ExaminedBar& bar :
@@ -115,7 +115,7 @@ files::PixPtr DrawBarOverlay(const files::Page& page, const BarCall& call) {
   std::snprintf(text, sizeof(text), "sheet turned %+.3f deg clockwise", call.degrees);
   std::vector<overlay::CaptionLine> caption = {
       {call.status == STATUS_OK ? std::string(text)
-                                : "FAILED: " + judging::BarFailureWords(call.records)}};
+                                : "FAILED: " + services::BarFailureWords(call.records)}};
   overlay::AddBarCaption(call.records, &caption);
   return canvas.WithCaption(caption);
 }

@@ -10,8 +10,8 @@
 #include "app/batch/page_record.h"
 #include "app/commands/commands.h"
 #include "app/files/image_convert.h"
-#include "app/judge/threshold_choice.h"
 #include "app/overlay/block_overlay.h"
+#include "app/services/threshold_choice.h"
 
 namespace vorlane::commands {
 namespace {
@@ -158,7 +158,8 @@ void RunPage(const BlockOptions& options, const files::Page& page, const std::st
     throw files::FileError(NameOf(page) +
                            ": blocks can be marked on pages of up to 65535 x 65535 pixels");
   }
-  const int32_t threshold = options.threshold >= 0 ? options.threshold : judging::SplitLevel(image);
+  const int32_t threshold =
+      options.threshold >= 0 ? options.threshold : services::SplitLevel(image);
   BlockSet set;
   bool found = false;
   const double milliseconds = Timed([&] { found = FindBlocks(options, image, threshold, &set); });

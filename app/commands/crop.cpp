@@ -8,10 +8,10 @@
 #include "app/commands/deskew_options.h"
 #include "app/commands/fill_colour.h"
 #include "app/commands/profile_check.h"
-#include "app/judge/judgement.h"
-#include "app/judge/page_geometry.h"
-#include "app/judge/service_runs.h"
-#include "app/judge/threshold_choice.h"
+#include "app/services/page_geometry.h"
+#include "app/services/service_runs.h"
+#include "app/services/threshold_choice.h"
+#include "app/services/verdict.h"
 #include "frame/trigonometry.h"
 
 namespace vorlane::commands {
@@ -35,33 +35,33 @@ void ReleaseAll(std::vector<ImageRec>* images) {
   }
 }
 
-judging::TurnOutcome NewOutcome(const vorlane_finding& found) {
-  judging::TurnOutcome outcome;
+services::TurnOutcome NewOutcome(const vorlane_finding& found) {
+  services::TurnOutcome outcome;
   outcome.finding = found;
   outcome.page = std::make_unique<vorlanepic::deskew::PageRecords>();
   return outcome;
 }
 
 void FinishOutcome(int32_t method, double angle, const ImageRec& image,
-                   judging::TurnOutcome* outcome) {
-  outcome->kind = method == 2 ? judging::TurnKind::kBorderVote : judging::TurnKind::kPruned;
+                   services::TurnOutcome* outcome) {
+  outcome->kind = method == 2 ? services::TurnKind::kBorderVote : services::TurnKind::kPruned;
   outcome->threshold = outcome->page->threshold;
   if (outcome->status != STATUS_OK) return;
   outcome->degrees =
-      judging::NormalDegrees(method == 2 ? angle : angle * vorlanepic::frame::kDegreesPerRadian);
-  outcome->verdict = judging::Judge(*outcome, image);
+      services::NormalDegrees(method == 2 ? angle : angle * vorlanepic::frame::kDegreesPerRadian);
+  outcome->verdict = services::VerdictOn(*outcome, image);
 }
 
 // Runs the pages, exposures of one page, with the first one's geometry. `results` has as many empty
 // records and receives the images, which the caller releases.
-judging::TurnOutcome CropSet(const CropOptions& options, const std::vector<ImageRec>& pages,
-                             const vorlane_finding& found, int32_t threshold,
-                             std::vector<ImageRec>* results) {
-  judging::TurnOutcome outcome = NewOutcome(found);
+services::TurnOutcome CropSet(const CropOptions& options, const std::vector<ImageRec>& pages,
+                              const vorlane_finding& found, int32_t threshold,
+                              std::vector<ImageRec>* results) {
+  services::TurnOutcome outcome = NewOutcome(found);
   const DeskewCropParam param = ParamOf(options.deskew);
   const std::array<uint8_t, 3> fill = FillBytes(options.fill, pages[0].bitsPerPixel);
   double angle = 0;
-  outcome.status = judging::RunCrop(
+  outcome.status = services::RunCrop(
       pages, {options.interpolation, threshold, options.corner, fill.data(), param, false}, &angle,
       results->data(), outcome.page.get());
   if (outcome.status != STATUS_OK) ReleaseAll(results);
@@ -69,30 +69,30 @@ judging::TurnOutcome CropSet(const CropOptions& options, const std::vector<Image
   return outcome;
 }
 
-judging::TurnOutcome CropPage(const CropOptions& options, const ImageRec& image,
-                              const vorlane_finding& found, int32_t threshold) {
+services::TurnOutcome CropPage(const CropOptions& options, const ImageRec& image,
+                               const vorlane_finding& found, int32_t threshold) {
   std::vector<ImageRec> results(1);
-  judging::TurnOutcome outcome = CropSet(options, {image}, found, threshold, &results);
+  services::TurnOutcome outcome = CropSet(options, {image}, found, threshold, &results);
   *outcome.result.rec() = results[0];
   return outcome;
 }
 
-judging::TurnOutcome MeasureAngle(const CropOptions& options, const ImageRec& image,
-                                  const vorlane_finding& found, int32_t threshold) {
-  judging::TurnOutcome outcome = NewOutcome(found);
+services::TurnOutcome MeasureAngle(const CropOptions& options, const ImageRec& image,
+                                   const vorlane_finding& found, int32_t threshold) {
+  services::TurnOutcome outcome = NewOutcome(found);
   const std::array<uint8_t, 3> fill{};
   ImageRec none{};
   double angle = 0;
   outcome.status =
-      judging::RunCrop(std::span(&image, 1),
-                       {INTERP_BILINEAR, threshold, 0, fill.data(), ParamOf(options.deskew), true},
-                       &angle, &none, outcome.page.get());
+      services::RunCrop(std::span(&image, 1),
+                        {INTERP_BILINEAR, threshold, 0, fill.data(), ParamOf(options.deskew), true},
+                        &angle, &none, outcome.page.get());
   FinishOutcome(MethodOf(options.deskew), angle, image, &outcome);
   return outcome;
 }
 
 int32_t Preferred(const CropOptions& options, const ImageRec& image) {
-  return MethodOf(options.deskew) == 2 ? judging::PageThreshold(image) : 0;
+  return MethodOf(options.deskew) == 2 ? services::PageThreshold(image) : 0;
 }
 
 void AddCropSettings(CLI::App* command, const std::shared_ptr<CropOptions>& options) {
@@ -129,7 +129,7 @@ std::vector<batch::PageOutcome> CropTogether(const CropOptions& options,
   }
   const int32_t given = options.threshold.threshold;
   std::vector<ImageRec> results(pages.size());
-  const auto outcome = std::make_shared<judging::TurnOutcome>(
+  const auto outcome = std::make_shared<services::TurnOutcome>(
       CropSet(options, records, FindingFor(engine, options.report, first),
               given >= 0 ? given : Preferred(options, first), &results));
   std::vector<batch::PageOutcome> outcomes;
@@ -141,8 +141,8 @@ std::vector<batch::PageOutcome> CropTogether(const CropOptions& options,
   return outcomes;
 }
 
-using CropCall = judging::TurnOutcome (*)(const CropOptions&, const ImageRec&,
-                                          const vorlane_finding&, int32_t threshold);
+using CropCall = services::TurnOutcome (*)(const CropOptions&, const ImageRec&,
+                                           const vorlane_finding&, int32_t threshold);
 
 // The service for single pages, over `call`.
 batch::PageService SingleService(const std::shared_ptr<CropOptions>& options, CropCall call) {

@@ -6,10 +6,10 @@
 #include "app/commands/dib_image.h"
 #include "app/commands/fill_colour.h"
 #include "app/commands/profile_check.h"
-#include "app/judge/judgement.h"
-#include "app/judge/page_geometry.h"
-#include "app/judge/service_runs.h"
-#include "app/judge/threshold_choice.h"
+#include "app/services/page_geometry.h"
+#include "app/services/service_runs.h"
+#include "app/services/threshold_choice.h"
+#include "app/services/verdict.h"
 
 namespace vorlane::commands {
 namespace {
@@ -24,17 +24,17 @@ struct FormOptions {
   FillColour fill;
 };
 
-judging::TurnOutcome StraightenForm(const FormOptions& options, const files::Page& page,
-                                    const vorlane_finding& found) {
+services::TurnOutcome StraightenForm(const FormOptions& options, const files::Page& page,
+                                     const vorlane_finding& found) {
   const ImageRec& image = *page.image.rec();
-  judging::TurnOutcome outcome;
+  services::TurnOutcome outcome;
   outcome.finding = found;
-  outcome.kind = judging::TurnKind::kBar;
+  outcome.kind = services::TurnKind::kBar;
   // The rows stand bottom first: what is measured on them is mirrored.
   outcome.isFlipped = true;
   outcome.page = std::make_unique<vorlanepic::deskew::PageRecords>();
   outcome.bar = std::make_unique<vorlanepic::omr::BarRecords>();
-  outcome.threshold = options.threshold >= 0 ? options.threshold : judging::SplitLevel(image);
+  outcome.threshold = options.threshold >= 0 ? options.threshold : services::SplitLevel(image);
 
   ScratchDib source;
   outcome.status =
@@ -45,14 +45,14 @@ judging::TurnOutcome StraightenForm(const FormOptions& options, const files::Pag
   const std::array<uint8_t, 3> fill = FillBytes(options.fill, image.bitsPerPixel);
   double degrees = 0;
   outcome.status =
-      judging::RunForm(*source.rec(), {options.interpolation, outcome.threshold, fill.data()},
-                       param, &degrees, result.rec(), outcome.page.get(), outcome.bar.get());
+      services::RunForm(*source.rec(), {options.interpolation, outcome.threshold, fill.data()},
+                        param, &degrees, result.rec(), outcome.page.get(), outcome.bar.get());
   if (outcome.status == STATUS_OK) {
     outcome.status = FromDib(result.rec(), RowOrder::kBottomFirst, &outcome.result);
   }
   if (outcome.status != STATUS_OK) return outcome;
-  outcome.degrees = judging::NormalDegrees(-degrees);
-  outcome.verdict = judging::Judge(outcome, image);
+  outcome.degrees = services::NormalDegrees(-degrees);
+  outcome.verdict = services::VerdictOn(outcome, image);
   return outcome;
 }
 

@@ -2,9 +2,9 @@
 #include <memory>
 
 #include "app/commands/commands.h"
-#include "app/judge/judgement.h"
-#include "app/judge/page_geometry.h"
-#include "app/judge/service_runs.h"
+#include "app/services/page_geometry.h"
+#include "app/services/service_runs.h"
+#include "app/services/verdict.h"
 #include "frame/trigonometry.h"
 
 namespace vorlane::commands {
@@ -18,20 +18,20 @@ struct PrunedOptions {
   int32_t background = 0;
 };
 
-judging::TurnOutcome TurnPruned(const PrunedOptions& options, const ImageRec& image,
-                                const vorlane_finding& found, int32_t threshold) {
-  judging::TurnOutcome outcome;
+services::TurnOutcome TurnPruned(const PrunedOptions& options, const ImageRec& image,
+                                 const vorlane_finding& found, int32_t threshold) {
+  services::TurnOutcome outcome;
   outcome.finding = found;
   outcome.page = std::make_unique<vorlanepic::deskew::PageRecords>();
   double radians = 0;
   constexpr uint8_t kBlack[3] = {0, 0, 0};
   outcome.status =
-      judging::RunPruned(image, {options.interpolation, threshold, options.background, 0, kBlack},
-                         &radians, outcome.result.rec(), outcome.page.get());
+      services::RunPruned(image, {options.interpolation, threshold, options.background, 0, kBlack},
+                          &radians, outcome.result.rec(), outcome.page.get());
   outcome.threshold = outcome.page->threshold;
   if (outcome.status != STATUS_OK) return outcome;
-  outcome.degrees = judging::NormalDegrees(radians * vorlanepic::frame::kDegreesPerRadian);
-  outcome.verdict = judging::Judge(outcome, image);
+  outcome.degrees = services::NormalDegrees(radians * vorlanepic::frame::kDegreesPerRadian);
+  outcome.verdict = services::VerdictOn(outcome, image);
   return outcome;
 }
 

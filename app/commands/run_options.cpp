@@ -5,7 +5,7 @@
 
 #include "app/batch/input_list.h"
 #include "app/batch/sha256.h"
-#include "app/judge/threshold_choice.h"
+#include "app/services/threshold_choice.h"
 
 namespace vorlane::commands {
 namespace {
@@ -201,15 +201,14 @@ void AddThresholdOptions(CLI::App* app, ThresholdOptions* options) {
                 "suggests");
 }
 
-judging::TurnOutcome RunThresholds(const ThresholdOptions& options, int32_t preferred,
-                                   const ImageRec& image, const ThresholdCall& call) {
-  judging::TurnOutcome best = call(options.threshold >= 0 ? options.threshold : preferred);
+services::TurnOutcome RunThresholds(const ThresholdOptions& options, int32_t preferred,
+                                    const ImageRec& image, const ThresholdCall& call) {
+  services::TurnOutcome best = call(options.threshold >= 0 ? options.threshold : preferred);
   if (!options.tryOthers) return best;
-  for (const int32_t threshold : judging::ThresholdsToTry(image)) {
-    if (best.status == STATUS_OK && best.verdict.confidence != judging::Confidence::kDoubtful)
-      break;
-    judging::TurnOutcome other = call(threshold);
-    if (!judging::IsBetter(other, best)) continue;
+  for (const int32_t threshold : services::ThresholdsToTry(image)) {
+    if (best.status == STATUS_OK && best.verdict.confidence != judge::Confidence::kDoubtful) break;
+    services::TurnOutcome other = call(threshold);
+    if (!services::IsBetter(other, best)) continue;
     other.notes.push_back("threshold " + std::to_string(threshold) + " found by trying");
     best = std::move(other);
   }

@@ -10,7 +10,7 @@
 
 #include "app/batch/batch.h"
 #include "app/commands/turn_report.h"
-#include "app/judge/judgement.h"
+#include "app/services/verdict.h"
 
 namespace vorlane::commands {
 
@@ -60,13 +60,13 @@ struct ThresholdOptions {
 void AddThresholdOptions(CLI::App* app, ThresholdOptions* options);
 
 // A call with one threshold, judged.
-using ThresholdCall = std::function<judging::TurnOutcome(int32_t threshold)>;
+using ThresholdCall = std::function<services::TurnOutcome(int32_t threshold)>;
 
 // The outcome with the threshold asked for, or with `preferred` when none is, or, when that is not
 // to be trusted and others may be tried, the best outcome over the thresholds that the page
 // suggests.
-judging::TurnOutcome RunThresholds(const ThresholdOptions& options, int32_t preferred,
-                                   const ImageRec& image, const ThresholdCall& call);
+services::TurnOutcome RunThresholds(const ThresholdOptions& options, int32_t preferred,
+                                    const ImageRec& image, const ThresholdCall& call);
 
 // Milliseconds that `call` takes.
 double Timed(const std::function<void()>& call);

@@ -5,16 +5,16 @@
 
 #include "app/commands/page_facts.h"
 #include "app/finding/finding_facts.h"
-#include "app/judge/judgement.h"
-#include "app/judge/page_geometry.h"
-#include "app/judge/status_words.h"
 #include "app/overlay/page_overlay.h"
+#include "app/services/page_geometry.h"
+#include "app/services/status_words.h"
+#include "engine/judge/reason_words.h"
 
 namespace vorlane::commands {
 namespace {
 
 using batch::PageFate;
-using judging::Confidence;
+using judge::Confidence;
 
 batch::Trust TrustOf(Confidence confidence) {
   switch (confidence) {
@@ -27,7 +27,7 @@ batch::Trust TrustOf(Confidence confidence) {
   }
 }
 
-PageFate FateOf(const TurnReport& report, const judging::TurnOutcome& outcome) {
+PageFate FateOf(const TurnReport& report, const services::TurnOutcome& outcome) {
   if (outcome.status != STATUS_OK) return PageFate::kFailed;
   const bool isDoubtful = outcome.verdict.confidence == Confidence::kDoubtful;
   if (isDoubtful && !report.acceptsDoubtful) return PageFate::kDoubtful;
@@ -35,38 +35,38 @@ PageFate FateOf(const TurnReport& report, const judging::TurnOutcome& outcome) {
 }
 
 // Angle, sizes and confidence of a page on which the service succeeded.
-std::string FoundWords(const files::Page& page, const judging::TurnOutcome& outcome) {
+std::string FoundWords(const files::Page& page, const services::TurnOutcome& outcome) {
   std::string words = finding::DegreesWords(outcome.degrees) + ", " + SizeWords(*page.image.rec());
   if (outcome.result.rec()->pixels != nullptr) words += " -> " + SizeWords(*outcome.result.rec());
-  words += std::string(", ") + judging::ConfidenceName(outcome.verdict.confidence);
+  words += std::string(", ") + judge::NameOf(outcome.verdict.confidence);
   const char* before = ": ";
-  for (const judging::Reason& reason : outcome.verdict.reasons) {
+  for (const services::Reason& reason : outcome.verdict.reasons) {
     words += std::exchange(before, "; ") + reason.words;
   }
   return words;
 }
 
-nlohmann::ordered_json ReasonsOf(const judging::TurnOutcome& outcome) {
+nlohmann::ordered_json ReasonsOf(const services::TurnOutcome& outcome) {
   nlohmann::ordered_json reasons = nlohmann::ordered_json::array();
   if (outcome.status != STATUS_OK) {
-    reasons.push_back(ReasonFacts("service-failed", judging::FailureWords(outcome)));
+    reasons.push_back(ReasonFacts("service-failed", services::FailureWords(outcome)));
     return reasons;
   }
-  for (const judging::Reason& reason : outcome.verdict.reasons) {
+  for (const services::Reason& reason : outcome.verdict.reasons) {
     reasons.push_back(ReasonFacts(reason.code, reason.words));
   }
   return reasons;
 }
 
-nlohmann::ordered_json FactsOf(const files::Page& page, const judging::TurnOutcome& outcome) {
+nlohmann::ordered_json FactsOf(const files::Page& page, const services::TurnOutcome& outcome) {
   nlohmann::ordered_json facts = {{"status", outcome.status}};
   facts.update(PictureFacts(page));
   facts["threshold"] = outcome.threshold;
   if (outcome.status == STATUS_OK) {
     facts["angle"] = outcome.degrees;
-    const auto corners = judging::SeenCutCorners(outcome, page.image.rec()->height);
-    for (const judging::Place& p : corners) facts["corners"].push_back({p.x, p.y});
-    facts["confidence"] = judging::ConfidenceName(outcome.verdict.confidence);
+    const auto corners = services::SeenCutCorners(outcome, page.image.rec()->height);
+    for (const services::Place& p : corners) facts["corners"].push_back({p.x, p.y});
+    facts["confidence"] = judge::NameOf(outcome.verdict.confidence);
   }
   facts["reasons"] = ReasonsOf(outcome);
   if (outcome.result.rec()->pixels != nullptr) PutNewSize(*outcome.result.rec(), &facts);
@@ -76,14 +76,14 @@ nlohmann::ordered_json FactsOf(const files::Page& page, const judging::TurnOutco
 }  // namespace
 
 batch::PageOutcome OutcomeOf(const TurnReport& report, const files::Page& page,
-                             const std::shared_ptr<judging::TurnOutcome>& outcome) {
+                             const std::shared_ptr<services::TurnOutcome>& outcome) {
   batch::PageOutcome result;
   result.fate = FateOf(report, *outcome);
   const bool isFound = outcome->status == STATUS_OK;
   if (isFound) result.trust = TrustOf(outcome->verdict.confidence);
   result.words =
       isFound ? FoundWords(page, *outcome)
-              : judging::FailureWords(*outcome) + " [" + std::to_string(outcome->status) + "]";
+              : services::FailureWords(*outcome) + " [" + std::to_string(outcome->status) + "]";
   result.facts = FactsOf(page, *outcome);
   result.notes = outcome->notes;
   if (result.fate == PageFate::kStraightened) result.image = std::move(outcome->result);
@@ -107,7 +107,7 @@ batch::PageService ServiceOf(const TurnReport& report, const TurnService& servic
   return [engine = std::make_shared<finding::PageEngine>(), report,
           service](const files::Page& page) {
     const vorlane_finding found = FindingFor(engine.get(), report, *page.image.rec());
-    return OutcomeOf(report, page, std::make_shared<judging::TurnOutcome>(service(page, found)));
+    return OutcomeOf(report, page, std::make_shared<services::TurnOutcome>(service(page, found)));
   };
 }
 

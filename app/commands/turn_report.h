@@ -7,13 +7,13 @@
 
 #include "app/batch/page_outcome.h"
 #include "app/finding/page_engine.h"
-#include "app/judge/turn_outcome.h"
+#include "app/services/turn_outcome.h"
 
 namespace vorlane::commands {
 
 // Runs a service on one page and judges it by what the page engine found there.
 using TurnService =
-    std::function<judging::TurnOutcome(const files::Page& page, const vorlane_finding& found)>;
+    std::function<services::TurnOutcome(const files::Page& page, const vorlane_finding& found)>;
 
 struct TurnReport {
   bool acceptsDoubtful = false;
@@ -31,6 +31,6 @@ batch::PageService ServiceOf(const TurnReport& report, const TurnService& servic
 
 // Takes the outcome's picture along; `page` is what it was made of.
 batch::PageOutcome OutcomeOf(const TurnReport& report, const files::Page& page,
-                             const std::shared_ptr<judging::TurnOutcome>& outcome);
+                             const std::shared_ptr<services::TurnOutcome>& outcome);
 
 }  // namespace vorlane::commands

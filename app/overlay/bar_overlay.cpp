@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstdio>
 
-#include "app/judge/bar_words.h"
+#include "app/services/bar_words.h"
 
 namespace vorlane::overlay {
 namespace {
@@ -29,7 +29,7 @@ void DrawCandidate(OverlayCanvas* canvas, const vorlanepic::omr::ExaminedBar& ba
   canvas->Box(bar.box.left - gap, bar.box.top - gap, bar.box.right + gap, bar.box.bottom + gap, 1.2,
               colour);
   canvas->Label({bar.box.left - gap, bar.box.top - 2 * gap},
-                std::to_string(number) + " " + judging::BarVerdictName(bar.verdict), colour);
+                std::to_string(number) + " " + services::BarVerdictName(bar.verdict), colour);
 }
 
 // A line y = slope * x + intercept along the bar; a tall bar's slope may be infinite.
@@ -77,7 +77,7 @@ void AddBarCaption(const vorlanepic::omr::BarRecords& bar, std::vector<CaptionLi
     const bool isChosen = c.verdict == vorlanepic::omr::BarVerdict::kChosen;
     char text[128];
     std::snprintf(text, sizeof(text), "%zu: length %d, thickness %d (%d..%d): %s", number, c.length,
-                  c.thickness, c.thinnest, c.thickest, judging::BarVerdictName(c.verdict));
+                  c.thickness, c.thinnest, c.thickest, services::BarVerdictName(c.verdict));
     lines->push_back({text, true, isChosen ? kChosen : kRejected});
   }
   if (bar.stage < vorlanepic::omr::BarStage::kFitted) return;

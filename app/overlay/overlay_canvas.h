@@ -6,12 +6,12 @@
 #include <vector>
 
 #include "app/files/pix_owner.h"
-#include "app/judge/place.h"
+#include "app/services/place.h"
 #include "vorlanepic/imgbuf.h"
 
 namespace vorlane::overlay {
 
-using judging::Place;
+using services::Place;
 
 struct Colour {
   uint8_t red;

@@ -5,11 +5,11 @@
 #include <cstdio>
 
 #include "app/finding/finding_facts.h"
-#include "app/judge/judgement.h"
-#include "app/judge/page_geometry.h"
-#include "app/judge/status_words.h"
 #include "app/overlay/bar_overlay.h"
 #include "app/overlay/finding_overlay.h"
+#include "app/services/page_geometry.h"
+#include "app/services/status_words.h"
+#include "engine/judge/reason_words.h"
 
 namespace vorlane::overlay {
 namespace {
@@ -17,13 +17,13 @@ namespace {
 constexpr Colour kOutline{255, 0, 200};
 constexpr Colour kContent{255, 210, 0};
 
-constexpr Colour ColourOf(judging::Side side) {
+constexpr Colour ColourOf(services::Side side) {
   switch (side) {
-    case judging::Side::kLeft:
+    case services::Side::kLeft:
       return {240, 50, 50};
-    case judging::Side::kRight:
+    case services::Side::kRight:
       return {40, 130, 255};
-    case judging::Side::kTop:
+    case services::Side::kTop:
       return {20, 190, 70};
     default:
       return {255, 140, 0};
@@ -68,18 +68,18 @@ void DrawTrace(OverlayCanvas* canvas, const vorlanepic::analysis::SideTrace& tra
   }
 }
 
-void DrawSides(OverlayCanvas* canvas, const judging::TurnOutcome& outcome) {
+void DrawSides(OverlayCanvas* canvas, const services::TurnOutcome& outcome) {
   const vorlanepic::deskew::PageRecords& records = *outcome.page;
-  for (const judging::Side side : judging::kSides)
-    DrawTrace(canvas, judging::TraceOf(records, side), ColourOf(side));
-  if (outcome.kind == judging::TurnKind::kPruned) {
+  for (const services::Side side : services::kSides)
+    DrawTrace(canvas, services::TraceOf(records, side), ColourOf(side));
+  if (outcome.kind == services::TurnKind::kPruned) {
     if (records.stage >= vorlanepic::deskew::PageStage::kCorners) {
-      for (const judging::Side side : judging::kSides) {
-        DrawLine(canvas, judging::EdgeOf(records, side).line, 0.8, ColourOf(side));
+      for (const services::Side side : services::kSides) {
+        DrawLine(canvas, services::EdgeOf(records, side).line, 0.8, ColourOf(side));
       }
     }
   } else {
-    for (const judging::Side side : judging::kSides) {
+    for (const services::Side side : services::kSides) {
       const auto index = static_cast<size_t>(side);
       if (!records.votes[index].hasAngle) continue;
       const bool wins = records.bestBorder == static_cast<int32_t>(index);
@@ -88,7 +88,7 @@ void DrawSides(OverlayCanvas* canvas, const judging::TurnOutcome& outcome) {
   }
 }
 
-void DrawContent(OverlayCanvas* canvas, const judging::TurnOutcome& outcome) {
+void DrawContent(OverlayCanvas* canvas, const services::TurnOutcome& outcome) {
   const vorlanepic::deskew::PageRecords& records = *outcome.page;
   if (records.stage < vorlanepic::deskew::PageStage::kContent) return;
   const double last = canvas->height() - 1;
@@ -98,24 +98,24 @@ void DrawContent(OverlayCanvas* canvas, const judging::TurnOutcome& outcome) {
   canvas->Box(c.left, top, c.right, bottom, 1.2, kContent);
 }
 
-std::string ResultCaption(const files::Page& page, const judging::TurnOutcome& outcome) {
+std::string ResultCaption(const files::Page& page, const services::TurnOutcome& outcome) {
   if (outcome.status != STATUS_OK) {
-    return "FAILED (" + std::to_string(outcome.status) + "): " + judging::FailureWords(outcome);
+    return "FAILED (" + std::to_string(outcome.status) + "): " + services::FailureWords(outcome);
   }
   const bool isGrey = page.image.rec()->bitsPerPixel != 1;
   char text[96];
   std::snprintf(text, sizeof(text), "turn %+.2f deg (clockwise is positive), %s%s%s",
                 outcome.degrees, isGrey ? "threshold " : "",
                 isGrey ? (std::to_string(outcome.threshold) + ", ").c_str() : "",
-                judging::ConfidenceName(outcome.verdict.confidence));
+                judge::NameOf(outcome.verdict.confidence));
   return text;
 }
 
-std::string SideCaption(const judging::TurnOutcome& outcome, judging::Side side) {
-  std::string caption = std::string(judging::SideName(side)) + ": " +
-                        std::to_string(judging::TraceOf(*outcome.page, side).pointCount) +
+std::string SideCaption(const services::TurnOutcome& outcome, services::Side side) {
+  std::string caption = std::string(services::SideName(side)) + ": " +
+                        std::to_string(services::TraceOf(*outcome.page, side).pointCount) +
                         " border points";
-  if (outcome.kind != judging::TurnKind::kBorderVote) return caption;
+  if (outcome.kind != services::TurnKind::kBorderVote) return caption;
   const auto index = static_cast<size_t>(side);
   const vorlanepic::deskew::BorderVote& vote = outcome.page->votes[index];
   if (!vote.hasAngle) return caption + ", no vote";
@@ -125,21 +125,21 @@ std::string SideCaption(const judging::TurnOutcome& outcome, judging::Side side)
   return caption + text;
 }
 
-std::vector<CaptionLine> Caption(const files::Page& page, const judging::TurnOutcome& outcome,
+std::vector<CaptionLine> Caption(const files::Page& page, const services::TurnOutcome& outcome,
                                  bool isCut) {
   std::vector<CaptionLine> lines;
   lines.push_back({ResultCaption(page, outcome)});
-  for (const judging::Reason& reason : outcome.verdict.reasons)
+  for (const services::Reason& reason : outcome.verdict.reasons)
     lines.push_back({"- " + reason.words});
-  if (outcome.kind != judging::TurnKind::kBar) {
-    for (const judging::Side side : judging::kSides) {
-      if (judging::TraceOf(*outcome.page, side).pointCount == 0) continue;
+  if (outcome.kind != services::TurnKind::kBar) {
+    for (const services::Side side : services::kSides) {
+      if (services::TraceOf(*outcome.page, side).pointCount == 0) continue;
       lines.push_back({SideCaption(outcome, side), true, ColourOf(side)});
     }
   } else if (outcome.bar) {
     AddBarCaption(*outcome.bar, &lines);
   }
-  if (outcome.kind != judging::TurnKind::kPruned &&
+  if (outcome.kind != services::TurnKind::kPruned &&
       outcome.page->stage >= vorlanepic::deskew::PageStage::kContent) {
     lines.push_back({"content found before the turn", true, kContent});
   }
@@ -151,13 +151,13 @@ std::vector<CaptionLine> Caption(const files::Page& page, const judging::TurnOut
 
 }  // namespace
 
-files::PixPtr DrawOverlay(const files::Page& page, const judging::TurnOutcome& outcome) {
+files::PixPtr DrawOverlay(const files::Page& page, const services::TurnOutcome& outcome) {
   OverlayCanvas canvas(*page.image.rec());
-  const std::vector<Place> cut = judging::SeenCutCorners(outcome, canvas.height());
+  const std::vector<Place> cut = services::SeenCutCorners(outcome, canvas.height());
   // The outline lies on the borders: what they rest on is drawn over it.
   if (!cut.empty()) canvas.Polygon(cut, 5, kOutline);
-  if (outcome.kind != judging::TurnKind::kPruned) DrawContent(&canvas, outcome);
-  if (outcome.kind == judging::TurnKind::kBar) {
+  if (outcome.kind != services::TurnKind::kPruned) DrawContent(&canvas, outcome);
+  if (outcome.kind == services::TurnKind::kBar) {
     if (outcome.bar) DrawBar(&canvas, *outcome.bar);
   } else {
     DrawSides(&canvas, outcome);

@@ -9,6 +9,7 @@
 #include "engine/evidence/light_beyond.h"
 #include "engine/evidence/side_contrast.h"
 #include "engine/judge/page_axes.h"
+#include "engine/judge/polygon.h"
 #include "vorlanepic/vorlanepic.h"
 
 namespace vorlane::judge {
@@ -56,38 +57,6 @@ constexpr double kBarShare = 0.04;
 // Where the page runs off the picture, its other sides end this near to the frame.
 constexpr double kFrameShare = 0.02;
 constexpr int32_t kInkSamples = 500;
-
-// A convex polygon: a rectangle clipped four times.
-struct Polygon {
-  std::array<Point, 12> points{};
-  size_t count = 0;
-};
-
-// Sutherland and Hodgman's clipping by one line.
-Polygon Clip(const Polygon& polygon, const HalfPlane& plane) {
-  Polygon clipped;
-  for (size_t i = 0; i < polygon.count; ++i) {
-    const Point a = polygon.points[i];
-    const Point b = polygon.points[(i + 1) % polygon.count];
-    const double insideA = plane.Inside(a.x, a.y);
-    const double insideB = plane.Inside(b.x, b.y);
-    if (insideA >= 0.0) clipped.points[clipped.count++] = a;
-    if ((insideA >= 0.0) != (insideB >= 0.0)) {
-      const double share = insideA / (insideA - insideB);
-      clipped.points[clipped.count++] = {a.x + share * (b.x - a.x), a.y + share * (b.y - a.y)};
-    }
-  }
-  return clipped;
-}
-
-Polygon PictureOf(int32_t width, int32_t height) {
-  Polygon polygon;
-  const double right = width - 0.5;
-  const double bottom = height - 0.5;
-  polygon.points = {Point{-0.5, -0.5}, {right, -0.5}, {right, bottom}, {-0.5, bottom}};
-  polygon.count = 4;
-  return polygon;
-}
 
 class Cutter {
  public:
@@ -357,7 +326,7 @@ class Cutter {
   }
 
   CutRect Bound(std::span<const HalfPlane, kSides> region, double outwards, Cut* cut) const {
-    Polygon polygon = PictureOf(page_.width(), page_.height());
+    Polygon polygon = PictureOutline(page_.width(), page_.height());
     for (size_t i = 0; i < kSides; ++i) {
       HalfPlane plane = region[i];
       if (lines_[i]) {

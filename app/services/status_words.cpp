@@ -1,8 +1,8 @@
-#include "app/judge/status_words.h"
+#include "app/services/status_words.h"
 
-#include "app/judge/bar_words.h"
+#include "app/services/bar_words.h"
 
-namespace vorlane::judging {
+namespace vorlane::services {
 namespace {
 
 std::string Level(const TurnOutcome& outcome) {
@@ -65,4 +65,4 @@ std::string FailureWords(const TurnOutcome& outcome) {
   }
 }
 
-}  // namespace vorlane::judging
+}  // namespace vorlane::services

@@ -3,11 +3,11 @@
 
 #include <string>
 
-#include "app/judge/turn_outcome.h"
+#include "app/services/turn_outcome.h"
 
-namespace vorlane::judging {
+namespace vorlane::services {
 
 // Why the outcome's call failed: the meaning of its status at the stage that it reached.
 std::string FailureWords(const TurnOutcome& outcome);
 
-}  // namespace vorlane::judging
+}  // namespace vorlane::services

@@ -8,10 +8,11 @@
 
 #include "app/finding/page_engine.h"
 #include "deskew/page_records.h"
+#include "engine/judge/finding.h"
 #include "frame/scratch.h"
 #include "omr/bar_records.h"
 
-namespace vorlane::judging {
+namespace vorlane::services {
 
 // Where the turn came from.
 enum class TurnKind {
@@ -20,17 +21,15 @@ enum class TurnKind {
   kBar,         // a form's reference bar
 };
 
-enum class Confidence { kSure, kLikely, kDoubtful };
-
 // Why a result is not trusted further.
 struct Reason {
   const char* code;  // stable, for programs
   std::string words;
 };
 
-// How far a result can be trusted; no reasons when sure.
+// How far a result can be trusted, kDoubtful at least; no reasons when sure.
 struct Verdict {
-  Confidence confidence = Confidence::kSure;
+  judge::Confidence confidence = judge::Confidence::kSure;
   std::vector<Reason> reasons;
 };
 
@@ -48,4 +47,4 @@ struct TurnOutcome {
   std::vector<std::string> notes;
 };
 
-}  // namespace vorlane::judging
+}  // namespace vorlane::services

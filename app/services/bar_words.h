@@ -5,7 +5,7 @@
 
 #include "omr/bar_records.h"
 
-namespace vorlane::judging {
+namespace vorlane::services {
 
 // Why the search ended without an angle, in words.
 std::string BarFailureWords(const vorlanepic::omr::BarRecords& bar);
@@ -13,4 +13,4 @@ std::string BarFailureWords(const vorlanepic::omr::BarRecords& bar);
 // The test that rejected a candidate, or "chosen".
 const char* BarVerdictName(vorlanepic::omr::BarVerdict verdict);
 
-}  // namespace vorlane::judging
+}  // namespace vorlane::services

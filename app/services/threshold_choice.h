@@ -6,7 +6,7 @@
 
 #include "vorlanepic/imgbuf.h"
 
-namespace vorlane::judging {
+namespace vorlane::services {
 
 // The level that parts the picture's grey levels best into dark and light (least variance within
 // both), 0..254: dark is at or below it. 127 for 1-bit pages and for pages of one level.
@@ -19,4 +19,4 @@ int32_t PageThreshold(const ImageRec& image);
 // Thresholds worth trying on a page whose own estimate leads nowhere, best first, 1..255.
 std::vector<int32_t> ThresholdsToTry(const ImageRec& image);
 
-}  // namespace vorlane::judging
+}  // namespace vorlane::services

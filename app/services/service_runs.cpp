@@ -1,10 +1,10 @@
-#include "app/judge/service_runs.h"
+#include "app/services/service_runs.h"
 
 #include "deskew/deskew_crop.h"
 #include "deskew/deskew_settings.h"
 #include "deskew/pruned_rotation.h"
 
-namespace vorlane::judging {
+namespace vorlane::services {
 
 namespace deskew = vorlanepic::deskew;
 using vorlanepic::frame::Settings;
@@ -53,4 +53,4 @@ int32_t RunForm(const DibRec& form, const deskew::LineDeskewOptions& options,
   return deskew::RunLineDeskew(settings, &form, 1, limits, options, degrees, result, page, bar);
 }
 
-}  // namespace vorlane::judging
+}  // namespace vorlane::services

@@ -1,10 +1,10 @@
-#include "app/judge/page_geometry.h"
+#include "app/services/page_geometry.h"
 
 #include <cmath>
 #include <cstddef>
 #include <utility>
 
-namespace vorlane::judging {
+namespace vorlane::services {
 namespace {
 
 constexpr double kDegrees = 57.29577951308232;
@@ -104,4 +104,4 @@ double NormalDegrees(double degrees) {
   return turned == -180 ? 180 : turned + 0.0;
 }
 
-}  // namespace vorlane::judging
+}  // namespace vorlane::services

@@ -1,7 +1,7 @@
 // A place on a page.
 #pragma once
 
-namespace vorlane::judging {
+namespace vorlane::services {
 
 // A place on the page in pixels; whole numbers are pixel centres.
 struct Place {
@@ -9,4 +9,4 @@ struct Place {
   double y;
 };
 
-}  // namespace vorlane::judging
+}  // namespace vorlane::services

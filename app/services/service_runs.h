@@ -11,7 +11,7 @@
 #include "omr/bar_records.h"
 #include "vorlanepic/vorlanepic.h"
 
-namespace vorlane::judging {
+namespace vorlane::services {
 
 // ImageVorlaneEx for a background of 0 or 255: `radians` and `result` are its angle and result.
 int32_t RunPruned(const ImageRec& image, const vorlanepic::deskew::PrunedRotationOptions& options,
@@ -37,4 +37,4 @@ int32_t RunForm(const DibRec& form, const vorlanepic::deskew::LineDeskewOptions&
                 const DeskewCropParam& param, double* degrees, DibRec* result,
                 vorlanepic::deskew::PageRecords* page, vorlanepic::omr::BarRecords* bar);
 
-}  // namespace vorlane::judging
+}  // namespace vorlane::services

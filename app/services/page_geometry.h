@@ -5,10 +5,10 @@
 #include <cstdint>
 #include <vector>
 
-#include "app/judge/place.h"
-#include "app/judge/turn_outcome.h"
+#include "app/services/place.h"
+#include "app/services/turn_outcome.h"
 
-namespace vorlane::judging {
+namespace vorlane::services {
 
 using vorlanepic::analysis::Side;
 inline constexpr std::array<Side, 4> kSides = {Side::kLeft, Side::kRight, Side::kTop,
@@ -28,4 +28,4 @@ std::vector<Place> SeenCutCorners(const TurnOutcome& outcome, int32_t height);
 // Degrees above -180 up to 180.
 double NormalDegrees(double degrees);
 
-}  // namespace vorlane::judging
+}  // namespace vorlane::services

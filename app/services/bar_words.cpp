@@ -1,6 +1,6 @@
-#include "app/judge/bar_words.h"
+#include "app/services/bar_words.h"
 
-namespace vorlane::judging {
+namespace vorlane::services {
 
 const char* BarVerdictName(vorlanepic::omr::BarVerdict verdict) {
   switch (verdict) {
@@ -36,4 +36,4 @@ std::string BarFailureWords(const vorlanepic::omr::BarRecords& bar) {
   }
 }
 
-}  // namespace vorlane::judging
+}  // namespace vorlane::services

@@ -1,11 +1,11 @@
-#include "app/judge/threshold_choice.h"
+#include "app/services/threshold_choice.h"
 
 #include <algorithm>
 #include <array>
 
 #include "analysis/threshold.h"
 
-namespace vorlane::judging {
+namespace vorlane::services {
 namespace {
 
 using Histogram = std::array<double, 256>;
@@ -77,4 +77,4 @@ std::vector<int32_t> ThresholdsToTry(const ImageRec& image) {
   return levels;
 }
 
-}  // namespace vorlane::judging
+}  // namespace vorlane::services
