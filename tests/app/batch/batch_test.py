@@ -20,11 +20,13 @@ VORLANE = os.path.abspath(sys.argv[1])
 
 
 def tree(folder):
-    """The bytes of all files below a folder, by their names."""
+    """The bytes of all files below a folder, by their names; pipes are no files."""
     found = {}
     for root, _, names in os.walk(folder):
         for name in names:
             path = os.path.join(root, name)
+            if not os.path.isfile(path):
+                continue
             with open(path, "rb") as file:
                 found[os.path.relpath(path, folder)] = file.read()
     return found
@@ -142,16 +144,15 @@ class ResumeTest(BatchTest):
     def test_finishes_pages_in_work_when_it_is_asked_to_stop(self):
         self.scans(400)
         for asked, code in ((signal.SIGINT, 130), (signal.SIGTERM, 143)):
-            run = self.start("in", "-o", "out/", "--journal", "j.jsonl", "--resume", "-j2")
-            self.wait_for("out/box0", run)
+            run = self.start("in", "-o", f"out{code}/", "--journal", f"{code}.jsonl", "-j2")
+            self.wait_for(f"out{code}/box0", run)
             run.send_signal(asked)
-            out, errors = run.communicate(timeout=60)
+            _, errors = run.communicate(timeout=60)
             self.assertEqual(run.returncode, code, errors)
             self.assertIn(b"stopped", errors)
-            told = [json.loads(line) for line in lines("j.jsonl")]
-            self.assertEqual(sorted(os.path.relpath(found["output"], "out") for found in told),
-                             sorted(tree("out")))
-            shutil.rmtree("out")
+            told = {json.loads(line)["output"] for line in lines(f"{code}.jsonl")}
+            self.assertEqual(told, {f"out{code}/{name}" for name in tree(f"out{code}")})
+            self.assertLess(len(told), 400)
 
 
 class TruthTest(BatchTest):

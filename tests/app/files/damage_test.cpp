@@ -94,8 +94,11 @@ TEST_P(DamageTest, ChangedBytesAreErrors) {
 INSTANTIATE_TEST_SUITE_P(
     Schemes, DamageTest,
     ::testing::Values(
+        DamageCase{"None1", FileFormat::kTiff, COMPRESSION_NONE, 1, 1000, 0, 0},
+        DamageCase{"None8", FileFormat::kTiff, COMPRESSION_NONE, 8, 64, 0, 0},
         DamageCase{"None24", FileFormat::kTiff, COMPRESSION_NONE, 24, 64, 0, 0},
         DamageCase{"PackBits1", FileFormat::kTiff, COMPRESSION_PACKBITS, 1, 1000, 0, 0},
+        DamageCase{"PackBits8", FileFormat::kTiff, COMPRESSION_PACKBITS, 8, 1000, 0, 0},
         DamageCase{"PackBits24", FileFormat::kTiff, COMPRESSION_PACKBITS, 24, 64, 0, 0},
         DamageCase{"Lzw1", FileFormat::kTiff, COMPRESSION_LZW, 1, 1000, 16, 0},
         DamageCase{"Lzw8", FileFormat::kTiff, COMPRESSION_LZW, 8, 64, 16, 0},
