@@ -29,6 +29,7 @@ using evidence::SideLine;
 // the paper may lean this much otherwise.
 constexpr double kSameDegrees = 0.35;
 constexpr double kPaperDegrees = 3.0;
+constexpr double kBesideDegrees = 1.0;
 // The same side at another threshold may lie this much further out, as a share of the picture's
 // longer side: the page's edge is soft.
 constexpr double kSoftShare = 0.006;
@@ -50,12 +51,15 @@ constexpr double kInnerStraight = 0.6;
 constexpr double kInnerContrast = 8.0;
 // A line beyond the ends of both its neighbours by this share is another sheet's.
 constexpr double kTooFar = 0.025;
+constexpr double kGapBefore = 4.0;  // pixels
 // What lies outside a side is lighter than outside the others by this much where it is no surround
 // but a bar on the sheet; bars that the frame cuts lie this near to it.
 constexpr double kBarLevels = 15.0;
 constexpr double kBarShare = 0.04;
 // Where the page runs off the picture, its other sides end this near to the frame.
 constexpr double kFrameShare = 0.02;
+// A side that is not the group's own is given up where it cuts off this share of the ink.
+constexpr double kPrintLost = 0.02;
 constexpr int32_t kInkSamples = 500;
 
 class Cutter {
@@ -78,42 +82,36 @@ class Cutter {
     DropFarLines();
     if (!LookFromInside()) return false;
     const std::array<HalfPlane, kSides> region = Region();
-    if (!evidence::MeasureLightBeyond(page_, Threshold(), region, &beyond_)) return false;
-    cut->isBelieved = true;
-    for (const Side side : kAllSides) {
-      double& beyond = beyond_[Index(side)];
-      if (lines_[Index(side)]) {
-        if (IsClosed(side, region)) {
-          cut->lightOutside = std::max(cut->lightOutside, beyond / page_.size());
-          beyond = 0.0;
-        }
-        continue;
-      }
-      const bool runsOff = RunsOff(side);
-      const double gap = GapBeyond(side, region);
-      if (std::isfinite(gap)) {
-        beyond = gap;
-      } else if (runsOff || !HasNeighbour(side)) {
-        // Nothing tells where the page ends before the picture does.
-        beyond = 2.0 * page_.size();
-        cut->isBelieved = cut->isBelieved && NeighboursReachFrame(side);
-      }
-      ++(std::isfinite(gap) || !runsOff ? cut->sidesUnseen : cut->sidesOffFrame);
+    if (!evidence::MeasureLightBeyond(page_, Threshold(), region, &light_)) return false;
+    for (const Side side : kAllSides) EndSide(side, region);
+    cut->rect = Bound(region, outwards);
+    std::array<double, kSides> inkBeyond = InkBeyond(ink, cut->rect);
+    if (WidenForPrint(inkBeyond)) {
+      cut->rect = Bound(region, outwards);
+      inkBeyond = InkBeyond(ink, cut->rect);
     }
-    cut->rect = Bound(region, outwards, cut);
-    cut->inkOutside = InkOutside(ink, cut->rect);
-    cut->isBelieved =
-        cut->isBelieved && cut->rect.right > cut->rect.left && cut->rect.bottom > cut->rect.top;
+    for (const double share : inkBeyond) cut->inkOutside += share;
+    Tell(cut);
     return true;
   }
 
  private:
+  // What the cut ends at on one side.
+  enum class End {
+    kLine,    // the side's line, and the light right beyond it
+    kClosed,  // the side's line: what is light beyond is something else
+    kGap,     // a dark gap
+    kLight,   // where the light ends
+    kFrame,   // the picture's own edge
+  };
+
   static size_t Index(Side side) { return static_cast<size_t>(side); }
 
   // A page in perspective is bounded by all its sides, a rim bounds none.
   void PickGroup() {
     group_ = decision_.group;
     if (group_ == nullptr || group_->isRim) group_ = PaperOfPrint();
+    if (group_ != nullptr && group_->count == 1) group_ = PaperBesideSide();
     const double off = std::abs(sides_.quad.degrees - decision_.degrees);
     if (sides_.hasQuad && off <= kPaperDegrees && (group_ == nullptr || group_->count < 4)) {
       group_ = &sides_.quad;
@@ -127,6 +125,17 @@ class Cutter {
       return !group.isRim && std::abs(group.degrees - decision_.degrees) <= kPaperDegrees;
     });
     return found == groups.end() ? nullptr : &*found;
+  }
+
+  // The paper of more sides that leans nearly as the single side that gave the angle with the
+  // print, which may be another sheet's; else that side.
+  const SideGroup* PaperBesideSide() const {
+    const auto groups = sides_.view();
+    const auto found = std::ranges::find_if(groups, [this](const SideGroup& group) {
+      return !group.isRim && group.count >= 3 && group.HasBothDirections() &&
+             std::abs(group.degrees - decision_.degrees) <= kBesideDegrees;
+    });
+    return found == groups.end() ? group_ : &*found;
   }
 
   // How far out a line lies from the middle of the picture.
@@ -252,7 +261,8 @@ class Cutter {
     return level;
   }
 
-  // Takes away the lines that both neighbours end before: those of another sheet.
+  // Takes away the lines that both neighbours end before, with a gap behind: those of another
+  // sheet.
   void DropFarLines() {
     const auto lines = lines_;
     for (const Side side : kAllSides) {
@@ -264,8 +274,17 @@ class Cutter {
       if (EndsInside(*before, (Index(side) + 3) % kSides, plane) &&
           EndsInside(*behind, (Index(side) + 1) % kSides, plane)) {
         lines_[Index(side)].reset();
+        if (!IsGapBefore(*line, side)) lines_[Index(side)] = line;
       }
     }
+  }
+
+  // Whether it is dark somewhere between where the other lines end and this one.
+  bool IsGapBefore(const SideLine& line, Side side) const {
+    const std::array<HalfPlane, kSides> region = Region();
+    const Point middle = PointAt(line, Index(side), (line.from + line.to) / 2.0);
+    const double distance = -region[Index(side)].Inside(middle.x, middle.y);
+    return evidence::FirstGapBeyond(page_, Threshold(), region, side) < distance - kGapBefore;
   }
 
   static Point PointAt(const SideLine& line, size_t side, double along) {
@@ -284,11 +303,24 @@ class Cutter {
   void DropBars() {
     for (const Side side : kAllSides) {
       const auto& line = lines_[Index(side)];
-      isBar_[Index(side)] = line && (IsBar(side) || line->contradicted >= kContradicted);
+      isBar_[Index(side)] = line && (IsBar(side) || IsContradicted(*line, side));
     }
     for (const Side side : kAllSides) {
       if (isBar_[Index(side)]) lines_[Index(side)].reset();
     }
+  }
+
+  // Whether the trace beside a line runs at the picture's edge, at every threshold that sees it.
+  bool IsContradicted(const SideLine& line, Side side) const {
+    if (line.contradicted < kContradicted) return false;
+    const double outness = OutnessOf(line, side);
+    const auto sets = std::span(sides_.sets).first(sides_.thresholds.count);
+    return std::ranges::none_of(sets, [&](const evidence::SideSet& set) {
+      const SideLine& other = set[Index(side)];
+      return other.isSeen && other.contradicted < kContradicted &&
+             std::abs(other.degrees - line.degrees) <= kSameDegrees &&
+             std::abs(OutnessOf(other, side) - outness) <= kSoftShare * page_.size();
+    });
   }
 
   // Whether the dark outside a line is a bar on the sheet that the frame cuts.
@@ -325,16 +357,78 @@ class Cutter {
     return true;
   }
 
-  CutRect Bound(std::span<const HalfPlane, kSides> region, double outwards, Cut* cut) const {
+  // Decides what the cut ends at on one side, and how far beyond its line or its start.
+  void EndSide(Side side, std::span<const HalfPlane, kSides> region) {
+    const size_t i = Index(side);
+    beyond_[i] = light_[i];
+    if (lines_[i]) {
+      ends_[i] = IsClosed(side, region) ? End::kClosed : End::kLine;
+      if (ends_[i] == End::kClosed) beyond_[i] = 0.0;
+      return;
+    }
+    const double gap = GapBeyond(side, region);
+    if (std::isfinite(gap)) {
+      ends_[i] = End::kGap;
+      beyond_[i] = gap;
+    } else if (RunsOff(side) || !HasNeighbour(side)) {
+      EndAtFrame(side);
+    } else {
+      ends_[i] = End::kLight;
+    }
+  }
+
+  // Nothing tells where the page ends before the picture does.
+  void EndAtFrame(Side side) {
+    ends_[Index(side)] = End::kFrame;
+    beyond_[Index(side)] = 2.0 * page_.size();
+  }
+
+  // Gives up what cuts print off but is no line of the group's own. False when nothing does.
+  bool WidenForPrint(std::span<const double, kSides> inkBeyond) {
+    bool isWidened = false;
+    for (const Side side : kAllSides) {
+      const size_t i = Index(side);
+      if (inkBeyond[i] <= kPrintLost || group_->Has(side) || ends_[i] == End::kFrame) continue;
+      if (ends_[i] == End::kClosed && light_[i] > 0.0) {
+        ends_[i] = End::kLine;
+        beyond_[i] = light_[i];
+      } else {
+        lines_[i].reset();
+        EndAtFrame(side);
+      }
+      isWidened = true;
+    }
+    return isWidened;
+  }
+
+  void Tell(Cut* cut) const {
+    cut->isBelieved = cut->rect.right > cut->rect.left && cut->rect.bottom > cut->rect.top;
+    for (const Side side : kAllSides) {
+      const size_t i = Index(side);
+      const double light = light_[i] / page_.size();
+      switch (ends_[i]) {
+        case End::kLine:
+          cut->widened = std::max(cut->widened, light);
+          break;
+        case End::kClosed:
+          cut->lightOutside = std::max(cut->lightOutside, light);
+          break;
+        case End::kFrame:
+          cut->isBelieved = cut->isBelieved && NeighboursReachFrame(side);
+          ++(RunsOff(side) ? cut->sidesOffFrame : cut->sidesUnseen);
+          break;
+        default:
+          ++cut->sidesUnseen;
+      }
+    }
+  }
+
+  CutRect Bound(std::span<const HalfPlane, kSides> region, double outwards) const {
     Polygon polygon = PictureOutline(page_.width(), page_.height());
     for (size_t i = 0; i < kSides; ++i) {
       HalfPlane plane = region[i];
-      if (lines_[i]) {
-        plane.c -= std::max(outwards, beyond_[i] + 1.0);
-        cut->widened = std::max(cut->widened, beyond_[i] / page_.size());
-      } else {
-        plane.c -= beyond_[i] + kLightSlack * page_.size();
-      }
+      plane.c -= lines_[i] ? std::max(outwards, beyond_[i] + 1.0)
+                           : beyond_[i] + kLightSlack * page_.size();
       polygon = Clip(polygon, plane);
     }
     CutRect rect{INFINITY, INFINITY, -INFINITY, -INFINITY};
@@ -346,22 +440,34 @@ class Cutter {
     return rect;
   }
 
-  double InkOutside(const InkPicture& ink, const CutRect& rect) const {
+  // Shares of all ink that lie beyond each side of the cut; at a corner, beyond one of the two.
+  std::array<double, kSides> InkBeyond(const InkPicture& ink, const CutRect& rect) const {
     const int32_t step = std::max(1, std::max(ink.width, ink.height) / kInkSamples);
     const double scale = static_cast<double>(1 << page_.reduced().shift);
     int64_t all = 0;
-    int64_t outside = 0;
+    std::array<int64_t, kSides> beyond{};
     for (int32_t y = 0; y < ink.height; y += step) {
       const uint8_t* row = ink.Row(y);
       for (int32_t x = 0; x < ink.width; ++x) {
         if (row[x] == 0) continue;
         ++all;
         const Point place = axes_.ToPage({x * scale, y * scale});
-        outside += place.x < rect.left || place.x > rect.right || place.y < rect.top ||
-                   place.y > rect.bottom;
+        if (place.y < rect.top) {
+          ++beyond[Index(Side::kTop)];
+        } else if (place.x > rect.right) {
+          ++beyond[Index(Side::kRight)];
+        } else if (place.y > rect.bottom) {
+          ++beyond[Index(Side::kBottom)];
+        } else if (place.x < rect.left) {
+          ++beyond[Index(Side::kLeft)];
+        }
       }
     }
-    return all > 0 ? static_cast<double>(outside) / static_cast<double>(all) : 0.0;
+    std::array<double, kSides> shares{};
+    for (size_t i = 0; i < kSides && all > 0; ++i) {
+      shares[i] = static_cast<double>(beyond[i]) / static_cast<double>(all);
+    }
+    return shares;
   }
 
   const PageLevels& page_;
@@ -371,7 +477,10 @@ class Cutter {
   const SideGroup* group_ = nullptr;  // whose lines bound the page
   std::array<std::optional<SideLine>, kSides> lines_;
   std::array<bool, kSides> isBar_{};
-  std::array<double, kSides> beyond_{};  // how far the page goes on beyond each, in pixels
+  std::array<double, kSides>
+      light_{};  // how far light goes on beyond each line or start, in pixels
+  std::array<End, kSides> ends_{};
+  std::array<double, kSides> beyond_{};  // how far beyond it the cut ends
 };
 
 }  // namespace

@@ -91,16 +91,25 @@ bool IsPlainSheet(const PaperSides& sides) {
   return whole == sides.thresholds.count;
 }
 
+// The line inside of which print is looked for on one side of the page: the best group's, else that
+// of a rim, whose own edge would pass for print.
+const SideLine* BoundOfPrint(const PaperSides& sides, Side side) {
+  const auto groups = sides.view();
+  if (groups[0].Has(side)) return &sides.SidesOf(groups[0])[static_cast<size_t>(side)];
+  const auto rim = std::ranges::find_if(
+      groups, [side](const SideGroup& group) { return group.isRim && group.Has(side); });
+  return rim == groups.end() ? nullptr : &sides.SidesOf(*rim)[static_cast<size_t>(side)];
+}
+
 bool FindPrint(PageEvidence* seen) {
   std::array<HalfPlane, kSides> region{};
   size_t planes = 0;
   const PageLevels& page = seen->page;
   if (seen->sides.groupCount > 0 && seen->sides.groups[0].count >= 2) {
-    const SideGroup& group = seen->sides.groups[0];
     for (const Side side : kAllSides) {
-      if (!group.Has(side)) continue;
-      const SideLine& line = seen->sides.SidesOf(group)[static_cast<size_t>(side)];
-      HalfPlane plane = evidence::InsideOf(line, side, kInkInset * page.size());
+      const SideLine* line = BoundOfPrint(seen->sides, side);
+      if (line == nullptr) continue;
+      HalfPlane plane = evidence::InsideOf(*line, side, kInkInset * page.size());
       plane.c /= 1 << page.reduced().shift;
       region[planes++] = plane;
     }

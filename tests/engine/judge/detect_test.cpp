@@ -163,6 +163,37 @@ TEST(Detect, EndsASideHiddenByAnotherSheetAtTheGap) {
   EXPECT_NEAR(found.cut.right, 680.0 - 399.5, 6.0);
 }
 
+// A page that runs off the picture on the left, with a bar down it there and print beyond the bar.
+TEST(Detect, TakesNoBarWithPrintBeyondItForAGap) {
+  DrawnPage page = Turned(0.0);
+  page.centerX = 250;
+  TestImage scan = DrawPage(page);
+  FillRectangle(&scan, 0, 130, 69, 870, 230);
+  FillRectangle(&scan, 70, 130, 94, 870, 20);
+  for (int32_t y = 160; y < 840; y += 20) FillRectangle(&scan, 8, y, 58, y + 9, 40);
+  EXPECT_LT(Find(scan).cut.left, 8.0 - 399.5);
+}
+
+// A sheet on a light lid that hides its upper part, and the dark rim of the glass above: the rim's
+// edge is no print of the sheet's.
+TEST(Detect, DoesNotReadTheRimOfTheGlass) {
+  DrawnPage page = Turned(2.3);
+  page.background = 190;
+  page.text = false;
+  TestImage scan = DrawPage(page);
+  for (int32_t x = 0; x < 800; ++x) {
+    const int32_t hidden = 260 + x * 37 % 90;
+    for (int32_t y = 0; y < hidden; ++y) scan.Set(x, y, static_cast<uint8_t>(187 + (x + y) % 7));
+  }
+  FillRectangle(&scan, 0, 0, 799, 22, 8);
+  FillRectangle(&scan, 0, 985, 799, 999, 8);
+  FillRectangle(&scan, 0, 0, 9, 999, 8);
+  FillRectangle(&scan, 785, 0, 799, 999, 8);
+  const Finding found = Find(scan);
+  EXPECT_NEAR(found.turnDegrees, -2.3, 0.2);
+  EXPECT_GE(found.angleConfidence, Confidence::kLikely);
+}
+
 TEST(Detect, RefusesByNameWhatHoldsNoPage) {
   TestImage flat(300, 400, 8);
   flat.Fill(130);
