@@ -68,7 +68,7 @@ int32_t InputWork::Open() {
   if (output_.isShared) {
     const std::string& path = output_.Of(1);
     const auto pages = static_cast<int32_t>(numbers_.size());
-    shared_.emplace(SharedFile::Request{path, pages, Replacing(path), NeedsBigTiff(*file_)});
+    shared_.emplace(SharedFile::Request{path, pages, Replacing(path), &*file_});
   }
   const bool goesTogether = output_.isShared || run_->set;
   for (const int32_t number : numbers_) {
@@ -168,7 +168,7 @@ files::Page InputWork::Read(int32_t number, Share* share) const {
     const auto pixels = static_cast<int64_t>(width * height);
     *share = run_->budget.Take(kBytesAPage + kBytesAPixel * pixels);
   });
-  if (share != nullptr) share->Shrink(BytesFor(*page.image.rec()));
+  if (share != nullptr && isAdmitted) share->Shrink(BytesFor(*page.image.rec()));
   const std::string& source = input_.path == "-" ? run_->plan.standardInput : input_.path;
   if (StateOf(source) != state_) {
     throw files::FileError(input_.path + ": was changed while it was worked on");
@@ -192,7 +192,7 @@ void InputWork::WorkPage(int32_t number) {
     Share share;
     const files::Page page = Read(number, &share);
     const Clock::time_point start = Clock::now();
-    PageOutcome outcome = run_->page(page);
+    PageOutcome outcome = page.noPicture.empty() ? run_->page(page) : NoPictureOutcome(page);
     outcome.milliseconds = std::chrono::duration<double, std::milli>(Clock::now() - start).count();
     Finish(page, std::move(outcome), std::move(share));
     return;
@@ -210,6 +210,7 @@ void InputWork::WorkSet() {
   try {
     for (const int32_t number : todo_) {
       pages.push_back(Read(number, pages.empty() ? &share : nullptr));
+      if (!pages.back().noPicture.empty()) throw files::FileError(NoPictureWords(pages.back()));
     }
     outcomes = run_->set(pages);
   } catch (const std::exception& error) {
@@ -284,7 +285,7 @@ void InputWork::WriteAlone(const files::Page& page, const PageOutcome& outcome,
   if (isLeft && count_ == 1) {
     Copy(path);
   } else {
-    WritePage(path, Encode(path, page, outcome, record), Replacing(path));
+    WritePage(path, Encode(path, page, outcome, record), Replacing(path), &*file_);
   }
   record->output = path;
   record->isUnchanged = isLeft;

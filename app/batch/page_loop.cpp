@@ -41,6 +41,7 @@ class Loop {
     for (int32_t number = 1; number <= file.count() && std::ferror(stdout) == 0; ++number) {
       Guard(input, number, file.count(), [&] {
         const files::Page page = file.Read(number);
+        if (!page.noPicture.empty()) throw files::FileError(NoPictureWords(page));
         run_(page, overlay.names.empty() ? "" : overlay.Of(number));
         (void)std::fflush(stdout);
       });

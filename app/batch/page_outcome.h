@@ -35,6 +35,12 @@ struct PageOutcome {
   double milliseconds = 0;                                     // that the service took
 };
 
+// What is said of a page of a PDF file that is not one picture.
+std::string NoPictureWords(const files::Page& page);
+
+// What becomes of it: it is left as it is.
+PageOutcome NoPictureOutcome(const files::Page& page);
+
 // Called from several threads at once, each time for another page: what it gives depends on the
 // page alone.
 using PageService = std::function<PageOutcome(const files::Page& page)>;

@@ -43,9 +43,10 @@ void MakeFolderFor(const std::string& path) {
   if (code) throw files::FileError(folder.native() + ": cannot be made: " + code.message());
 }
 
-void WritePage(const std::string& path, files::EncodedPage page, files::Replacing replacing) {
+void WritePage(const std::string& path, files::EncodedPage page, files::Replacing replacing,
+               const files::PictureFile* source) {
   MakeFolderFor(path);
-  files::PictureWriter writer(path, FormatFor(path), replacing, files::Durability::kSynced);
+  files::PictureWriter writer(path, FormatFor(path), replacing, files::Durability::kSynced, source);
   writer.Add(std::move(page));
   writer.Commit();
 }
@@ -74,7 +75,7 @@ void WritePicture(const std::string& path, const files::PixPtr& pix, files::Repl
   }
   std::vector<std::string> notes;
   WritePage(path, files::EncodePage(FormatFor(path), *picture.image.rec(), picture, {}, &notes),
-            replacing);
+            replacing, nullptr);
 }
 
 void WriteOverlay(const std::string& path, const files::Page& page, const PageOutcome& outcome,

@@ -21,8 +21,9 @@ files::FileFormat FormatFor(const std::string& path);
 // Makes the folder that a file of a folder or pattern is to stand in. Throws FileError.
 void MakeFolderFor(const std::string& path);
 
-// Writes a file of one page. Throws FileError.
-void WritePage(const std::string& path, files::EncodedPage page, files::Replacing replacing);
+// Writes a file of one page, which comes from `source`; null: from none. Throws FileError.
+void WritePage(const std::string& path, files::EncodedPage page, files::Replacing replacing,
+               const files::PictureFile* source);
 
 // Copies a file byte for byte; does nothing when both are the same file. Throws FileError.
 void CopyFile(const std::string& from, const std::string& to, files::Replacing replacing);

@@ -27,7 +27,7 @@ void SharedFile::Append(DonePage* page) {
       if (!writer_) {
         MakeFolderFor(request_.path);
         writer_.emplace(request_.path, FormatFor(request_.path), request_.replacing,
-                        files::Durability::kSynced, request_.isBig);
+                        files::Durability::kSynced, request_.source);
       }
       writer_->Add(std::move(*page->page));
     } catch (const files::FileError& error) {

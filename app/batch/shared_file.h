@@ -27,7 +27,7 @@ class SharedFile {
     std::string path;
     int32_t pages = 0;  // that will come, bad ones too
     files::Replacing replacing = files::Replacing::kNever;
-    bool isBig = false;
+    const files::PictureFile* source = nullptr;  // which the pages come from
   };
 
   explicit SharedFile(Request request) : request_(std::move(request)) {}

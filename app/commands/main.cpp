@@ -50,6 +50,7 @@ int RunCommandLine(int argc, char** argv) {
   app.footer(
       "Examples:\n"
       "  vorlane straighten scan.tif -o straight.tif --overlay found.png\n"
+      "  vorlane straighten scans.pdf -o straight.pdf\n"
       "  vorlane straighten box/ -o out/ --journal box.jsonl   # a folder; --resume goes on with "
       "it\n"
       "  vorlane detect scan.png                               # look, write nothing\n"

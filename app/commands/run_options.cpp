@@ -39,10 +39,11 @@ void AddBatchOptions(CLI::App* app, batch::BatchRequest* request) {
 }
 
 void AddOutputOptions(CLI::App* app, batch::BatchRequest* request) {
-  app->add_option("-o,--output", request->output,
-                  "File, folder, - for the standard output, or pattern with {name}, {ext}, {dir}, "
-                  "{page} and {page:04}. The extension chooses the format; a TIFF of several pages "
-                  "stays one; folders are mirrored under a folder")
+  app->add_option(
+         "-o,--output", request->output,
+         "File, folder, - for the standard output, or pattern with {name}, {ext}, {dir}, "
+         "{page} and {page:04}. The extension chooses the format; a TIFF or PDF of several "
+         "pages stays one; folders are mirrored under a folder")
       ->required()
       ->type_name("FILE")
       ->group(kInputGroup);
@@ -84,8 +85,8 @@ void AddMeasureOptions(CLI::App* app, batch::BatchRequest* request) {
 void AddInputOptions(CLI::App* app, batch::BatchRequest* request) {
   batch::InputRequest* inputs = &request->inputs;
   app->add_option("INPUT", inputs->words,
-                  "Image files: TIFF (any number of pages), PNG, JPEG, BMP, PNM; folders, searched "
-                  "with all below them; - for a picture on the standard input")
+                  "Image files: TIFF and scanned PDF (any number of pages), PNG, JPEG, BMP, PNM; "
+                  "folders, searched with all below them; - for a picture on the standard input")
       ->group(kInputGroup);
   CLI::Option* list = app->add_option("--files-from", inputs->filesFrom,
                                       "Take the inputs' names from this file, one a line; - for "

@@ -21,6 +21,9 @@ class ByteSource {
   // Copies the bytes from `offset` on into `out` and returns how many there were: fewer than asked
   // for at the end only. Throws DecodeError when the system cannot read them.
   virtual size_t ReadAt(uint64_t offset, std::span<uint8_t> out) const = 0;
+
+  // The open file, for what reads it by itself; -1: there is none.
+  virtual int handle() const { return -1; }
 };
 
 class MemorySource : public ByteSource {
@@ -42,6 +45,7 @@ class FileSource : public ByteSource {
   ~FileSource() override;
   uint64_t size() const override { return size_; }
   size_t ReadAt(uint64_t offset, std::span<uint8_t> out) const override;
+  int handle() const override { return handle_; }
 
  private:
   int handle_ = -1;

@@ -11,7 +11,7 @@ std::optional<FileFormat> FormatOfName(const std::string& path) {
       {".tif", FileFormat::kTiff}, {".tiff", FileFormat::kTiff}, {".png", FileFormat::kPng},
       {".jpg", FileFormat::kJpeg}, {".jpeg", FileFormat::kJpeg}, {".bmp", FileFormat::kBmp},
       {".pnm", FileFormat::kPnm},  {".pbm", FileFormat::kPbm},   {".pgm", FileFormat::kPgm},
-      {".ppm", FileFormat::kPpm}};
+      {".ppm", FileFormat::kPpm},  {".pdf", FileFormat::kPdf}};
   std::string extension = std::filesystem::path(path).extension().string();
   for (char& c : extension) c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
   const auto found = kFormats.find(extension);
@@ -19,6 +19,8 @@ std::optional<FileFormat> FormatOfName(const std::string& path) {
   return found->second;
 }
 
-bool HoldsManyPages(FileFormat format) { return format == FileFormat::kTiff; }
+bool HoldsManyPages(FileFormat format) {
+  return format == FileFormat::kTiff || format == FileFormat::kPdf;
+}
 
 }  // namespace vorlane::files

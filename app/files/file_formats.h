@@ -6,7 +6,7 @@
 
 namespace vorlane::files {
 
-enum class FileFormat { kTiff, kPng, kJpeg, kBmp, kPnm, kPbm, kPgm, kPpm };
+enum class FileFormat { kTiff, kPng, kJpeg, kBmp, kPnm, kPbm, kPgm, kPpm, kPdf };
 
 // The format that the extension of `path` asks for, in either letter case.
 std::optional<FileFormat> FormatOfName(const std::string& path);
@@ -16,6 +16,6 @@ bool HoldsManyPages(FileFormat format);
 
 // The extensions that can be written, for messages.
 inline constexpr const char* kWritableExtensions =
-    ".tif .tiff .png .jpg .jpeg .bmp .pnm .pbm .pgm .ppm";
+    ".tif .tiff .png .jpg .jpeg .bmp .pnm .pbm .pgm .ppm .pdf";
 
 }  // namespace vorlane::files

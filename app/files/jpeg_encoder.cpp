@@ -252,7 +252,9 @@ EncodedPage EncodeJpeg(const EncodeJob& job) {
   PutRows(job.image, &encoder);
   encoder.Finish();
   if (job.image.bitsPerPixel == 1) job.notes->emplace_back("1-bit page stored as 8-bit grey");
-  return {{encoder.bytes().begin(), encoder.bytes().end()}, {}};
+  EncodedPage page;
+  page.bytes.assign(encoder.bytes().begin(), encoder.bytes().end());
+  return page;
 }
 
 }  // namespace vorlane::files

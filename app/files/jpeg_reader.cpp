@@ -276,9 +276,8 @@ void DecodeRows(JpegDecoder* decoder, const SampleLayout& layout, int32_t height
   if (!converter.Note().empty()) page->notes.push_back(converter.Note());
 }
 
-}  // namespace
-
-void ReadJpeg(Bytes bytes, const ReadLimits& limits, Page* page) {
+// Returns the orientation that the metadata ask for.
+uint32_t Decode(Bytes bytes, const ReadLimits& limits, Page* page) {
   page->coding.jpeg = JpegCodingOf(bytes);
   const RowBehind behind(&bytes);
   JpegDecoder decoder(bytes);
@@ -294,7 +293,18 @@ void ReadJpeg(Bytes bytes, const ReadLimits& limits, Page* page) {
   DecodeRows(&decoder, layout, height, page);
   behind.Check(&decoder, decoder.info().image_width);
   decoder.Finish();
-  ApplyOrientation(orientation, page);
+  return orientation;
+}
+
+}  // namespace
+
+void ReadJpeg(Bytes bytes, const ReadLimits& limits, Page* page) {
+  ApplyOrientation(Decode(std::move(bytes), limits, page), page);
+}
+
+void ReadJpegPicture(Bytes bytes, const ReadLimits& limits, Page* page) {
+  (void)Decode(std::move(bytes), limits, page);
+  page->metadata = {};
 }
 
 }  // namespace vorlane::files

@@ -9,4 +9,8 @@ namespace vorlane::files {
 // with the decoder's words, when it is damaged, cut short or beyond the limits.
 void ReadJpeg(Bytes bytes, const ReadLimits& limits, Page* page);
 
+// The same for the data of a picture in a file of another format: what they say besides their
+// pixels counts for nothing, the orientation too.
+void ReadJpegPicture(Bytes bytes, const ReadLimits& limits, Page* page);
+
 }  // namespace vorlane::files

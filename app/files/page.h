@@ -18,6 +18,7 @@ struct Page {
   int32_t number = 1;                     // 1 for the file's first page
   int32_t count = 1;                      // pages in the file
   vorlanepic::frame::ScratchImage image;  // 1, 8 or 24 bits per pixel, the right way up
+  std::string noPicture;  // why the page is no picture and has no pixels; else empty
   Metadata metadata;
   PageCoding coding;
   std::vector<std::string> notes;     // what reading it changed, in words

@@ -35,6 +35,8 @@ struct PageCoding {
   FileFormat format = FileFormat::kTiff;
   bool isInverted = false;      // of greys and bits: 0 is white
   bool hasOpaqueAlpha = false;  // an alpha channel that is opaque everywhere
+  // Of a page of a PDF file, by how many degrees clockwise it is shown turned; -1: it is of none.
+  int32_t rotation = -1;
   TiffCoding tiff;
   JpegCoding jpeg;  // of JPEG files and of TIFF pages compressed so
 };

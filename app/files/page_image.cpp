@@ -84,8 +84,11 @@ void CheckSize(uint64_t width, uint64_t height, const ReadLimits& limits) {
   if (limits.gate) limits.gate(width, height);
 }
 
-void MakeImage(int32_t width, int32_t height, int32_t bitsPerPixel, Page* page) {
-  const int32_t status = Imgbuf_New(page->image.rec(), width, height, bitsPerPixel, 0);
+namespace {
+
+void MakeImage(int32_t width, int32_t height, int32_t bitsPerPixel,
+               vorlanepic::frame::ScratchImage* image) {
+  const int32_t status = Imgbuf_New(image->rec(), width, height, bitsPerPixel, 0);
   if (status == STATUS_OK) return;
   if (status == OUT_OF_MEMORY) throw DecodeError("there is not enough memory for this page");
   throw DecodeError(std::to_string(width) + " x " + std::to_string(height) + " pixels of " +
@@ -93,25 +96,38 @@ void MakeImage(int32_t width, int32_t height, int32_t bitsPerPixel, Page* page) 
                     " bits are too many; a page image holds up to 2 GB");
 }
 
-void ApplyOrientation(uint32_t orientation, Page* page) {
+}  // namespace
+
+void MakeImage(int32_t width, int32_t height, int32_t bitsPerPixel, Page* page) {
+  MakeImage(width, height, bitsPerPixel, &page->image);
+}
+
+vorlanepic::frame::ScratchImage Turned(const ImageRec& image, uint32_t orientation) {
   const Turning turning = TurningOf(orientation);
-  if (!turning.isTransposed && !turning.isMirrored && !turning.isFlipped) return;
-  const vorlanepic::frame::ScratchImage stored = std::move(page->image);
-  const ImageRec& from = *stored.rec();
-  page->image = vorlanepic::frame::ScratchImage();
-  MakeImage(turning.isTransposed ? from.height : from.width,
-            turning.isTransposed ? from.width : from.height, from.bitsPerPixel, page);
-  switch (from.bitsPerPixel) {
+  vorlanepic::frame::ScratchImage turned;
+  if (!turning.isTransposed && !turning.isMirrored && !turning.isFlipped) return turned;
+  MakeImage(turning.isTransposed ? image.height : image.width,
+            turning.isTransposed ? image.width : image.height, image.bitsPerPixel, &turned);
+  switch (image.bitsPerPixel) {
     case 1:
-      CopyTurned<Bit>(from, turning, page->image.rec());
+      CopyTurned<Bit>(image, turning, turned.rec());
       break;
     case 8:
-      CopyTurned<Whole<1>>(from, turning, page->image.rec());
+      CopyTurned<Whole<1>>(image, turning, turned.rec());
       break;
     default:
-      CopyTurned<Whole<3>>(from, turning, page->image.rec());
+      CopyTurned<Whole<3>>(image, turning, turned.rec());
   }
-  if (turning.isTransposed) std::swap(page->metadata.resolution.x, page->metadata.resolution.y);
+  return turned;
+}
+
+void ApplyOrientation(uint32_t orientation, Page* page) {
+  vorlanepic::frame::ScratchImage turned = Turned(*page->image.rec(), orientation);
+  if (turned.rec()->pixels == nullptr) return;
+  page->image = std::move(turned);
+  if (TurningOf(orientation).isTransposed) {
+    std::swap(page->metadata.resolution.x, page->metadata.resolution.y);
+  }
 }
 
 }  // namespace vorlane::files

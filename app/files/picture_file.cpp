@@ -9,6 +9,7 @@
 #include "app/files/bmp_reader.h"
 #include "app/files/jpeg_reader.h"
 #include "app/files/other_reader.h"
+#include "app/files/pdf_reader.h"
 #include "app/files/png_chunks.h"
 #include "app/files/png_reader.h"
 #include "app/files/pnm_reader.h"
@@ -58,8 +59,11 @@ void PictureFile::Look() {
     kind_ = Kind::kBmp;
   } else if (IsPnm(head)) {
     kind_ = Kind::kPnm;
+  } else if (IsPdf(*source_)) {
+    kind_ = Kind::kPdf;
+    LookAtPdfPages();
   } else if (!IsOtherFormat(head)) {
-    throw DecodeError("is no image file (TIFF, PNG, JPEG, BMP or PNM), or is damaged");
+    throw DecodeError("is no image file (TIFF, PNG, JPEG, BMP, PNM or PDF), or is damaged");
   }
 }
 
@@ -71,6 +75,14 @@ void PictureFile::CountTiffPages() {
   if (isDamaged && (found == 0 || found >= most)) throw DecodeError(tiffPages_.damage);
   if (found == 0) throw DecodeError("holds no pages");
   count_ = static_cast<int32_t>(found + (isDamaged ? 1 : 0));
+}
+
+void PictureFile::LookAtPdfPages() {
+  pdfPages_ = LookAtPdf(*source_, static_cast<size_t>(limits_.mostPages));
+  count_ = static_cast<int32_t>(pdfPages_.size());
+  const bool hasPicture = std::any_of(pdfPages_.begin(), pdfPages_.end(),
+                                      [](const PdfPage& page) { return page.refusal.empty(); });
+  if (hasPicture) CheckPdfHelper();
 }
 
 std::string PictureFile::NameOf(int32_t number) const {
@@ -102,6 +114,9 @@ void PictureFile::Decode(int32_t number, const ReadLimits& limits, Page* page) c
       ReadTiffPage(*source_, tiffHeader_, tiffPages_.directories[index], limits, page);
       break;
     }
+    case Kind::kPdf:
+      ReadPdfPage(*source_, pdfPages_[static_cast<size_t>(number) - 1], number, limits, page);
+      break;
     case Kind::kPng:
       ReadPng(ReadAll(*source_), limits, page);
       break;

@@ -7,6 +7,7 @@
 
 #include "app/files/byte_source.h"
 #include "app/files/page.h"
+#include "app/files/pdf_pages.h"
 #include "app/files/tiff_directory.h"
 
 namespace vorlane::files {
@@ -39,11 +40,15 @@ class PictureFile {
   };
   std::optional<TiffPlace> PlaceOf(int32_t number) const;
 
+  // The bytes of a PDF file, for handing on what it holds besides pictures; null for other files.
+  const ByteSource* pdf() const { return kind_ == Kind::kPdf ? source_.get() : nullptr; }
+
  private:
-  enum class Kind { kTiff, kPng, kJpeg, kBmp, kPnm, kOther };
+  enum class Kind { kTiff, kPdf, kPng, kJpeg, kBmp, kPnm, kOther };
 
   void Look();
   void CountTiffPages();
+  void LookAtPdfPages();
   void Decode(int32_t number, const ReadLimits& limits, Page* page) const;
   std::string NameOf(int32_t number) const;
 
@@ -54,6 +59,7 @@ class PictureFile {
   int32_t count_ = 1;
   TiffHeader tiffHeader_;
   TiffPages tiffPages_;
+  std::vector<PdfPage> pdfPages_;
 };
 
 }  // namespace vorlane::files

@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "app/files/jpeg_encoder.h"
+#include "app/files/pdf_encoder.h"
 #include "app/files/plain_encoders.h"
 #include "app/files/png_encoder.h"
 #include "app/files/tiff_encoder.h"
@@ -28,8 +29,20 @@ void NoteLosses(FileFormat format, const Metadata& metadata, std::vector<std::st
   AddWord(isPlain && !metadata.xmp.empty(), "XMP", &words);
   AddWord(isPlain && !metadata.exif.empty(), "EXIF", &words);
   AddWord(isPlain && !metadata.texts.empty(), "text", &words);
-  AddWord((isPlain || format == FileFormat::kPng) && !metadata.iptc.empty(), "IPTC", &words);
+  const bool isPdf = format == FileFormat::kPdf;
+  AddWord(isPdf && !metadata.xmp.empty(), "XMP", &words);
+  AddWord(isPdf && !metadata.exif.empty(), "EXIF", &words);
+  AddWord((isPlain || isPdf || format == FileFormat::kPng) && !metadata.iptc.empty(), "IPTC",
+          &words);
   if (!words.empty()) notes->push_back(words + " dropped, for which the format has no place");
+}
+
+// Whether the pages of a file are to become a BigTIFF: it is one, or its pages may take more than
+// 4 GB.
+bool NeedsBigTiff(const PictureFile& file) {
+  constexpr uint64_t kSafe = uint64_t{1} << 31;
+  const std::optional<PictureFile::TiffPlace> place = file.PlaceOf(1);
+  return place && (place->header.isBig || place->source.size() > kSafe);
 }
 
 }  // namespace
@@ -47,6 +60,8 @@ EncodedPage EncodePage(FileFormat format, const ImageRec& image, const Page& sou
       return EncodeJpeg(job);
     case FileFormat::kBmp:
       return EncodeBmp(job);
+    case FileFormat::kPdf:
+      return EncodePdf(job);
     default:
       return EncodePnm(format, job);
   }
@@ -54,6 +69,14 @@ EncodedPage EncodePage(FileFormat format, const ImageRec& image, const Page& sou
 
 EncodedPage KeepPage(FileFormat format, const PictureFile& file, const Page& page,
                      const WriteOptions& options, std::vector<std::string>* notes) {
+  if (format == FileFormat::kPdf && file.pdf() != nullptr) return KeepPdfPage(page);
+  if (!page.noPicture.empty()) {
+    throw EncodeError("the page is not one picture: " + page.noPicture +
+                      "; only a PDF file can take it as it is");
+  }
+  if (format == FileFormat::kPdf) {
+    return EncodePdfLossless({*page.image.rec(), page, options, notes});
+  }
   const std::optional<PictureFile::TiffPlace> place = file.PlaceOf(page.number);
   if (format == FileFormat::kTiff && place) {
     try {
@@ -66,17 +89,25 @@ EncodedPage KeepPage(FileFormat format, const PictureFile& file, const Page& pag
   return EncodePage(format, *page.image.rec(), page, options, notes);
 }
 
-bool NeedsBigTiff(const PictureFile& file) {
-  constexpr uint64_t kSafe = uint64_t{1} << 31;
-  const std::optional<PictureFile::TiffPlace> place = file.PlaceOf(1);
-  return place && (place->header.isBig || place->source.size() > kSafe);
+PictureWriter::PictureWriter(const std::string& path, FileFormat format, Replacing replacing,
+                             Durability durability, const PictureFile* source)
+    : path_(path),
+      format_(format),
+      file_(path, replacing, durability),
+      chain_(source != nullptr && NeedsBigTiff(*source)) {
+  if (format != FileFormat::kPdf) return;
+  try {
+    pdf_.emplace(source != nullptr ? source->pdf() : nullptr);
+  } catch (const DecodeError& error) {
+    throw FileError(source->name() + ": " + error.what());
+  }
 }
 
-PictureWriter::PictureWriter(const std::string& path, FileFormat format, Replacing replacing,
-                             Durability durability, bool isBig)
-    : path_(path), format_(format), file_(path, replacing, durability), chain_(isBig) {}
-
 void PictureWriter::Add(EncodedPage page) {
+  if (pdf_) {
+    pdf_->Add(page);
+    return;
+  }
   if (format_ != FileFormat::kTiff) {
     file_.Append(page.bytes);
     return;
@@ -86,6 +117,11 @@ void PictureWriter::Add(EncodedPage page) {
   } catch (const EncodeError& error) {
     throw FileError(path_ + ": " + error.what());
   }
+}
+
+void PictureWriter::Commit() {
+  if (pdf_) pdf_->Finish(&file_);
+  file_.Commit();
 }
 
 void WritePicture(const std::string& path, const ImageRec& image, const Page& source,

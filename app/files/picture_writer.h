@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "app/files/encoded_page.h"
+#include "app/files/pdf_writer.h"
 #include "app/files/pending_file.h"
 #include "app/files/picture_file.h"
 #include "app/files/tiff_chain.h"
@@ -24,27 +25,26 @@ EncodedPage EncodePage(FileFormat format, const ImageRec& image, const Page& sou
 EncodedPage KeepPage(FileFormat format, const PictureFile& file, const Page& page,
                      const WriteOptions& options, std::vector<std::string>* notes);
 
-// Whether the pages of a file are to become a BigTIFF: it is one, or its pages may take more than
-// 4 GB.
-bool NeedsBigTiff(const PictureFile& file);
-
 class PictureWriter {
  public:
-  // Throws FileError when no file can be made there.
+  // `source` is the file that the pages come from: a PDF file hands on all else that it holds, and
+  // a TIFF file's size decides on the kind of TIFF; it outlives the writer. Throws FileError when
+  // no file can be made there.
   PictureWriter(const std::string& path, FileFormat format, Replacing replacing,
-                Durability durability, bool isBig = false);
+                Durability durability, const PictureFile* source = nullptr);
 
-  // Adds a page: to a TIFF file any number, to another exactly one. Throws FileError.
+  // Adds a page: to a TIFF or PDF file any number, to another exactly one. Throws FileError.
   void Add(EncodedPage page);
 
   // Gives the file its name. Throws FileError.
-  void Commit() { file_.Commit(); }
+  void Commit();
 
  private:
   std::string path_;
   FileFormat format_;
   PendingFile file_;
   TiffChain chain_;
+  std::optional<PdfWriter> pdf_;
 };
 
 // Writes a file of one page in the format that its name asks for. Throws FileError.
