@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
+#include <numeric>
 #include <optional>
 
 #include "engine/evidence/inner_trace.h"
@@ -52,14 +53,17 @@ constexpr double kInnerContrast = 8.0;
 // A line beyond the ends of both its neighbours by this share is another sheet's.
 constexpr double kTooFar = 0.025;
 constexpr double kGapBefore = 4.0;  // pixels
+constexpr double kAtFrame = 8.0;
 // What lies outside a side is lighter than outside the others by this much where it is no surround
 // but a bar on the sheet; bars that the frame cuts lie this near to it.
 constexpr double kBarLevels = 15.0;
 constexpr double kBarShare = 0.04;
 // Where the page runs off the picture, its other sides end this near to the frame.
 constexpr double kFrameShare = 0.02;
-// A side that is not the group's own is given up where it cuts off this share of the ink.
+// A side that is not the group's own is given up where it cuts off this share of the print: of the
+// ink that is light on three sides, this many pixels of the reduced picture away.
 constexpr double kPrintLost = 0.02;
+constexpr int32_t kLightAround = 6;
 constexpr int32_t kInkSamples = 500;
 
 class Cutter {
@@ -90,8 +94,8 @@ class Cutter {
       cut->rect = Bound(region, outwards);
       inkBeyond = InkBeyond(ink, cut->rect);
     }
-    for (const double share : inkBeyond) cut->inkOutside += share;
     Tell(cut);
+    if (cut->isBelieved) cut->inkOutside = std::accumulate(inkBeyond.begin(), inkBeyond.end(), 0.0);
     return true;
   }
 
@@ -127,12 +131,12 @@ class Cutter {
     return found == groups.end() ? nullptr : &*found;
   }
 
-  // The paper of more sides that leans nearly as the single side that gave the angle with the
-  // print, which may be another sheet's; else that side.
+  // The paper of more sides that leans nearly as the single side that agreed with the print, which
+  // may be another sheet's or the straight part of a curved one; else that side.
   const SideGroup* PaperBesideSide() const {
     const auto groups = sides_.view();
     const auto found = std::ranges::find_if(groups, [this](const SideGroup& group) {
-      return !group.isRim && group.count >= 3 && group.HasBothDirections() &&
+      return !group.isRim && group.HasBothDirections() &&
              std::abs(group.degrees - decision_.degrees) <= kBesideDegrees;
     });
     return found == groups.end() ? group_ : &*found;
@@ -292,11 +296,18 @@ class Cutter {
                                                  : Point{line.At(along), along};
   }
 
-  // Whether both ends of a line lie inside a half plane.
-  static bool EndsInside(const SideLine& line, size_t side, const HalfPlane& plane) {
-    const Point from = PointAt(line, side, line.from);
-    const Point to = PointAt(line, side, line.to);
-    return plane.Inside(from.x, from.y) > 0.0 && plane.Inside(to.x, to.y) > 0.0;
+  bool IsAtFrame(Point place) const {
+    return std::min(place.x, place.y) <= kAtFrame || place.x >= page_.width() - 1.0 - kAtFrame ||
+           place.y >= page_.height() - 1.0 - kAtFrame;
+  }
+
+  // Whether both ends of a line lie inside a half plane. One at the frame is not seen to end.
+  bool EndsInside(const SideLine& line, size_t side, const HalfPlane& plane) const {
+    for (const double along : {line.from, line.to}) {
+      const Point end = PointAt(line, side, along);
+      if (plane.Inside(end.x, end.y) <= 0.0 || IsAtFrame(end)) return false;
+    }
+    return true;
   }
 
   // Takes away the lines that are a bar's: the page runs off the picture there.
@@ -388,7 +399,8 @@ class Cutter {
     bool isWidened = false;
     for (const Side side : kAllSides) {
       const size_t i = Index(side);
-      if (inkBeyond[i] <= kPrintLost || group_->Has(side) || ends_[i] == End::kFrame) continue;
+      if (inkBeyond[i] <= kPrintLost || group_->Has(side)) continue;
+      if (ends_[i] == End::kFrame || ends_[i] == End::kLight) continue;
       if (ends_[i] == End::kClosed && light_[i] > 0.0) {
         ends_[i] = End::kLine;
         beyond_[i] = light_[i];
@@ -440,7 +452,21 @@ class Cutter {
     return rect;
   }
 
-  // Shares of all ink that lie beyond each side of the cut; at a corner, beyond one of the two.
+  // Whether ink is print on paper and no noise or dust of a dark surround.
+  bool IsOnLight(int32_t x, int32_t y) const {
+    const evidence::ReducedPicture& reduced = page_.reduced();
+    int32_t light = 0;
+    for (const int32_t dy : {-kLightAround, kLightAround}) {
+      for (const int32_t dx : {-kLightAround, kLightAround}) {
+        const int32_t column = std::clamp(x + dx, 0, reduced.width - 1);
+        const int32_t row = std::clamp(y + dy, 0, reduced.height - 1);
+        light += reduced.Row(row)[column] >= Threshold();
+      }
+    }
+    return light >= 3;
+  }
+
+  // Shares of all print that lie beyond each side of the cut; at a corner, beyond one of the two.
   std::array<double, kSides> InkBeyond(const InkPicture& ink, const CutRect& rect) const {
     const int32_t step = std::max(1, std::max(ink.width, ink.height) / kInkSamples);
     const double scale = static_cast<double>(1 << page_.reduced().shift);
@@ -449,7 +475,7 @@ class Cutter {
     for (int32_t y = 0; y < ink.height; y += step) {
       const uint8_t* row = ink.Row(y);
       for (int32_t x = 0; x < ink.width; ++x) {
-        if (row[x] == 0) continue;
+        if (row[x] == 0 || !IsOnLight(x, y)) continue;
         ++all;
         const Point place = axes_.ToPage({x * scale, y * scale});
         if (place.y < rect.top) {

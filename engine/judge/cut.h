@@ -20,7 +20,7 @@ struct Cut {
   // far light of something else goes on beyond a side.
   double widened = 0.0;
   double lightOutside = 0.0;
-  double inkOutside = 0.0;  // share of all ink
+  double inkOutside = 0.0;  // share of all ink; 0 where the cut is not believed
 };
 
 // Bounds the page of `decision` by its sides, moved outwards by `outwards` pixels. A side that was

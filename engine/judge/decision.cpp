@@ -167,10 +167,17 @@ class Judge {
     }
     const SideGroup* single = First([this](const SideGroup& group) { return Agrees(group); });
     if (single != nullptr) {
-      const bool isSure = IsStrong() && !single->isRim;
+      const bool isSure = IsStrong() && !single->isRim && !IsCornerApart();
       return ByBoth(*single, isSure ? Confidence::kSure : Confidence::kLikely);
     }
     return DecideApart();
+  }
+
+  // Whether a corner of the paper lies off the print: its sides are curved, or of another sheet.
+  bool IsCornerApart() const {
+    return First([this](const SideGroup& group) {
+             return group.HasBothDirections() && !group.isRim && OffPrint(group) > kRivalApart;
+           }) != nullptr;
   }
 
   // Sides and print agree: whichever tells the angle better gives it, or both.

@@ -91,14 +91,25 @@ bool IsPlainSheet(const PaperSides& sides) {
   return whole == sides.thresholds.count;
 }
 
-// The line inside of which print is looked for on one side of the page: the best group's, else that
-// of a rim, whose own edge would pass for print.
-const SideLine* BoundOfPrint(const PaperSides& sides, Side side) {
+// Print is looked for inside of this on one side of the page: the best group's line, else a rim's,
+// whose own edge would pass for print, else the picture's edge, where streaks and halos lie.
+HalfPlane BoundOfPrint(const PageLevels& page, const PaperSides& sides, Side side) {
   const auto groups = sides.view();
-  if (groups[0].Has(side)) return &sides.SidesOf(groups[0])[static_cast<size_t>(side)];
+  const auto has = [side](const SideGroup& group) { return group.Has(side); };
   const auto rim = std::ranges::find_if(
-      groups, [side](const SideGroup& group) { return group.isRim && group.Has(side); });
-  return rim == groups.end() ? nullptr : &sides.SidesOf(*rim)[static_cast<size_t>(side)];
+      groups, [has](const SideGroup& group) { return group.isRim && has(group); });
+  SideLine edge;
+  if (side == Side::kRight) edge.offset = page.width() - 1.0;
+  if (side == Side::kBottom) edge.offset = page.height() - 1.0;
+  const auto lineOf = [&sides, side](const SideGroup& group) {
+    return sides.SidesOf(group)[static_cast<size_t>(side)];
+  };
+  const SideLine line = has(groups[0])        ? lineOf(groups[0])
+                        : rim != groups.end() ? lineOf(*rim)
+                                              : edge;
+  HalfPlane plane = evidence::InsideOf(line, side, kInkInset * page.size());
+  plane.c /= 1 << page.reduced().shift;
+  return plane;
 }
 
 bool FindPrint(PageEvidence* seen) {
@@ -106,13 +117,7 @@ bool FindPrint(PageEvidence* seen) {
   size_t planes = 0;
   const PageLevels& page = seen->page;
   if (seen->sides.groupCount > 0 && seen->sides.groups[0].count >= 2) {
-    for (const Side side : kAllSides) {
-      const SideLine* line = BoundOfPrint(seen->sides, side);
-      if (line == nullptr) continue;
-      HalfPlane plane = evidence::InsideOf(*line, side, kInkInset * page.size());
-      plane.c /= 1 << page.reduced().shift;
-      region[planes++] = plane;
-    }
+    for (const Side side : kAllSides) region[planes++] = BoundOfPrint(page, seen->sides, side);
   }
   seen->wasPrintLookedAt = true;
   return evidence::FindInk(page.reduced(), std::span(region).first(planes), &seen->ink) &&

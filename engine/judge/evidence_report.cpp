@@ -72,7 +72,12 @@ void ReportEvidence(const Evidence& evidence, const Decision& decision, bool was
   at(EvidenceKind::kVote) = ReportVote(evidence.sides, decision.degrees);
   finding->by = 0;
   for (size_t i = 0; i < kEvidenceKinds; ++i) {
-    if (finding->evidence[i].verdict == Verdict::kBelieved) finding->by |= uint32_t{1} << i;
+    Verdict& verdict = finding->evidence[i].verdict;
+    const bool hasAnswer = decision.confidence != Confidence::kRefused;
+    if (!hasAnswer && (verdict == Verdict::kBelieved || verdict == Verdict::kDisagrees)) {
+      verdict = Verdict::kTooWeak;
+    }
+    if (verdict == Verdict::kBelieved) finding->by |= uint32_t{1} << i;
   }
 }
 

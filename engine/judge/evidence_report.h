@@ -6,7 +6,8 @@
 
 namespace vorlane::judge {
 
-// Writes finding->evidence and finding->by for an answer of `decision`.
+// Writes finding->evidence and finding->by for an answer of `decision`; where it is refused, what
+// was seen was too weak.
 void ReportEvidence(const Evidence& evidence, const Decision& decision, bool wasPrintLookedAt,
                     bool wereBarsLookedAt, Finding* finding);
 
