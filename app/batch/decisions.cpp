@@ -4,7 +4,10 @@
 #include <cmath>
 #include <filesystem>
 #include <fstream>
+#include <functional>
 #include <iostream>
+#include <map>
+#include <optional>
 #include <unordered_map>
 
 #include <nlohmann/json.hpp>
@@ -43,25 +46,46 @@ std::array<ReportPoint, 4> CornersIn(const Json& value) {
   return corners;
 }
 
-bool IsApplied(const Json& object, const std::string& confidence) {
+// What the lines about a page say, a later one laid over an earlier one.
+struct PageWords {
+  std::optional<bool> isApplied;
+  std::optional<double> angle;
+  std::optional<std::array<ReportPoint, 4>> corners;
+  std::string confidence;
+  const std::string* report = nullptr;  // the name of what holds the last line
+  int64_t line = 0;
+};
+
+void TakeDecision(const Json& object, PageWords* words) {
   const auto word = object.find("decision");
-  if (word == object.end()) return confidence == "sure" || confidence == "likely";
+  if (word == object.end()) return;
   if (*word != "apply" && *word != "leave") {
     throw LineError{"the decision is neither \"apply\" nor \"leave\""};
   }
-  return *word == "apply";
+  words->isApplied = *word == "apply";
 }
 
-Decision DecisionIn(const Json& object) {
-  Decision decision;
-  decision.confidence = object.value("confidence", std::string());
-  decision.isApplied = IsApplied(object, decision.confidence);
-  if (!decision.isApplied) return decision;
+void TakeTurn(const Json& object, PageWords* words) {
   const auto angle = object.find("angle");
-  if (angle == object.end()) throw LineError{"there is no angle to apply"};
-  decision.angle = NumberIn(*angle, -180, 180, "the angle");
+  if (angle != object.end()) words->angle = NumberIn(*angle, -180, 180, "the angle");
   const auto corners = object.find("corners");
-  if (corners != object.end() && !corners->is_null()) decision.corners = CornersIn(*corners);
+  if (corners == object.end()) return;
+  words->corners.reset();
+  if (!corners->is_null()) words->corners = CornersIn(*corners);
+}
+
+bool IsApplied(const PageWords& words) {
+  return words.isApplied.value_or(words.confidence == "sure" || words.confidence == "likely");
+}
+
+Decision DecisionFor(const PageWords& words) {
+  Decision decision;
+  decision.confidence = words.confidence;
+  decision.isApplied = IsApplied(words);
+  if (!decision.isApplied) return decision;
+  if (!words.angle) throw LineError{"there is no angle to apply"};
+  decision.angle = *words.angle;
+  decision.corners = words.corners;
   return decision;
 }
 
@@ -76,11 +100,14 @@ InputFile FileIn(const Json& object) {
   return file;
 }
 
+std::string Where(const std::string& report, int64_t line) {
+  return report + ": line " + std::to_string(line) + ": ";
+}
+
 class Reader {
  public:
-  void Add(const std::string& line) {
-    const Json object = Json::parse(line);
-    if (!object.is_object()) throw LineError{"is no JSON object"};
+  // A line of a report.
+  void Add(const Json& object, const std::string& report, int64_t line) {
     InputFile file = FileIn(object);
     const int32_t number = object.value("page", 0);
     if (number < 1) return;  // the file itself failed: there is nothing to make
@@ -88,40 +115,96 @@ class Reader {
     if (isNew) decisions_.files.push_back(file);
     std::vector<int32_t>& pages = decisions_.files[at->second].pages;
     if (std::find(pages.begin(), pages.end(), number) == pages.end()) pages.push_back(number);
-    decisions_.pages[file.path][number] = DecisionIn(object);
+    PageWords words;
+    words.confidence = object.value("confidence", std::string());
+    words.report = &report;
+    words.line = line;
+    TakeDecision(object, &words);
+    // What is left needs no turn, and a person may have written anything there.
+    if (IsApplied(words)) TakeTurn(object, &words);
+    pages_[file.path][number] = std::move(words);
+  }
+
+  // A line of decisions about a page that the report tells of.
+  void Lay(const Json& object, const std::string& report, int64_t line) {
+    const InputFile file = FileIn(object);
+    const int32_t number = object.value("page", 0);
+    PageWords* known = Find(file.path, number);
+    if (known == nullptr) {
+      throw LineError{"the report does not tell of page " + std::to_string(number) + " of " +
+                      file.path};
+    }
+    if (file.expected.size >= 0) decisions_.files[places_[file.path]].expected = file.expected;
+    known->report = &report;
+    known->line = line;
+    const bool turns = object.contains("angle") || object.contains("corners");
+    if (!turns && !object.contains("decision")) throw LineError{"decides nothing"};
+    if (turns) known->isApplied = true;
+    TakeDecision(object, known);
+    TakeTurn(object, known);
   }
 
   Decisions Take() {
     for (InputFile& file : decisions_.files) std::sort(file.pages.begin(), file.pages.end());
+    for (const auto& [file, pages] : pages_) {
+      for (const auto& [number, words] : pages) {
+        try {
+          decisions_.pages[file][number] = DecisionFor(words);
+        } catch (const LineError& error) {
+          throw files::UsageError(Where(*words.report, words.line) + error.words);
+        }
+      }
+    }
     return std::move(decisions_);
   }
 
  private:
+  PageWords* Find(const std::string& file, int32_t number) {
+    const auto pages = pages_.find(file);
+    if (pages == pages_.end()) return nullptr;
+    const auto page = pages->second.find(number);
+    return page == pages->second.end() ? nullptr : &page->second;
+  }
+
   Decisions decisions_;
   std::unordered_map<std::string, size_t> places_;  // of files
+  std::map<std::string, std::map<int32_t, PageWords>> pages_;
 };
 
-}  // namespace
+using LineTaker = std::function<void(const Json& object, int64_t line)>;
 
-Decisions ReadDecisions(const std::string& path) {
+void ReadLines(const std::string& path, const LineTaker& take) {
   std::ifstream file;
   if (path != "-") file.open(path, std::ios::binary);
   std::istream& stream = path == "-" ? std::cin : file;
   if (!stream) throw files::UsageError(path + ": this report cannot be opened");
-  Reader reader;
   std::string line;
   for (int64_t number = 1; std::getline(stream, line); ++number) {
     if (line.empty()) continue;
-    const std::string where = path + ": line " + std::to_string(number) + ": ";
     try {
-      reader.Add(line);
+      const Json object = Json::parse(line);
+      if (!object.is_object()) throw LineError{"is no JSON object"};
+      take(object, number);
     } catch (const Json::exception& error) {
-      throw files::UsageError(where + error.what());
+      throw files::UsageError(Where(path, number) + error.what());
     } catch (const LineError& error) {
-      throw files::UsageError(where + error.words);
+      throw files::UsageError(Where(path, number) + error.words);
     }
   }
   if (stream.bad()) throw files::UsageError(path + ": this report cannot be read");
+}
+
+}  // namespace
+
+Decisions ReadDecisions(const std::string& report, const std::string& edits) {
+  if (report == "-" && edits == "-") {
+    throw files::UsageError("the standard input holds the report or the decisions, not both");
+  }
+  Reader reader;
+  ReadLines(report, [&](const Json& object, int64_t line) { reader.Add(object, report, line); });
+  if (!edits.empty()) {
+    ReadLines(edits, [&](const Json& object, int64_t line) { reader.Lay(object, edits, line); });
+  }
   return reader.Take();
 }
 

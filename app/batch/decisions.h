@@ -32,7 +32,12 @@ struct Decisions {
 // Reads the JSON lines of a report or journal: file, page, angle, corners, "decision": "apply" or
 // "leave", and the state of the input where it is told. Without a decision, a sure or likely
 // finding is applied and everything else left. Of several lines about a page the last counts.
-// Throws UsageError, with the line's number, for what cannot be read or applied.
-Decisions ReadDecisions(const std::string& path);
+//
+// `edits`, where it is named, holds such lines about some of the report's pages: what they say
+// replaces what the report says, and a line with an angle or corners and without a decision is
+// applied.
+// Throws UsageError, with the line's number, for what cannot be read or applied and for a page that
+// the report does not tell of.
+Decisions ReadDecisions(const std::string& report, const std::string& edits = "");
 
 }  // namespace vorlane::batch

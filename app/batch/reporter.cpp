@@ -78,7 +78,7 @@ Reporter::Line Reporter::LineOf(const PageRecord& record) const {
   if (record.isError) line.error = "vorlane: " + Printable(record.words) + "\n";
   if (request_.json) {
     line.out = JsonLine(record) + "\n";
-  } else if (!record.isError && !request_.isQuiet) {
+  } else if (!record.isError && !request_.isQuiet && !request_.isTerse) {
     line.out = TextLine(record) + "\n";
   }
   if (request_.isVerbose) {
@@ -155,7 +155,8 @@ void Reporter::Finish() {
   inputs_.clear();
   ClearProgress();
   const bool isWorthSaying = tally_.pages + tally_.doneBefore > 1;
-  if (!request_.isQuiet && isWorthSaying) (void)std::fputs(Summary(tally_).c_str(), stderr);
+  if (!request_.isQuiet && !request_.isTerse && isWorthSaying)
+    (void)std::fputs(Summary(tally_).c_str(), stderr);
 }
 
 }  // namespace vorlane::batch

@@ -19,6 +19,7 @@ namespace vorlane::batch {
 struct ReportRequest {
   bool json = false;
   bool isQuiet = false;        // errors, and JSON when it is asked for
+  bool isTerse = false;        // the progress and errors, no line a page and no summary
   bool isVerbose = false;      // also what decoders remark and what is passed over
   bool onErrorOutput = false;  // lines go there: the standard output carries a picture
 };

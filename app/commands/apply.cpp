@@ -15,6 +15,7 @@ struct ApplyOptions {
   batch::BatchRequest batch;
   EngineOptions engine;
   std::string report;
+  std::string decisions;  // empty: none besides the report's
 };
 
 PageDecision DecisionOf(const batch::Decision& read) {
@@ -38,8 +39,8 @@ batch::PageOutcome Leave(const files::Page& page, const batch::Decision& decisio
 }
 
 int RunApply(ApplyOptions* options, const CLI::App& command) {
-  const auto decisions =
-      std::make_shared<const batch::Decisions>(batch::ReadDecisions(options->report));
+  const auto decisions = std::make_shared<const batch::Decisions>(
+      batch::ReadDecisions(options->report, options->decisions));
   options->batch.inputs.listed = decisions->files;
   FinishRequest(command, &options->batch);
   const auto engine = std::make_shared<finding::PageEngine>();
@@ -66,6 +67,9 @@ CommandRun AddApply(CLI::App* app) {
           "JSON lines of detect or straighten, or a journal, edited or not: angle, corners "
           "and \"decision\": \"apply\" or \"leave\" count; - for the standard input")
       ->required();
+  command->add_option("--decisions", options->decisions,
+                      "JSON lines about some of the report's pages, as the review page saves them: "
+                      "what they say counts instead; - for the standard input");
   AddOutputOptions(command, &options->batch);
   AddRunOptions(command, &options->batch);
   AddJournalOptions(command, &options->batch);
@@ -75,7 +79,8 @@ CommandRun AddApply(CLI::App* app) {
       "that changed since the report is named and not touched.\n"
       "Example:\n"
       "  vorlane detect box/ --json > found.jsonl   # look, edit\n"
-      "  vorlane apply found.jsonl -o out/");
+      "  vorlane apply found.jsonl -o out/\n"
+      "  vorlane apply found.jsonl --decisions found.decisions.jsonl -o out/");
   return [options, command] { return RunApply(options.get(), *command); };
 }
 

@@ -29,6 +29,12 @@ bool DecidesPages(const CLI::Option& option) {
   return option.count() > 0 && option.get_group() != kInputGroup && option.get_group() != kRunGroup;
 }
 
+// Whether what counts is what the file holds that the option names.
+bool NamesAFile(const CLI::Option& option) {
+  const std::string name = option.get_name();
+  return name == "--profile" || name == "--decisions" || name == "REPORT";
+}
+
 }  // namespace
 
 void AddBatchOptions(CLI::App* app, batch::BatchRequest* request) {
@@ -126,14 +132,18 @@ void AddRunOptions(CLI::App* app, batch::BatchRequest* request) {
   app->add_flag("--overwrite-inputs", request->overwriting.inputs,
                 "Let an output replace the input file itself")
       ->group(kRunGroup);
+  AddWorkOptions(app, request);
+  app->add_flag("--json", request->report.json, "One JSON object a line instead of text")
+      ->group(kRunGroup);
+}
+
+void AddWorkOptions(CLI::App* app, batch::BatchRequest* request) {
   app->add_option("-j,--jobs", request->jobs, "Pages worked on at a time [one a processor]")
       ->check(CLI::Range(1, kMostJobs))
       ->group(kRunGroup);
   app->add_option("--memory", request->memory,
                   "Bytes for the pages in work, as in 500M [half of what is free, at most 2G]")
       ->transform(AsBytes())
-      ->group(kRunGroup);
-  app->add_flag("--json", request->report.json, "One JSON object a line instead of text")
       ->group(kRunGroup);
   app->add_flag("-q,--quiet", request->report.isQuiet,
                 "Say nothing but errors, and JSON where it is asked for")
@@ -159,7 +169,7 @@ void FinishRequest(const CLI::App& command, batch::BatchRequest* request) {
     if (!DecidesPages(*option)) continue;
     all += option->get_name();
     for (const std::string& value : option->results()) all.append("=").append(value);
-    if (option->get_name() == "--profile") all += "=" + FileDigest(option->results().front());
+    if (NamesAFile(*option)) all += "=" + FileDigest(option->results().front());
     all += "\n";
   }
   request->options = batch::Sha256Of(all);

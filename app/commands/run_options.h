@@ -34,6 +34,10 @@ void AddMeasureOptions(CLI::App* app, batch::BatchRequest* request);
 void AddInputOptions(CLI::App* app, batch::BatchRequest* request);
 void AddRunOptions(CLI::App* app, batch::BatchRequest* request);
 
+// The part of AddRunOptions that changes nothing of what is made: jobs, memory and how much is
+// said.
+void AddWorkOptions(CLI::App* app, batch::BatchRequest* request);
+
 // Completes a request when the command line is read: the command's name, and the SHA-256 of all
 // options that decide what is written, with the bytes of a profile. Throws UsageError when options
 // contradict each other.

@@ -136,6 +136,18 @@ TEST(ApplyTest, MakesThePagesOfAReport) {
   EXPECT_NEAR(applied[0].image.rec()->height, straight[0].image.rec()->height, 1);
   EXPECT_TRUE(folder.Bytes("out/b.png") == folder.Bytes("b.png"));
 
+  // Decisions beside the report change the pages that they name and no others.
+  folder.WriteText(
+      "some.jsonl",
+      R"({"file":"b.png","page":1,"angle":0,"corners":[[8.5,9],[58.5,9],[58.5,39],[8.5,39]]})");
+  EXPECT_EQ(folder.Run("apply found.jsonl --decisions some.jsonl -o some/").exit, 0);
+  EXPECT_TRUE(folder.Bytes("some/a.png") == folder.Bytes("out/a.png"));
+  EXPECT_EQ(folder.Read("some/b.png")[0].image.rec()->width, 50);
+  folder.WriteText("some.jsonl", R"({"file":"b.png","page":2,"decision":"leave"})");
+  const CommandResult unknown = folder.Run("apply found.jsonl --decisions some.jsonl -o none/");
+  EXPECT_EQ(unknown.exit, 2);
+  EXPECT_THAT(unknown.err, HasSubstr("some.jsonl: line 1: the report does not tell of page 2"));
+
   std::filesystem::remove(folder.At("a.png"));
   folder.Write("a.png", {&page, &page}, 300);
   const CommandResult changed = folder.Run("apply found.jsonl -o again/");
