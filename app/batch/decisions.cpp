@@ -90,13 +90,8 @@ Decision DecisionFor(const PageWords& words) {
 }
 
 InputFile FileIn(const Json& object) {
-  InputFile file;
-  file.path = TakeName("file", object);
+  InputFile file = InputOf(object);
   if (file.path.empty() || file.path == "-") throw LineError{"there is no file named"};
-  file.dir = TakeName("dir", object);
-  file.place = (fs::path(file.dir) / fs::path(file.path).filename()).native();
-  file.expected = {object.value("inputSize", int64_t{-1}),
-                   object.value("inputModified", std::string())};
   return file;
 }
 
@@ -195,6 +190,16 @@ void ReadLines(const std::string& path, const LineTaker& take) {
 }
 
 }  // namespace
+
+InputFile InputOf(const nlohmann::ordered_json& line) {
+  InputFile file;
+  file.path = TakeName("file", line);
+  file.dir = TakeName("dir", line);
+  file.place = (fs::path(file.dir) / fs::path(file.path).filename()).native();
+  file.expected = {line.value("inputSize", int64_t{-1}),
+                   line.value("inputModified", std::string())};
+  return file;
+}
 
 Decisions ReadDecisions(const std::string& report, const std::string& edits) {
   if (report == "-" && edits == "-") {

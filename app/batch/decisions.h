@@ -8,6 +8,8 @@
 #include <string>
 #include <vector>
 
+#include <nlohmann/json.hpp>
+
 #include "app/batch/input_list.h"
 
 namespace vorlane::batch {
@@ -28,6 +30,9 @@ struct Decisions {
   std::vector<InputFile> files;  // in the report's order, with the pages that it names
   std::map<std::string, std::map<int32_t, Decision>> pages;  // by file and number
 };
+
+// The input that a line of a report or journal tells of, as it was then, without its pages.
+InputFile InputOf(const nlohmann::ordered_json& line);
 
 // Reads the JSON lines of a report or journal: file, page, angle, corners, "decision": "apply" or
 // "leave", and the state of the input where it is told. Without a decision, a sure or likely

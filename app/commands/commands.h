@@ -8,6 +8,7 @@ namespace vorlane::commands {
 
 CommandRun AddApply(CLI::App* app);
 CommandRun AddDetect(CLI::App* app);
+CommandRun AddReview(CLI::App* app);
 CommandRun AddStraighten(CLI::App* app);
 CommandRun AddPruned(CLI::App* app);
 CommandRun AddCrop(CLI::App* app);

@@ -63,10 +63,10 @@ int RunCommandLine(int argc, char** argv) {
       "143\n"
       "the run was stopped.");
   const std::vector<commands::CommandRun> runs = {
-      commands::AddStraighten(&app), commands::AddDetect(&app),    commands::AddApply(&app),
-      commands::AddCrop(&app),       commands::AddAngle(&app),     commands::AddPruned(&app),
-      commands::AddForm(&app),       commands::AddBlocks(&app),    commands::AddBarAngle(&app),
-      commands::AddMerge(&app),      commands::AddCompletion(&app)};
+      commands::AddStraighten(&app), commands::AddDetect(&app), commands::AddApply(&app),
+      commands::AddReview(&app),     commands::AddCrop(&app),   commands::AddAngle(&app),
+      commands::AddPruned(&app),     commands::AddForm(&app),   commands::AddBlocks(&app),
+      commands::AddBarAngle(&app),   commands::AddMerge(&app),  commands::AddCompletion(&app)};
   RefuseUnknownCommand(app, argc, argv);
   try {
     app.parse(argc, argv);
