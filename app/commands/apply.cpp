@@ -67,9 +67,11 @@ CommandRun AddApply(CLI::App* app) {
           "JSON lines of detect or straighten, or a journal, edited or not: angle, corners "
           "and \"decision\": \"apply\" or \"leave\" count; - for the standard input")
       ->required();
-  command->add_option("--decisions", options->decisions,
-                      "JSON lines about some of the report's pages, as the review page saves them: "
-                      "what they say counts instead; - for the standard input");
+  command
+      ->add_option("--decisions", options->decisions,
+                   "JSON lines about some of the report's pages, as the review page saves them: "
+                   "what they say counts instead; - for the standard input")
+      ->type_name("FILE");
   AddOutputOptions(command, &options->batch);
   AddRunOptions(command, &options->batch);
   AddJournalOptions(command, &options->batch);

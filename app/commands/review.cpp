@@ -97,7 +97,8 @@ int RunReview(const CLI::App& command, ReviewOptions* options) {
   if (exit >= batch::kExitSignal) return exit;
   WriteIndex(*options, pages, isPictured);
   TellResult(*options, pages);
-  return exit;
+  // A page that is no scan has its place among the others.
+  return exit == batch::kExitPagesLeft ? batch::kExitAllDone : exit;
 }
 
 }  // namespace
@@ -113,7 +114,8 @@ CommandRun AddReview(CLI::App* app) {
   command
       ->add_option("-o,--output", options->folder,
                    "Folder for the page, index.html, and the small pictures that it shows")
-      ->required();
+      ->required()
+      ->type_name("FOLDER");
   AddChoice(command, "--at-most", &options->most,
             {{"doubtful", static_cast<int32_t>(Sureness::kDoubtful)},
              {"likely", static_cast<int32_t>(Sureness::kLikely)},

@@ -29,11 +29,11 @@ function titleOf(page) {
   return page.pages > 1 ? `${short} [${page.page}]` : short;
 }
 
-/** What became of a page without a picture. */
+/** Why a page without a picture has none. */
 export function absenceWords(page) {
   return page.confidence === 'unread'
-    ? 'could not be read'
-    : 'missing, damaged, or changed since the journal was made';
+    ? 'cannot be shown: it could not be read'
+    : 'cannot be shown: it is no scan, or its file is missing, damaged or changed since';
 }
 
 /** What the window's title and heading say. */

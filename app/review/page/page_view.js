@@ -111,7 +111,7 @@ export class PageView {
     byId('page-view').dataset.confidence = page.confidence;
     byId('page-confidence').textContent = CONFIDENCE_WORDS[page.confidence];
     byId('page-view').classList.toggle('absent', !page.isPictured);
-    byId('page-absence').textContent = page.isPictured ? '' : `This page is ${absenceWords(page)}.`;
+    byId('page-absence').textContent = page.isPictured ? '' : `This page ${absenceWords(page)}.`;
     this.fillReasons();
     if (page.isPictured) {
       this.picture.src = `${this.journal.pictures}/${page.picture}`;

@@ -121,12 +121,12 @@ function decided(page, words) {
 
 function accept(page) {
   if (decisions.accept(page)) decided(page, 'accepted');
-  else announce(page.isPictured ? 'Nothing was found on this page: edit it to have it made.' : absenceWords(page));
+  else announce(page.isPictured ? 'Nothing was found on this page: edit it to have it made.' : `${page.title} ${absenceWords(page)}`);
 }
 
 function leave(page) {
   if (decisions.leave(page)) decided(page, 'left as it is');
-  else announce(absenceWords(page));
+  else announce(`${page.title} ${absenceWords(page)}`);
 }
 
 function reset(page) {
