@@ -1,20 +1,26 @@
 // vorlane blocks: the connected dark or non-zero blocks of a page.
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cstdio>
 #include <memory>
-#include <span>
+#include <string_view>
+#include <vector>
 
 #include "app/batch/page_loop.h"
 #include "app/batch/page_output.h"
 #include "app/batch/page_record.h"
+#include "app/batch/printable_name.h"
 #include "app/commands/commands.h"
 #include "app/files/image_convert.h"
 #include "app/overlay/block_overlay.h"
+#include "app/services/block_listing.h"
 #include "app/services/threshold_choice.h"
 
 namespace vorlane::commands {
 namespace {
+
+using services::Block;
 
 enum class BlockOrder { kAsFound, kCenter, kLeft };
 
@@ -28,87 +34,26 @@ struct BlockOptions {
   BlockOrder order = BlockOrder::kAsFound;
 };
 
-class BlockSet {
- public:
-  BlockSet() = default;
-  BlockSet(const BlockSet&) = delete;
-  BlockSet& operator=(const BlockSet&) = delete;
-  ~BlockSet() { DestoryBlockSetRec(&set_); }
-  BlockSetRec* rec() { return &set_; }
-  std::span<const BlockRec> blocks() const {
-    return {set_.blocks, static_cast<size_t>(set_.count)};
-  }
-
- private:
-  BlockSetRec set_{};
-};
-
-// Points hold 16-bit coordinates.
-constexpr int32_t kLargestSide = 65535;
-
-BlockRect RectOf(const BlockOptions& options, const ImageRec& image) {
-  if (options.rect.empty()) return {0, 0, image.width, image.height};
-  return {options.rect[0], options.rect[1], options.rect[2], options.rect[3]};
-}
-
-// The sorting functions look at non-zero pixels of an area, so the dark ones are set first.
-bool LabelInOrder(const BlockOptions& options, const ImageRec& image,
-                  const std::vector<uint8_t>& marks, BlockSet* set) {
-  const BlockRect rect = RectOf(options, image);
-  const LabelArea area{rect.y, rect.y + rect.h - 1, rect.x, rect.x + rect.w - 1};
-  const auto label =
-      options.order == BlockOrder::kCenter ? bw_label_center_area : bw_label_left_area;
-  return label(marks.data(), image.height, image.width, &area, set->rec()) == 1;
-}
-
-bool FindBlocks(const BlockOptions& options, const ImageRec& image, int32_t threshold,
-                BlockSet* set) {
-  std::vector<uint8_t> grey = files::ToGreyBuffer(image);
-  if (options.order != BlockOrder::kAsFound) {
-    if (!options.nonZero) {
-      for (uint8_t& level : grey) level = level <= threshold ? 255 : 0;
-    }
-    return LabelInOrder(options, image, grey, set);
-  }
-  const BlockRect rect = RectOf(options, image);
-  BlockMarkParam param = options.param;
-  param.threshold = static_cast<uint8_t>(threshold);
-  const auto mark = options.nonZero ? BWBlockMarkHorEx : ImageBlockMarkHorEx;
-  return mark(grey.data(), image.height, image.width, &param, &rect, set->rec()) == 0;
-}
-
 struct Column {
   const char* name;
-  int32_t (*value)(const BlockRec& block);
+  int64_t (*value)(const Block& block);
 };
 
 constexpr std::array<Column, 11> kColumns = {
-    {{"left", [](const BlockRec& b) { return b.left; }},
-     {"top", [](const BlockRec& b) { return b.top; }},
-     {"right", [](const BlockRec& b) { return b.right; }},
-     {"bottom", [](const BlockRec& b) { return b.bottom; }},
-     {"width", [](const BlockRec& b) { return b.width; }},
-     {"height", [](const BlockRec& b) { return b.height; }},
-     {"area", [](const BlockRec& b) { return b.area; }},
-     {"centerX", [](const BlockRec& b) { return b.centerX; }},
-     {"centerY", [](const BlockRec& b) { return b.centerY; }},
-     {"minLevel", [](const BlockRec& b) { return static_cast<int32_t>(b.minValue); }},
-     {"maxLevel", [](const BlockRec& b) { return static_cast<int32_t>(b.maxValue); }}}};
+    {{"left", [](const Block& b) -> int64_t { return b.left; }},
+     {"top", [](const Block& b) -> int64_t { return b.top; }},
+     {"right", [](const Block& b) -> int64_t { return b.right; }},
+     {"bottom", [](const Block& b) -> int64_t { return b.bottom; }},
+     {"width", [](const Block& b) -> int64_t { return b.right - b.left + 1; }},
+     {"height", [](const Block& b) -> int64_t { return b.bottom - b.top + 1; }},
+     {"area", [](const Block& b) { return b.area; }},
+     {"centerX", [](const Block& b) -> int64_t { return b.centerX; }},
+     {"centerY", [](const Block& b) -> int64_t { return b.centerY; }},
+     {"minLevel", [](const Block& b) -> int64_t { return b.minLevel; }},
+     {"maxLevel", [](const Block& b) -> int64_t { return b.maxLevel; }}}};
 
 std::string NameOf(const files::Page& page) {
   return batch::NameOf(page.file, page.number, page.count);
-}
-
-void PrintTable(const files::Page& page, std::span<const BlockRec> blocks, double milliseconds) {
-  std::printf("%s: %zu blocks, %.1f ms\n%6s", NameOf(page).c_str(), blocks.size(), milliseconds,
-              "block");
-  for (const Column& column : kColumns) std::printf(" %8s", column.name);
-  std::printf("\n");
-  for (size_t i = 0; i < blocks.size(); ++i) {
-    std::printf("%6zu", i);
-    for (const Column& column : kColumns) std::printf(" %8d", column.value(blocks[i]));
-    std::printf("\n");
-  }
 }
 
 std::string Quoted(const std::string& text) {
@@ -123,62 +68,157 @@ void PrintCsvHead() {
   std::printf("\n");
 }
 
-void PrintCsv(const files::Page& page, std::span<const BlockRec> blocks) {
-  const std::string name = Quoted(page.file);
-  for (size_t i = 0; i < blocks.size(); ++i) {
-    std::printf("%s,%d,%zu", name.c_str(), page.number, i);
-    for (const Column& column : kColumns) std::printf(",%d", column.value(blocks[i]));
+// A line of numbers that is written millions of times.
+class Line {
+ public:
+  void Put(std::string_view text) { text_ += text; }
+  void PutNumber(int64_t number, size_t width = 0) {
+    std::array<char, 24> digits{};
+    const char* end = std::to_chars(digits.data(), digits.data() + digits.size(), number).ptr;
+    const auto length = static_cast<size_t>(end - digits.data());
+    text_.append(width > length ? width - length : 0, ' ').append(digits.data(), length);
+  }
+  void Print() {
+    (void)std::fwrite(text_.data(), 1, text_.size(), stdout);
+    text_.clear();
+  }
+
+ private:
+  std::string text_;
+};
+
+// Prints the blocks of one page as they come.
+class BlockPrinter {
+ public:
+  BlockPrinter(const BlockOptions& options, const files::Page& page, int32_t threshold)
+      : options_(options), page_(page), csvName_(Quoted(batch::Printable(page.file))) {
+    if (options.csv) return;
+    if (options.batch.report.json) {
+      BeginJson(threshold);
+    } else {
+      BeginTable();
+    }
+  }
+
+  void Print(const Block& block) {
+    if (options_.csv) {
+      line_.Put(csvName_);
+      line_.Put(",");
+      line_.PutNumber(page_.number);
+      line_.Put(",");
+      line_.PutNumber(count_);
+      for (const Column& column : kColumns) {
+        line_.Put(",");
+        line_.PutNumber(column.value(block));
+      }
+      line_.Put("\n");
+    } else if (options_.batch.report.json) {
+      PutJson(block);
+    } else {
+      line_.PutNumber(count_, 6);
+      for (const Column& column : kColumns) line_.PutNumber(column.value(block), 9);
+      line_.Put("\n");
+    }
+    line_.Print();
+    ++count_;
+  }
+
+  void End(double milliseconds) const {
+    if (options_.csv) return;
+    if (options_.batch.report.json) {
+      nlohmann::ordered_json rest = {{"milliseconds", milliseconds}, {"notes", page_.notes}};
+      std::printf("],%s\n", batch::Dump(rest).c_str() + 1);  // without its brace
+    } else {
+      std::printf("%s: %lld blocks, %.1f ms\n", NameOf(page_).c_str(),
+                  static_cast<long long>(count_), milliseconds);
+    }
+  }
+
+ private:
+  void BeginTable() const {
+    std::printf("%s\n%6s", NameOf(page_).c_str(), "block");
+    for (const Column& column : kColumns) std::printf(" %8s", column.name);
     std::printf("\n");
   }
+
+  void BeginJson(int32_t threshold) const {
+    batch::PageRecord record;
+    record.command = "blocks";
+    record.file = page_.file;
+    record.number = page_.number;
+    record.count = page_.count;
+    nlohmann::ordered_json json = batch::JsonHead(record, "measured");
+    json["threshold"] = threshold;
+    std::string head = batch::Dump(json);
+    head.pop_back();
+    std::printf("%s,\"blocks\":[", head.c_str());
+  }
+
+  void PutJson(const Block& block) {
+    const char* before = count_ > 0 ? ",{\"" : "{\"";
+    for (const Column& column : kColumns) {
+      line_.Put(before);
+      line_.Put(column.name);
+      line_.Put("\":");
+      line_.PutNumber(column.value(block));
+      before = ",\"";
+    }
+    line_.Put("}");
+  }
+
+  const BlockOptions& options_;
+  const files::Page& page_;
+  std::string csvName_;
+  Line line_;
+  int64_t count_ = 0;
+};
+
+services::BlockSearch SearchFor(const BlockOptions& options, const ImageRec& image,
+                                int32_t threshold) {
+  services::BlockSearch search;
+  search.threshold = threshold;
+  search.isNonZero = options.nonZero;
+  search.runs = options.param;
+  search.rect = {0, 0, image.width, image.height};
+  if (!options.rect.empty()) {
+    search.rect = {options.rect[0], options.rect[1], options.rect[2], options.rect[3]};
+  }
+  return search;
 }
 
-void PrintBlocksJson(const files::Page& page, std::span<const BlockRec> blocks, int32_t threshold,
-                     double milliseconds) {
-  batch::PageRecord record;
-  record.command = "blocks";
-  record.file = page.file;
-  record.number = page.number;
-  record.count = page.count;
-  nlohmann::ordered_json json = batch::JsonHead(record, "measured");
-  json["threshold"] = threshold;
-  json["milliseconds"] = milliseconds;
-  json["blocks"] = nlohmann::ordered_json::array();
-  for (const BlockRec& block : blocks) {
-    nlohmann::ordered_json one;
-    for (const Column& column : kColumns) one[column.name] = column.value(block);
-    json["blocks"].push_back(one);
-  }
-  json["notes"] = page.notes;
-  std::printf("%s\n", batch::Dump(json).c_str());
+void Sort(BlockOrder order, std::vector<Block>* blocks) {
+  const auto key = order == BlockOrder::kCenter ? &Block::centerX : &Block::left;
+  std::stable_sort(blocks->begin(), blocks->end(),
+                   [key](const Block& a, const Block& b) { return a.*key < b.*key; });
 }
 
 void RunPage(const BlockOptions& options, const files::Page& page, const std::string& overlay) {
   const ImageRec& image = *page.image.rec();
-  if (image.width > kLargestSide || image.height > kLargestSide) {
-    throw files::FileError(NameOf(page) +
-                           ": blocks can be marked on pages of up to 65535 x 65535 pixels");
-  }
   const int32_t threshold =
       options.threshold >= 0 ? options.threshold : services::SplitLevel(image);
-  BlockSet set;
-  bool found = false;
-  const double milliseconds = Timed([&] { found = FindBlocks(options, image, threshold, &set); });
-  if (!found) {
-    throw files::FileError(
-        NameOf(page) + ": the rectangle begins outside the page, or there is not enough memory");
+  const services::BlockSearch search = SearchFor(options, image, threshold);
+  vorlanepic::frame::PixelRect area{};
+  if (!vorlanepic::omr::ClipToImage(search.rect, image.width, image.height, &area)) {
+    throw files::FileError(NameOf(page) + ": the rectangle begins outside the page");
   }
-  if (!overlay.empty()) {
-    const bool mayReplace = options.batch.overwriting.outputs;
-    batch::WritePicture(overlay, overlay::DrawBlocks(page, set.blocks()),
-                        mayReplace ? files::Replacing::kAllowed : files::Replacing::kNever);
-  }
-  if (options.csv) {
-    PrintCsv(page, set.blocks());
-  } else if (options.batch.report.json) {
-    PrintBlocksJson(page, set.blocks(), threshold, milliseconds);
-  } else {
-    PrintTable(page, set.blocks(), milliseconds);
-  }
+  const bool isSorted = options.order != BlockOrder::kAsFound;
+  std::vector<Block> blocks;  // where all are needed at once
+  BlockPrinter printer(options, page, threshold);
+  const double milliseconds = Timed([&] {
+    const std::vector<uint8_t> grey = files::ToGreyBuffer(image);
+    services::ListBlocks(grey, image.width, image.height, search, [&](const Block& block) {
+      if (isSorted || !overlay.empty()) blocks.push_back(block);
+      if (!isSorted) printer.Print(block);
+      return std::ferror(stdout) == 0;
+    });
+  });
+  if (isSorted) Sort(options.order, &blocks);
+  for (size_t i = 0; isSorted && i < blocks.size(); ++i) printer.Print(blocks[i]);
+  printer.End(milliseconds);
+  if (overlay.empty()) return;
+  const bool mayReplace = options.batch.overwriting.outputs;
+  batch::WritePicture(overlay, overlay::DrawBlocks(page, blocks),
+                      mayReplace ? files::Replacing::kAllowed : files::Replacing::kNever);
 }
 
 void AddRunOptions(CLI::App* command, BlockMarkParam* param) {

@@ -16,26 +16,26 @@ constexpr std::array<Colour, 5> kColours = {
 // More numbers than this hide the page; the largest blocks get them.
 constexpr size_t kMostNumbers = 80;
 
-int32_t SmallestNumbered(std::span<const BlockRec> blocks) {
+int64_t SmallestNumbered(std::span<const services::Block> blocks) {
   if (blocks.size() <= kMostNumbers) return 0;
-  std::vector<int32_t> areas;
-  for (const BlockRec& block : blocks) areas.push_back(block.area);
+  std::vector<int64_t> areas;
+  for (const services::Block& block : blocks) areas.push_back(block.area);
   std::nth_element(areas.begin(), areas.begin() + kMostNumbers, areas.end(), std::greater<>());
   return areas[kMostNumbers] + 1;
 }
 
 }  // namespace
 
-files::PixPtr DrawBlocks(const files::Page& page, std::span<const BlockRec> blocks) {
+files::PixPtr DrawBlocks(const files::Page& page, std::span<const services::Block> blocks) {
   OverlayCanvas canvas(*page.image.rec());
-  const int32_t smallest = SmallestNumbered(blocks);
+  const int64_t smallest = SmallestNumbered(blocks);
   for (size_t i = 0; i < blocks.size(); ++i) {
-    const BlockRec& b = blocks[i];
+    const services::Block& b = blocks[i];
     canvas.Box(b.left - 1, b.top - 1, b.right + 1, b.bottom + 1, 0.6,
                kColours[i % kColours.size()]);
   }
   for (size_t i = 0; i < blocks.size(); ++i) {
-    const BlockRec& b = blocks[i];
+    const services::Block& b = blocks[i];
     if (b.area < smallest) continue;
     canvas.Label({b.left - 1.0, b.top - 2.0}, std::to_string(i), kColours[i % kColours.size()]);
   }

@@ -5,10 +5,10 @@
 
 #include "app/files/page.h"
 #include "app/files/pix_owner.h"
-#include "vorlanepic/vorlanepic.h"
+#include "app/services/block_listing.h"
 
 namespace vorlane::overlay {
 
-files::PixPtr DrawBlocks(const files::Page& page, std::span<const BlockRec> blocks);
+files::PixPtr DrawBlocks(const files::Page& page, std::span<const services::Block> blocks);
 
 }  // namespace vorlane::overlay
