@@ -15,9 +15,11 @@ namespace vorlane::batch {
 struct BatchRequest {
   std::string command;  // as the user typed it
   InputRequest inputs;
-  std::string output;           // file, folder or pattern, "-"; empty: nothing is written
-  std::string overlay;          // likewise, without "-"
-  std::string unsure = "copy";  // what becomes of pages left as they are: copy, skip or a folder
+  std::string output;            // file, folder or pattern, "-"; empty: nothing is written
+  std::string overlay;           // likewise, without "-"
+  int32_t rotate = 0;            // quarters that every page is turned by first, degrees clockwise
+  bool drawsUnsureOnly = false;  // overlays of pages that are left as they are alone
+  std::string unsure = "copy";   // what becomes of pages left as they are: copy, skip or a folder
   Overwriting overwriting;
   ReportRequest report;
   bool isStrict = false;    // a page that is left as it is counts against the exit code

@@ -13,6 +13,7 @@
 #include <nlohmann/json.hpp>
 
 #include "app/batch/page_record.h"
+#include "app/batch/sha256.h"
 #include "app/files/page.h"
 
 namespace vorlane::batch {
@@ -89,6 +90,15 @@ Decision DecisionFor(const PageWords& words) {
   return decision;
 }
 
+// Quarters that the page is turned by before angle and corners count.
+int32_t QuartersIn(const Json& object) {
+  const int32_t degrees = object.value("rotate", 0);
+  if (degrees % 90 != 0 || degrees < 0 || degrees > 270) {
+    throw LineError{"rotate is none of 0, 90, 180 and 270"};
+  }
+  return degrees;
+}
+
 InputFile FileIn(const Json& object) {
   InputFile file = InputOf(object);
   if (file.path.empty() || file.path == "-") throw LineError{"there is no file named"};
@@ -110,6 +120,7 @@ class Reader {
     if (isNew) decisions_.files.push_back(file);
     std::vector<int32_t>& pages = decisions_.files[at->second].pages;
     if (std::find(pages.begin(), pages.end(), number) == pages.end()) pages.push_back(number);
+    decisions_.files[at->second].turns[number] = QuartersIn(object);
     PageWords words;
     words.confidence = object.value("confidence", std::string());
     words.report = &report;
@@ -206,11 +217,21 @@ Decisions ReadDecisions(const std::string& report, const std::string& edits) {
     throw files::UsageError("the standard input holds the report or the decisions, not both");
   }
   Reader reader;
-  ReadLines(report, [&](const Json& object, int64_t line) { reader.Add(object, report, line); });
+  std::string text;
+  ReadLines(report, [&](const Json& object, int64_t line) {
+    reader.Add(object, report, line);
+    text += Dump(object) + "\n";
+  });
   if (!edits.empty()) {
-    ReadLines(edits, [&](const Json& object, int64_t line) { reader.Lay(object, edits, line); });
+    ReadLines(edits, [&](const Json& object, int64_t line) {
+      reader.Lay(object, edits, line);
+      text += Dump(object) + "\n";
+    });
   }
-  return reader.Take();
+  Decisions decisions = reader.Take();
+  if (decisions.files.empty()) throw files::UsageError(report + ": this report names no page");
+  decisions.digest = Sha256Of(text);
+  return decisions;
 }
 
 }  // namespace vorlane::batch

@@ -29,14 +29,16 @@ struct Decision {
 struct Decisions {
   std::vector<InputFile> files;  // in the report's order, with the pages that it names
   std::map<std::string, std::map<int32_t, Decision>> pages;  // by file and number
+  std::string digest;                                        // SHA-256 of all lines
 };
 
 // The input that a line of a report or journal tells of, as it was then, without its pages.
 InputFile InputOf(const nlohmann::ordered_json& line);
 
-// Reads the JSON lines of a report or journal: file, page, angle, corners, "decision": "apply" or
-// "leave", and the state of the input where it is told. Without a decision, a sure or likely
-// finding is applied and everything else left. Of several lines about a page the last counts.
+// Reads the JSON lines of a report or journal: file, page, rotate, angle, corners, "decision":
+// "apply" or "leave", and the state of the input where it is told. Without a decision, a sure or
+// likely finding is applied and everything else left. Of several lines about a page the last
+// counts.
 //
 // `edits`, where it is named, holds such lines about some of the report's pages: what they say
 // replaces what the report says, and a line with an angle or corners and without a decision is

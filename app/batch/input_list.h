@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <optional>
 #include <string>
 #include <vector>
@@ -29,8 +30,10 @@ struct InputFile {
   std::string place;  // below the folder that was named, or the file's name alone; with all folders
                       // as they were written where that would be the same for two inputs
   std::string dir;    // the folders of `place`; of a file that was named itself as it was written
-  std::vector<int32_t> pages = {};  // the ones that are wanted, in order; empty: all
-  FileState expected = {};          // with a size: it must still be like this
+  std::vector<int32_t> pages = {};        // the ones that are wanted, in order; empty: all
+  FileState expected = {};                // with a size: it must still be like this
+  std::map<int32_t, int32_t> turns = {};  // of pages by their numbers: quarters, where they are
+                                          // not the request's
 };
 
 struct InputRequest {

@@ -9,6 +9,7 @@
 
 #include "app/batch/page_output.h"
 #include "app/batch/sha256.h"
+#include "app/files/page_image.h"
 
 namespace vorlane::batch {
 namespace {
@@ -38,6 +39,7 @@ PageRecord InputWork::Blank(int32_t number) const {
   record.dir = fs::path(input_.place).parent_path().native();
   record.number = number;
   record.count = number == 0 ? 0 : count_;
+  record.rotate = number == 0 ? 0 : QuartersOf(number);
   record.input = state_;
   return record;
 }
@@ -98,6 +100,20 @@ int32_t InputWork::PlaceOf(int32_t number) const {
   return static_cast<int32_t>(at - numbers_.begin()) + 1;
 }
 
+int32_t InputWork::QuartersOf(int32_t number) const {
+  const auto turn = input_.turns.find(number);
+  return turn == input_.turns.end() ? run_->request.rotate : turn->second;
+}
+
+bool InputWork::areAnyTurned() const {
+  return std::any_of(numbers_.begin(), numbers_.end(),
+                     [this](int32_t number) { return QuartersOf(number) != 0; });
+}
+
+bool InputWork::WantsOverlay(bool isLeft) const {
+  return !overlay_.names.empty() && (isLeft || !run_->request.drawsUnsureOnly);
+}
+
 void InputWork::NamePages(int32_t count) {
   count_ = count;
   output_ = run_->plan.output.FilesFor(input_, count);
@@ -132,11 +148,14 @@ bool InputWork::IsBornOut(const JournalEntry& entry) {
   if (entry.facts.options != request.options || entry.facts.version != request.version)
     return false;
   std::error_code code;
-  if (!overlay_.names.empty() && entry.overlay != overlay_.Of(entry.number)) return false;
+  const bool isLeft = entry.result != NameOf(PageFate::kStraightened) &&
+                      entry.result != NameOf(PageFate::kMeasured);
+  if (WantsOverlay(isLeft) && entry.overlay != overlay_.Of(entry.number)) return false;
   if (!entry.overlay.empty() && !fs::exists(entry.overlay, code)) return false;
   if (entry.output.empty()) return output_.names.empty() || request.unsure == "skip";
-  const bool isAsNamed = entry.output == output_.Of(entry.number) ||
-                         (entry.isUnchanged && entry.output == CopyName(entry.number));
+  const bool isAsNamed =
+      entry.output == output_.Of(entry.number) ||
+      (isLeft && entry.output == CopyName(entry.number, QuartersOf(entry.number) != 0));
   return isAsNamed && HasDigest(entry.output, entry.facts.sha256);
 }
 
@@ -168,6 +187,7 @@ files::Page InputWork::Read(int32_t number, Share* share) const {
     const auto pixels = static_cast<int64_t>(width * height);
     *share = run_->budget.Take(kBytesAPage + kBytesAPixel * pixels);
   });
+  if (page.image.rec()->pixels != nullptr) files::TurnByQuarters(QuartersOf(number), &page);
   if (share != nullptr && isAdmitted) share->Shrink(BytesFor(*page.image.rec()));
   const std::string& source = input_.path == "-" ? run_->plan.standardInput : input_.path;
   if (StateOf(source) != state_) {
@@ -238,7 +258,9 @@ void InputWork::FinishOrFail(const files::Page& page, PageOutcome outcome) {
 void InputWork::Finish(const files::Page& page, PageOutcome outcome, Share share) {
   DonePage done{RecordOf(page, &outcome), std::nullopt, std::move(share)};
   PageRecord* record = &done.record;
-  if (!overlay_.names.empty()) {
+  const bool isDone =
+      record->fate == PageFate::kStraightened || record->fate == PageFate::kMeasured;
+  if (WantsOverlay(!isDone)) {
     const std::string& path = overlay_.Of(page.number);
     WriteOverlay(path, page, outcome, Replacing(path), record);
   }
@@ -268,10 +290,15 @@ files::EncodedPage InputWork::Encode(const std::string& path, const files::Page&
                                      const PageOutcome& outcome, PageRecord* record) const {
   const files::WriteOptions options{.jpegQuality = run_->request.jpegQuality};
   const files::FileFormat format = FormatFor(path);
+  const bool isMade = outcome.fate == PageFate::kStraightened;
+  const bool isTurned = page.noPicture.empty() && QuartersOf(page.number) != 0;
+  if (!isMade && isTurned) record->notes.push_back("turned by quarters only");
   try {
-    return outcome.fate == PageFate::kStraightened
-               ? files::EncodePage(format, *outcome.image.rec(), page, options, &record->notes)
-               : files::KeepPage(format, *file_, page, options, &record->notes);
+    if (!isMade && !isTurned) {
+      return files::KeepPage(format, *file_, page, options, &record->notes);
+    }
+    const ImageRec& image = isMade ? *outcome.image.rec() : *page.image.rec();
+    return files::EncodePage(format, image, page, options, &record->notes);
   } catch (const files::FileError& error) {
     throw files::FileError(path + ": " + error.what());
   }
@@ -281,21 +308,23 @@ void InputWork::WriteAlone(const files::Page& page, const PageOutcome& outcome,
                            PageRecord* record) {
   const bool isLeft = outcome.fate != PageFate::kStraightened;
   if (isLeft && run_->request.unsure == "skip") return;
-  const std::string path = isLeft ? CopyName(page.number) : output_.Of(page.number);
-  if (isLeft && count_ == 1) {
+  const bool isTurned = page.noPicture.empty() && QuartersOf(page.number) != 0;
+  const bool isCopied = isLeft && !isTurned;
+  const std::string path = isLeft ? CopyName(page.number, isTurned) : output_.Of(page.number);
+  if (isCopied && count_ == 1) {
     Copy(path);
   } else {
     WritePage(path, Encode(path, page, outcome, record), Replacing(path), &*file_);
   }
   record->output = path;
-  record->isUnchanged = isLeft;
+  record->isUnchanged = isCopied;
 }
 
 // Where a page that is left as it is goes. The file of a single page, or of pages that share one,
 // is copied as it is and keeps its extension where the output's asks for another format.
-std::string InputWork::CopyName(int32_t number) const {
+std::string InputWork::CopyName(int32_t number, bool isTurned) const {
   std::string name = output_.Of(number);
-  const bool isWhole = count_ == 1 || output_.isShared;
+  const bool isWhole = output_.isShared || (count_ == 1 && !isTurned);
   if (isWhole) name = WithExtensionOf(name, input_.place);
   if (run_->plan.unsureFolder.empty()) return name;
   const fs::path below = fs::path(input_.place).parent_path() / fs::path(name).filename();
@@ -341,7 +370,8 @@ void InputWork::CloseShared() {
   for (PageRecord& record : records) {
     if (record.isError) continue;
     record.output = path;
-    record.isUnchanged = !path.empty() && record.fate != PageFate::kStraightened;
+    record.isUnchanged =
+        !path.empty() && record.fate != PageFate::kStraightened && record.rotate == 0;
     if (!failure.empty()) record = ErrorRecord(record.number, failure);
   }
   Settle(std::move(records));
@@ -352,11 +382,11 @@ void InputWork::CloseShared() {
 std::string InputWork::WriteShared() {
   const bool isKept = shared_->hasLeft() && run_->request.unsure != "skip";
   const bool isPart = static_cast<int32_t>(numbers_.size()) < count_;
-  // Of a part of the pages the file is no copy.
-  const bool isMade = shared_->hasStraightened() || (isKept && isPart);
+  // Of a part of the pages, or of turned ones, the file is no copy.
+  const bool isMade = shared_->hasStraightened() || (isKept && (isPart || areAnyTurned()));
   const bool isCopied = isKept && (!isMade || !run_->plan.unsureFolder.empty());
-  if (isCopied) Copy(CopyName(1));
-  if (!isMade) return isCopied ? CopyName(1) : "";
+  if (isCopied) Copy(CopyName(1, false));
+  if (!isMade) return isCopied ? CopyName(1, false) : "";
   shared_->Commit();
   return output_.Of(1);
 }

@@ -36,6 +36,9 @@ class InputWork {
   void CheckNames();
   void RefuseOtherFile() const;
   int32_t PlaceOf(int32_t number) const;
+  int32_t QuartersOf(int32_t number) const;
+  bool areAnyTurned() const;
+  bool WantsOverlay(bool isLeft) const;
   bool IsWholeBornOut();
   bool IsBornOut(const JournalEntry& entry);
   bool HasDigest(const std::string& path, const std::string& sha256);
@@ -49,7 +52,7 @@ class InputWork {
   files::EncodedPage Encode(const std::string& path, const files::Page& page,
                             const PageOutcome& outcome, PageRecord* record) const;
   void WriteAlone(const files::Page& page, const PageOutcome& outcome, PageRecord* record);
-  std::string CopyName(int32_t number) const;
+  std::string CopyName(int32_t number, bool isTurned) const;
   void Copy(const std::string& path);
   files::Replacing Replacing(const std::string& path) const;
 

@@ -57,7 +57,6 @@ void TakeFields(const nlohmann::ordered_json& object, JournalEntry* entry) {
   entry->result = StringOf(object, "result");
   entry->trust = StringOf(object, "confidence");
   entry->output = TakeName("output", object);
-  entry->isUnchanged = object.value("unchanged", false);
   entry->overlay = TakeName("overlay", object);
   entry->facts = {StringOf(object, "outputSha256"), StringOf(object, "options"),
                   StringOf(object, "version")};

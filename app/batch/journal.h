@@ -21,7 +21,6 @@ struct JournalEntry {
   std::string result;
   std::string trust;
   std::string output;  // empty: none
-  bool isUnchanged = false;
   std::string overlay;
   JournalFacts facts;
 };

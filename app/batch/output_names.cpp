@@ -52,7 +52,13 @@ std::string ExtensionOf(const std::string& path) {
 
 OutputNames::OutputNames(std::string text, std::string folderSuffix)
     : text_(std::move(text)), folderSuffix_(std::move(folderSuffix)), isFolder_(IsFolder(text_)) {
-  if (!isFolder_) Parse();
+  if (!isFolder_) {
+    Parse();
+  } else if (std::error_code code;
+             text_.find('{') < text_.size() && !fs::is_directory(text_, code)) {
+    throw files::UsageError(text_ +
+                            ": a pattern ends in a file's name, as in out/{dir}/{name}.{ext}");
+  }
 }
 
 void OutputNames::Parse() {

@@ -7,6 +7,7 @@
 #include "app/batch/page_record.h"
 #include "app/batch/plan.h"
 #include "app/batch/printable_name.h"
+#include "app/files/page_image.h"
 #include "app/files/picture_file.h"
 
 namespace vorlane::batch {
@@ -40,8 +41,9 @@ class Loop {
     }
     for (int32_t number = 1; number <= file.count() && std::ferror(stdout) == 0; ++number) {
       Guard(input, number, file.count(), [&] {
-        const files::Page page = file.Read(number);
+        files::Page page = file.Read(number);
         if (!page.noPicture.empty()) throw files::FileError(NoPictureWords(page));
+        files::TurnByQuarters(request_.rotate, &page);
         run_(page, overlay.names.empty() ? "" : overlay.Of(number));
         (void)std::fflush(stdout);
       });

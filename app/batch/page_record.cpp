@@ -16,6 +16,7 @@ nlohmann::ordered_json JsonOf(const PageRecord& record) {
   if (record.isError) {
     json["reasons"] = {{{"code", "error"}, {"words", record.words}}};
   }
+  if (record.rotate != 0) json["rotate"] = record.rotate;
   json.update(record.facts);
   if (!record.output.empty()) PutName("output", record.output, &json);
   if (record.isUnchanged) json["unchanged"] = true;

@@ -18,6 +18,7 @@ struct PageRecord {
   std::string dir;     // below the output folder; empty: none
   int32_t number = 0;  // 0: the file itself failed
   int32_t count = 0;
+  int32_t rotate = 0;  // quarters that it was turned by first, degrees clockwise
   FileState input;
   bool isError = false;  // the page could not be read or written; `words` says why
   PageFate fate = PageFate::kFailed;

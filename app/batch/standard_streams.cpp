@@ -80,6 +80,7 @@ void KeepStandardInput(const std::string& path) {
     throw files::FileError(path + ": cannot be written: " + std::strerror(errno));
   }
   Pass(STDIN_FILENO, file.get(), "the standard input");
+  if (::lseek(file.get(), 0, SEEK_END) == 0) throw files::FileError("the standard input is empty");
 }
 
 void PassToStandardOutput(const std::string& path) {

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "app/batch/decisions.h"
+#include "app/batch/sha256.h"
 #include "app/commands/commands.h"
 #include "app/commands/engine_service.h"
 #include "app/commands/page_facts.h"
@@ -43,6 +44,8 @@ int RunApply(ApplyOptions* options, const CLI::App& command) {
       batch::ReadDecisions(options->report, options->decisions));
   options->batch.inputs.listed = decisions->files;
   FinishRequest(command, &options->batch);
+  // An edited report decides other pages.
+  options->batch.options = batch::Sha256Of(options->batch.options + decisions->digest);
   const auto engine = std::make_shared<finding::PageEngine>();
   return batch::RunBatch(options->batch, [=](const files::Page& page) {
     const batch::Decision& decision = decisions->pages.at(page.file).at(page.number);
@@ -74,6 +77,7 @@ CommandRun AddApply(CLI::App* app) {
       ->type_name("FILE");
   AddOutputOptions(command, &options->batch);
   AddRunOptions(command, &options->batch);
+  AddUnsureOverlayOption(command, &options->batch);
   AddJournalOptions(command, &options->batch);
   AddResultOptions(command, &options->engine);
   command->footer(

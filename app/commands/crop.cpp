@@ -201,6 +201,8 @@ CommandRun AddAngle(CLI::App* app) {
   CLI::App* command =
       app->add_subcommand("angle", "Measure the turn that crop would make; no page is written");
   AddMeasureOptions(command, &options->batch);
+  AddUnsureOverlayOption(command, &options->batch);
+  AddJournalOptions(command, &options->batch);
   AddCropSettings(command, options);
   command->footer(
       "Examples:\n"

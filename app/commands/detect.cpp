@@ -19,6 +19,8 @@ CommandRun AddDetect(CLI::App* app) {
   CLI::App* command = app->add_subcommand(
       "detect", "Tell how each page lies in its picture, how sure that is and why");
   AddMeasureOptions(command, &options->batch);
+  AddUnsureOverlayOption(command, &options->batch);
+  AddJournalOptions(command, &options->batch);
   AddLookOptions(command, &options->engine);
   command->footer(
       "Examples:\n"

@@ -41,7 +41,18 @@ void AddBatchOptions(CLI::App* app, batch::BatchRequest* request) {
   AddInputOptions(app, request);
   AddOutputOptions(app, request);
   AddRunOptions(app, request);
+  AddUnsureOverlayOption(app, request);
   AddJournalOptions(app, request);
+}
+
+void AddUnsureOverlayOption(CLI::App* app, batch::BatchRequest* request) {
+  app->add_option_function<std::string>(
+         "--overlay-only",
+         [request](const std::string& word) { request->drawsUnsureOnly = word == "unsure"; },
+         "unsure: overlays of the pages that are left as they are, and of no others")
+      ->check(CLI::IsMember({"unsure"}))
+      ->needs(app->get_option("--overlay"))
+      ->group(kRunGroup);
 }
 
 void AddOutputOptions(CLI::App* app, batch::BatchRequest* request) {
@@ -57,6 +68,8 @@ void AddOutputOptions(CLI::App* app, batch::BatchRequest* request) {
                   "What is left as it is: copy it unchanged beside the others, skip it, or copy it "
                   "into a folder that is named [copy]")
       ->type_name("copy|skip|FOLDER");
+  app->add_flag("--strict", request->isStrict, "A page that is left as it is makes the exit code 1")
+      ->group(kRunGroup);
   app->add_option("--quality", request->jpegQuality,
                   "Quality of JPEG outputs [that of the input; 92 for others]")
       ->check(CLI::Range(1, 100));
@@ -73,8 +86,6 @@ void AddJournalOptions(CLI::App* app, batch::BatchRequest* request) {
                 "Go on with the journal: what it, the inputs and the options still bear out is not "
                 "done again")
       ->needs(journal)
-      ->group(kRunGroup);
-  app->add_flag("--strict", request->isStrict, "A page that is left as it is makes the exit code 1")
       ->group(kRunGroup);
 }
 
@@ -120,6 +131,9 @@ void AddInputOptions(CLI::App* app, batch::BatchRequest* request) {
       ->check(CLI::PositiveNumber)
       ->group(kInputGroup)
       ->capture_default_str();
+  app->add_option("--rotate", request->rotate,
+                  "Turn every page by 90, 180 or 270 degrees clockwise before anything else")
+      ->check(CLI::IsMember({90, 180, 270}));
 }
 
 void AddRunOptions(CLI::App* app, batch::BatchRequest* request) {

@@ -24,6 +24,9 @@ void AddBatchOptions(CLI::App* app, batch::BatchRequest* request);
 void AddOutputOptions(CLI::App* app, batch::BatchRequest* request);
 void AddJournalOptions(CLI::App* app, batch::BatchRequest* request);
 
+// --overlay-only, for commands whose pages may be left as they are.
+void AddUnsureOverlayOption(CLI::App* app, batch::BatchRequest* request);
+
 // --accept-doubtful.
 void AddDoubtfulOption(CLI::App* app, TurnReport* report);
 

@@ -130,4 +130,9 @@ void ApplyOrientation(uint32_t orientation, Page* page) {
   }
 }
 
+void TurnByQuarters(int32_t degrees, Page* page) {
+  // What is to be turned clockwise is stored like a page of this orientation.
+  ApplyOrientation(degrees == 90 ? 6 : degrees == 180 ? 3 : degrees == 270 ? 8 : 1, page);
+}
+
 }  // namespace vorlane::files

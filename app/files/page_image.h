@@ -22,4 +22,8 @@ vorlanepic::frame::ScratchImage Turned(const ImageRec& image, uint32_t orientati
 // page that is. Others leave it as it is. The resolution turns along.
 void ApplyOrientation(uint32_t orientation, Page* page);
 
+// Turns the page by quarters: `degrees` is 0, 90, 180 or 270, clockwise. The resolution turns
+// along.
+void TurnByQuarters(int32_t degrees, Page* page);
+
 }  // namespace vorlane::files

@@ -203,15 +203,19 @@ class TruthTest(BatchTest):
         self.assertIn(b"47 pages: ", merged.stdout)
 
     def test_closed_descriptors_get_no_file(self):
-        write_tiff("two.tif", [page(3), page(-2)])
-        self.straighten("two.tif", "-o", "good.tif")
-        for closed, code in ((0, 0), (1, 3), (2, 0)):
-            def close(handle=closed):
-                os.close(handle)
-            done = subprocess.run([VORLANE, "straighten", "two.tif", "-o", f"{closed}.tif"],
-                                  preexec_fn=close, check=False, timeout=60)
+        self.scans(4)
+        self.straighten("in", "-o", "good/")
+        for closed, code in (("0", 0), ("1", 3), ("2", 0), ("01", 3), ("012", 3)):
+            def close(handles=closed):
+                for handle in handles:
+                    os.close(int(handle))
+            done = subprocess.run([VORLANE, "straighten", "in", "-o", f"{closed}/",
+                                   "--journal", f"{closed}.jsonl"],
+                                  preexec_fn=close, check=False, timeout=60,
+                                  stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
             self.assertEqual(done.returncode, code)
-            self.assertEqual(tree(".")[f"{closed}.tif"], tree(".")["good.tif"])
+            self.assertEqual(tree(closed), tree("good"))
+            self.assertEqual(len([json.loads(line) for line in lines(f"{closed}.jsonl")]), 11)
 
     def test_a_closed_pipe_ends_the_run(self):
         self.scans(300)
@@ -327,6 +331,21 @@ class NamesTest(BatchTest):
         self.assertIn(b"pipe.tif", self.straighten("pipe.tif", "-o", "out/", exit=3).stderr)
         self.straighten("in", "-o", "big/", "--max-pixels", "1000", exit=3)
         self.assertEqual(tree("big"), {})
+
+    def test_pages_that_lie_on_their_side(self):
+        write_tiff("book.tif", [page(2), dark()])
+        request = ("book.tif", "--rotate", "90", "--overlay", "seen/", "--overlay-only", "unsure")
+        found = self.report(*request, "-o", "out.tif", "--journal", "j.jsonl")
+        self.assertEqual([one["rotate"] for one in found], [90, 90])
+        self.assertEqual([tiff_sizes("out.tif")[1], found[1].get("unchanged")],
+                         [(HEIGHT, WIDTH), None])
+        self.assertEqual(len(tree("seen")), 1)
+        self.assertEqual(self.report(*request, "-o", "out.tif", "--journal", "j.jsonl",
+                                     "--resume"), [])
+        with open("found.jsonl", "wb") as file:
+            file.write(self.run_command("detect", "book.tif", "--rotate", "90", "--json").stdout)
+        self.assertEqual(self.run_command("apply", "found.jsonl", "-o", "same.tif").returncode, 0)
+        self.assertEqual(tree(".")["same.tif"], tree(".")["out.tif"])
 
     def test_exit_codes(self):
         write_pgm("dark.pgm", dark())

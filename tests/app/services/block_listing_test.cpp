@@ -52,12 +52,12 @@ TEST_P(BlockListingTest, AgreesWithTheMarker) {
   (void)DestoryBlockSetRec(&set);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Pictures, BlockListingTest,
-    ::testing::Values(ListingCase{"Specks", 30, {}}, ListingCase{"Tangle", 100, {}},
-                      ListingCase{"LimitedRuns", 120, {2, 9, 0, 0}},
-                      ListingCase{"JoinedRuns", 40, {0, 0, 3, 0}}),
-    [](const auto& listing) { return listing.param.name; });
+INSTANTIATE_TEST_SUITE_P(Pictures, BlockListingTest,
+                         ::testing::Values(ListingCase{"Specks", 30, {}},
+                                           ListingCase{"Tangle", 100, {}},
+                                           ListingCase{"LimitedRuns", 120, {2, 9, 0, 0}},
+                                           ListingCase{"JoinedRuns", 40, {0, 0, 3, 0}}),
+                         [](const auto& listing) { return listing.param.name; });
 
 // Sums of so many coordinates pass 32 bits.
 TEST(BlockListingTest, FindsTheCentreOfALargeBlock) {
