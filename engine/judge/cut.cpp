@@ -61,9 +61,12 @@ constexpr double kBarShare = 0.04;
 // Where the page runs off the picture, its other sides end this near to the frame.
 constexpr double kFrameShare = 0.02;
 // A side that is not the group's own is given up where it cuts off this share of the print: of the
-// ink that is light on three sides, this many pixels of the reduced picture away.
+// ink that is light at the darkest level on three sides, this many pixels of the reduced picture
+// away.
 constexpr double kPrintLost = 0.02;
 constexpr int32_t kLightAround = 6;
+// Beyond this share of it the cut may be around a picture on the sheet.
+constexpr double kOtherPaper = 0.1;
 constexpr int32_t kInkSamples = 500;
 
 class Cutter {
@@ -81,6 +84,19 @@ class Cutter {
       cut->rect = WholePicture(decision_.degrees, page_.width(), page_.height());
       return true;
     }
+    if (!FindWithin(ink, outwards, cut)) return false;
+    if (cut->inkOutside <= kOtherPaper) return true;
+    const SideGroup* around = PaperAround();
+    if (around == nullptr) return true;
+    group_ = around;
+    lines_ = {};
+    *cut = {};
+    return FindWithin(ink, outwards, cut);
+  }
+
+ private:
+  // Bounds the page by the group's lines. False when there is no memory.
+  bool FindWithin(const InkPicture& ink, double outwards, Cut* cut) {
     PickLines();
     DropBars();
     DropFarLines();
@@ -99,7 +115,6 @@ class Cutter {
     return true;
   }
 
- private:
   // What the cut ends at on one side.
   enum class End {
     kLine,    // the side's line, and the light right beyond it
@@ -140,6 +155,17 @@ class Cutter {
              std::abs(group.degrees - decision_.degrees) <= kBesideDegrees;
     });
     return found == groups.end() ? group_ : &*found;
+  }
+
+  // Paper that leans alike and shows at a darker level: what the group bounds may be a picture on
+  // it.
+  const SideGroup* PaperAround() const {
+    const auto groups = sides_.view();
+    const auto found = std::ranges::find_if(groups, [this](const SideGroup& group) {
+      return !group.isRim && group.count >= 3 && ThresholdOf(group) < Threshold() &&
+             std::abs(group.degrees - group_->degrees) <= kSameDegrees;
+    });
+    return found == groups.end() ? nullptr : &*found;
   }
 
   // How far out a line lies from the middle of the picture.
@@ -224,7 +250,10 @@ class Cutter {
     return true;
   }
 
-  uint8_t Threshold() const { return sides_.thresholds.levels[group_->threshold]; }
+  uint8_t ThresholdOf(const SideGroup& group) const {
+    return sides_.thresholds.levels[group.threshold];
+  }
+  uint8_t Threshold() const { return ThresholdOf(*group_); }
 
   bool RunsOff(Side side) const {
     return isBar_[Index(side)] || sides_.SidesOf(*group_)[Index(side)].onFrame >= kOnFrame;
@@ -394,12 +423,23 @@ class Cutter {
     beyond_[Index(side)] = 2.0 * page_.size();
   }
 
+  // Whether both neighbours of a side are seen to end inside the picture: the sheet ends there.
+  bool HasCorners(Side side) const {
+    const bool isFirst = side == Side::kTop || side == Side::kLeft;
+    for (const size_t next : {(Index(side) + 1) % kSides, (Index(side) + 3) % kSides}) {
+      const auto& line = lines_[next];
+      if (!line || IsAtFrame(PointAt(*line, next, isFirst ? line->from : line->to))) return false;
+    }
+    return true;
+  }
+
   // Gives up what cuts print off but is no line of the group's own. False when nothing does.
   bool WidenForPrint(std::span<const double, kSides> inkBeyond) {
     bool isWidened = false;
     for (const Side side : kAllSides) {
       const size_t i = Index(side);
-      if (inkBeyond[i] <= kPrintLost || group_->Has(side)) continue;
+      const bool isOwn = lines_[i] && group_->Has(side);
+      if (inkBeyond[i] <= kPrintLost || isOwn || HasCorners(side)) continue;
       if (ends_[i] == End::kFrame || ends_[i] == End::kLight) continue;
       if (ends_[i] == End::kClosed && light_[i] > 0.0) {
         ends_[i] = End::kLine;
@@ -455,12 +495,13 @@ class Cutter {
   // Whether ink is print on paper and no noise or dust of a dark surround.
   bool IsOnLight(int32_t x, int32_t y) const {
     const evidence::ReducedPicture& reduced = page_.reduced();
+    const uint8_t darkest = std::ranges::min(sides_.thresholds.view());
     int32_t light = 0;
     for (const int32_t dy : {-kLightAround, kLightAround}) {
       for (const int32_t dx : {-kLightAround, kLightAround}) {
         const int32_t column = std::clamp(x + dx, 0, reduced.width - 1);
         const int32_t row = std::clamp(y + dy, 0, reduced.height - 1);
-        light += reduced.Row(row)[column] >= Threshold();
+        light += reduced.Row(row)[column] >= darkest;
       }
     }
     return light >= 3;

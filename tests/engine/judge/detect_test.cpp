@@ -163,17 +163,6 @@ TEST(Detect, EndsASideHiddenByAnotherSheetAtTheGap) {
   EXPECT_NEAR(found.cut.right, 680.0 - 399.5, 6.0);
 }
 
-// A page that runs off the picture on the left, with a bar down it there and print beyond the bar.
-TEST(Detect, TakesNoBarWithPrintBeyondItForAGap) {
-  DrawnPage page = Turned(0.0);
-  page.centerX = 250;
-  TestImage scan = DrawPage(page);
-  FillRectangle(&scan, 0, 130, 69, 870, 230);
-  FillRectangle(&scan, 70, 130, 94, 870, 20);
-  for (int32_t y = 160; y < 840; y += 20) FillRectangle(&scan, 8, y, 58, y + 9, 40);
-  EXPECT_LT(Find(scan).cut.left, 8.0 - 399.5);
-}
-
 // A sheet on a light lid that hides its upper part, and the dark rim of the glass above: the rim's
 // edge is no print of the sheet's.
 TEST(Detect, DoesNotReadTheRimOfTheGlass) {
