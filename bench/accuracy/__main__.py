@@ -4,7 +4,6 @@
                      [--keep FOLDER] [--out FILE]
 """
 import argparse
-import json
 import os
 import sys
 import tempfile
@@ -44,13 +43,16 @@ def parse_arguments(arguments):
     parser.add_argument(
         "--out",
         metavar="FILE",
-        help="write the report there, shares by evidence beside it as -table.json and -rows.inc"
-        " (default: docs/accuracy.md; with --only or --without-peers it is printed instead)",
+        help="write the report there (default: docs/accuracy.md, and what answers are to be"
+        " expected right to engine/judge/expected_rows.inc; with --only or --without-peers the"
+        " report is printed instead)",
     )
     options = parser.parse_args(arguments)
     options.only = options.only.split(",") if options.only else None
+    options.rows = None
     if options.out is None and not options.only and not options.without_peers:
         options.out = os.path.join(machine.ROOT, "docs", "accuracy.md")
+        options.rows = os.path.join(machine.ROOT, "engine", "judge", "expected_rows.inc")
     if os.sep in options.vorlane:  # it is run in the pages' folder
         options.vorlane = os.path.abspath(options.vorlane)
     for name in options.only or ():
@@ -126,16 +128,16 @@ def main(arguments):
             text, shares = measure(options, folder)
     if options.out is None:
         print(text)
-        return
-    beside = os.path.splitext(options.out)[0]
-    for path, content in (
-        (options.out, text),
-        (beside + "-table.json", json.dumps(shares, indent=1) + "\n"),
-        (beside + "-rows.inc", expected_rows.rows(shares)),
-    ):
-        with open(path, "w") as out:
-            out.write(content)
-        _say("wrote " + path)
+    else:
+        _write(options.out, text)
+    if options.rows is not None:
+        _write(options.rows, expected_rows.rows(shares))
+
+
+def _write(path, content):
+    with open(path, "w") as out:
+        out.write(content)
+    _say("wrote " + path)
 
 
 if __name__ == "__main__":

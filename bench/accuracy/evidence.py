@@ -1,4 +1,4 @@
-"""How often the command was right, by the evidence that it says agreed and by how sure it was."""
+"""How often the command was right, by how sure it was and by the evidence that it says agreed."""
 from collections import Counter
 
 from .score import verdict
@@ -7,37 +7,32 @@ _SIDES = {"top", "right", "bottom", "left"}
 
 
 def kind(by):
-    """The evidence in words: "4 sides, print". Which sides they are makes no difference."""
-    names = []
-    sides = len(_SIDES & set(by))
-    if sides:
-        names.append("1 side" if sides == 1 else "%d sides" % sides)
-    return ", ".join(names + sorted(set(by) - _SIDES)) or "none named"
+    """(number of sides that agreed, whether the print did). Which sides makes no difference, and
+    bar and border vote, which never decide alone, none either."""
+    return len(_SIDES & set(by)), "print" in by
+
+
+def in_words(sides, printed):
+    """ "4 sides and print"."""
+    names = ["1 side" if sides == 1 else "%d sides" % sides] if sides else []
+    return " and ".join(names + ["print"] * printed) or "neither"
+
+
+def expected(right, answers):
+    """The rule of succession, so that a kind of few pages promises little."""
+    return (right + 1) / (answers + 2)
 
 
 def shares(truths, answers):
-    """Rows of {confidence, by, sides, print, bar, vote, answers, right}, the surest and the most
-    frequent first."""
-    given, right, parts = Counter(), Counter(), {}
+    """Rows of {confidence, sides, print, answers, right}, the surest and the most frequent first."""
+    given, right = Counter(), Counter()
     for truth in truths:
         answer = answers[truth.file]
         if not answer.is_given():
             continue
-        key = (answer.confidence, kind(answer.by))
+        key = (answer.confidence, *kind(answer.by))
         given[key] += 1
         right[key] += verdict(truth, answer) == "right"
-        parts[key] = {
-            "sides": len(_SIDES & set(answer.by)),
-            **{name: name in answer.by for name in ("print", "bar", "vote")},
-        }
-    order = sorted(given, key=lambda key: (key[0] != "sure", -given[key], key[1]))
-    return [
-        {
-            "confidence": key[0],
-            "by": key[1],
-            **parts[key],
-            "answers": given[key],
-            "right": right[key],
-        }
-        for key in order
-    ]
+    order = sorted(given, key=lambda key: (key[0] != "sure", -given[key], key))
+    names = ("confidence", "sides", "print")
+    return [{**dict(zip(names, key)), "answers": given[key], "right": right[key]} for key in order]

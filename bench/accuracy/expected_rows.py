@@ -1,28 +1,21 @@
 """The shares by evidence as rows that the engine compiles in, to say what is to be expected."""
-from collections import Counter
 
 HEAD = """\
-// Right answers by confidence, sides of the paper that agreed, and whether the print did; written
-// by scripts/accuracy: {confidence, sides, print, right, answers}.
+// Right answers by confidence, sides of the paper that agreed, and whether the print did, as
+// docs/accuracy.md has them: {confidence, sides, print, right, answers}. Written by scripts/accuracy.
 """
 
 
 def rows(shares):
     """C++ initialisers from evidence.shares()."""
-    right, answers = Counter(), Counter()
-    for share in shares:
-        key = (share["confidence"], share["sides"], share["print"])
-        right[key] += share["right"]
-        answers[key] += share["answers"]
-    lines = [
+    return HEAD + "".join(
         "{Confidence::k%s, %d, %s, %d, %d},\n"
         % (
-            confidence.capitalize(),
-            sides,
-            str(printed).lower(),
-            right[confidence, sides, printed],
-            answers[confidence, sides, printed],
+            row["confidence"].capitalize(),
+            row["sides"],
+            str(row["print"]).lower(),
+            row["right"],
+            row["answers"],
         )
-        for confidence, sides, printed in sorted(answers, reverse=True)
-    ]
-    return HEAD + "".join(lines)
+        for row in shares
+    )

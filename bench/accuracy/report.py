@@ -75,8 +75,9 @@ def write(facts, truths, results):
         "### Cuts\n",
         tables.cuts_by_condition(board),
         "## By evidence\n",
-        "The share of right answers for each kind of evidence, which `vorlane detect --json` gives"
-        " as `expected`:\n",
+        "Right answers by the evidence that agreed. `vorlane detect --json` tells the last column as"
+        " `expected`: (right + 1) / (answers + 2), so that a kind of few pages promises little;"
+        " 0.5 for a kind that is not here, and for doubtful answers.\n",
         tables.by_evidence(evidence.shares(truths, results[board.ours])),
     ]
     return "\n".join(parts)

@@ -1,5 +1,5 @@
 """The tables of the report, each from a Board."""
-from . import conditions
+from . import conditions, evidence
 from .answer import BELIEVED
 from .markdown import share, table
 
@@ -66,7 +66,13 @@ def cuts_by_condition(board):
 
 def by_evidence(shares):
     rows = [
-        [row["by"], row["confidence"], row["answers"], share(row["right"], row["answers"])]
+        [
+            evidence.in_words(row["sides"], row["print"]),
+            row["confidence"],
+            row["answers"],
+            row["right"],
+            "%.3f" % evidence.expected(row["right"], row["answers"]),
+        ]
         for row in shares
     ]
-    return table(["evidence that agreed", "confidence", "answers", "right"], rows)
+    return table(["evidence that agreed", "confidence", "answers", "right", "expected"], rows)

@@ -240,7 +240,7 @@ Status JudgePage(const PictureView& picture, const DetectOptions& options, const
       AddReason({Reason::kPrintOutsideCut, cut.inkOutside}, finding);
     }
     WriteCut(options, seen, cut, decision, finding);
-    finding->expected = ExpectedShare(decision.reason.reason, finding->angleConfidence);
+    finding->expected = ExpectedShare(finding->by, finding->angleConfidence);
   }
   Refuse(options, seen.page, finding);
   return Status::kOk;

@@ -1,42 +1,43 @@
 #include "engine/judge/expected_share.h"
 
 #include <algorithm>
+#include <bit>
 #include <iterator>
 
 namespace vorlane::judge {
 namespace {
 
-struct Share {
-  Reason reason;
-  double sure;
-  double likely;
-  double doubtful;
+struct Kind {
+  Confidence confidence;
+  int32_t sides;
+  bool hasPrint;
+  int32_t right;
+  int32_t answers;
 };
 
-// Right within 0.2 degrees among 1,320 composed pages of 36 conditions, by the rule of succession:
-// (right + 1) / (answers + 2), so that a kind of few pages promises little.
-constexpr Share kShares[] = {
-    {Reason::kSidesAndPrintAgree, 0.999, 0.96, 0.5}, {Reason::kSidesAgree, 0.993, 0.90, 0.5},
-    {Reason::kPrintAlone, 0.987, 0.97, 0.5},         {Reason::kPrintOffPaper, 0.99, 0.99, 0.5},
-    {Reason::kSidesNotParallel, 0.91, 0.91, 0.5},    {Reason::kFewSides, 0.83, 0.83, 0.33},
+constexpr Kind kKinds[] = {
+#include "engine/judge/expected_rows.inc"
 };
-constexpr Share kOther{Reason::kNone, 0.5, 0.5, 0.5};
+
+// Of a kind that no page was of, and of doubtful answers.
+constexpr double kUnknown = 0.5;
+
+constexpr uint32_t kSideBits = Bit(EvidenceKind::kTopSide) | Bit(EvidenceKind::kRightSide) |
+                               Bit(EvidenceKind::kBottomSide) | Bit(EvidenceKind::kLeftSide);
 
 }  // namespace
 
-double ExpectedShare(Reason reason, Confidence confidence) {
-  const auto* found = std::ranges::find(kShares, reason, &Share::reason);
-  const Share& share = found == std::end(kShares) ? kOther : *found;
-  switch (confidence) {
-    case Confidence::kSure:
-      return share.sure;
-    case Confidence::kLikely:
-      return share.likely;
-    case Confidence::kDoubtful:
-      return share.doubtful;
-    default:
-      return 0.0;
-  }
+double ExpectedShare(uint32_t by, Confidence confidence) {
+  if (confidence == Confidence::kRefused) return 0.0;
+  const int32_t sides = std::popcount(by & kSideBits);
+  const bool hasPrint = (by & Bit(EvidenceKind::kPrint)) != 0;
+  const auto* kind = std::ranges::find_if(kKinds, [&](const Kind& candidate) {
+    return candidate.confidence == confidence && candidate.sides == sides &&
+           candidate.hasPrint == hasPrint;
+  });
+  if (kind == std::end(kKinds)) return kUnknown;
+  // The rule of succession: a kind of few pages promises little.
+  return (kind->right + 1.0) / (kind->answers + 2.0);
 }
 
 }  // namespace vorlane::judge

@@ -146,8 +146,9 @@ class OnePage(unittest.TestCase):
             self.assertAlmostEqual(opencv_outline.detect(path).turned, 3.0, delta=0.2)
 
     def test_evidence_is_told_by_the_number_of_sides(self):
-        self.assertEqual(evidence.kind(["print", "left", "top"]), "2 sides, print")
-        self.assertEqual(evidence.kind([]), "none named")
+        self.assertEqual(evidence.kind(["print", "left", "top", "vote"]), (2, True))
+        self.assertEqual(evidence.in_words(2, True), "2 sides and print")
+        self.assertEqual(evidence.in_words(0, False), "neither")
 
     def test_an_area_is_clipped_exactly(self):
         notched = np.array([[0.0, 0], [10, 0], [10, 10], [5, 5], [0, 10]])
