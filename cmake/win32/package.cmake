@@ -9,21 +9,23 @@ add_custom_target(package-${VORLANEPIC_WINDOWS}
   COMMAND ${CMAKE_COMMAND} -E make_directory
           ${package_dir}/bin ${package_dir}/lib ${package_dir}/include ${package_dir}/examples
           ${package_dir}/docs
-  COMMAND ${CMAKE_COMMAND} -E copy $<TARGET_FILE:vorlanepic> $<TARGET_FILE:imgbuf> ${package_dir}/bin
-  COMMAND ${CMAKE_COMMAND} -E copy
-          $<TARGET_LINKER_FILE:vorlanepic> $<TARGET_LINKER_FILE:imgbuf> ${package_dir}/lib
-  COMMAND ${CMAKE_COMMAND} -E copy_directory
-          ${PROJECT_SOURCE_DIR}/include/vorlanepic ${package_dir}/include/vorlanepic
+  COMMAND ${CMAKE_COMMAND} -E copy $<TARGET_FILE:vorlanepic> $<TARGET_FILE:imgbuf>
+          $<TARGET_FILE:vorlane_library> ${package_dir}/bin
+  COMMAND ${CMAKE_COMMAND} -E copy $<TARGET_LINKER_FILE:vorlanepic> $<TARGET_LINKER_FILE:imgbuf>
+          $<TARGET_LINKER_FILE:vorlane_library> ${package_dir}/lib
+  COMMAND ${CMAKE_COMMAND} -E copy_directory ${PROJECT_SOURCE_DIR}/include ${package_dir}/include
   COMMAND ${CMAKE_COMMAND} -E copy
           ${PROJECT_SOURCE_DIR}/examples/straighten_page.c
+          ${PROJECT_SOURCE_DIR}/examples/detect_page.c
           ${PROJECT_SOURCE_DIR}/examples/read_sheet.c ${package_dir}/examples
   COMMAND ${CMAKE_COMMAND} -E copy
           ${PROJECT_SOURCE_DIR}/docs/sample-profile.ini
           ${PROJECT_SOURCE_DIR}/docs/hosts-guide.md
+          ${PROJECT_SOURCE_DIR}/docs/engine-guide.md
           ${PROJECT_SOURCE_DIR}/docs/limits.md ${package_dir}/docs
   COMMAND ${CMAKE_COMMAND} -E copy ${PROJECT_BINARY_DIR}/README.txt ${package_dir}
   COMMAND ${CMAKE_COMMAND} -E chdir ${CMAKE_BINARY_DIR}/package
           ${CMAKE_COMMAND} -E tar cf ${package_file} --format=zip ${package_name}
-  DEPENDS vorlanepic imgbuf
+  DEPENDS vorlanepic imgbuf vorlane_library
   COMMENT "Packing ${package_file}"
   VERBATIM)

@@ -1,4 +1,4 @@
-# Checks what the headers of the two libraries say: exactly the listed names, undecorated; imports
+# Checks what the headers of the libraries say: exactly the listed names, undecorated; imports
 # from the system's own libraries and imgbuf.dll alone; relocatable, with data that can't run.
 function(describe variable library)
   execute_process(COMMAND ${OBJDUMP} -p ${library} OUTPUT_VARIABLE text RESULT_VARIABLE result)
@@ -70,3 +70,8 @@ describe(imgbuf ${IMGBUF})
 check_exports(imgbuf.dll "${imgbuf}" ${SOURCE_DIR}/imgbuf/imgbuf.def)
 check_imports(imgbuf.dll "${imgbuf}" KERNEL32.dll msvcrt.dll)
 check_flags(imgbuf.dll "${imgbuf}" ${IMGBUF})
+
+describe(vorlane ${VORLANE})
+check_exports(vorlane.dll "${vorlane}" ${SOURCE_DIR}/vorlane.def)
+check_imports(vorlane.dll "${vorlane}" KERNEL32.dll msvcrt.dll)
+check_flags(vorlane.dll "${vorlane}" ${VORLANE})

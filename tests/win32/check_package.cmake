@@ -8,12 +8,15 @@ foreach(name README.txt docs/hosts-guide.md docs/sample-profile.ini include/vorl
     message(FATAL_ERROR "the package lacks ${name}")
   endif()
 endforeach()
-execute_process(
-  COMMAND ${COMPILER} -std=c99 -Iinclude examples/straighten_page.c -o bin/straighten_page.exe
-          -Llib -lvorlanepic -limgbuf
-  WORKING_DIRECTORY ${root} COMMAND_ERROR_IS_FATAL ANY)
-execute_process(COMMAND ${EMULATOR} ${root}/bin/straighten_page.exe
-  OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)
-if(NOT output MATCHES "a page of 2[78][0-9] x 3[56][0-9] pixels")
-  message(FATAL_ERROR "${output}")
-endif()
+function(check_host name expected)
+  execute_process(
+    COMMAND ${COMPILER} -std=c99 -Iinclude examples/${name}.c -o bin/${name}.exe -Llib ${ARGN}
+    WORKING_DIRECTORY ${root} COMMAND_ERROR_IS_FATAL ANY)
+  execute_process(COMMAND ${EMULATOR} ${root}/bin/${name}.exe
+    OUTPUT_VARIABLE output COMMAND_ERROR_IS_FATAL ANY)
+  if(NOT output MATCHES "${expected}")
+    message(FATAL_ERROR "${name}: ${output}")
+  endif()
+endfunction()
+check_host(straighten_page "a page of 2[78][0-9] x 3[56][0-9] pixels" -lvorlanepic -limgbuf)
+check_host(detect_page "a page of 2[78][0-9] x 3[56][0-9] pixels" -lvorlane)
