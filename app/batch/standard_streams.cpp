@@ -97,6 +97,7 @@ std::string ExtensionByContent(const std::string& path) {
   if (bytes.starts_with("II") || bytes.starts_with("MM")) return ".tif";
   if (bytes.starts_with("\xFF\xD8")) return ".jpg";
   if (bytes.starts_with("BM")) return ".bmp";
+  if (bytes == "%PDF") return ".pdf";
   if (bytes[0] == 'P' && bytes[1] >= '1' && bytes[1] <= '6') return ".pnm";
   return ".png";
 }

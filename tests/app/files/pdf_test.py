@@ -109,8 +109,12 @@ class PdfTest(unittest.TestCase):
         self.assertIn("Typed", tool("pdftotext", "straight.pdf", "-"))
 
         self.straighten("scans.pdf", "-o", "again.pdf", "-j", "1")
+        with open("scans.pdf", "rb") as scans:
+            piped = subprocess.run([VORLANE, "straighten", "-", "-o", "-"], stdin=scans,
+                                   capture_output=True, check=True).stdout
         with open("straight.pdf", "rb") as one, open("again.pdf", "rb") as other:
-            self.assertEqual(one.read(), other.read())
+            self.assertEqual(one.read(), piped)
+            self.assertEqual(other.read(), piped)
 
     def test_what_is_shown_is_upright_and_light(self):
         self.make_scans()
