@@ -10,6 +10,7 @@
 #include "app/batch/page_output.h"
 #include "app/batch/sha256.h"
 #include "app/files/page_image.h"
+#include "app/files/pdf_encoder.h"
 
 namespace vorlane::batch {
 namespace {
@@ -219,7 +220,15 @@ void InputWork::WorkPage(int32_t number) {
   } catch (const std::exception& error) {
     words = error.what();
   }
-  Deliver(number, {ErrorRecord(number, words), std::nullopt, {}});
+  Deliver(number, {ErrorRecord(number, words), KeptDamaged(number), {}});
+}
+
+// A page that cannot be read stays where it can be handed on unread: from PDF to PDF.
+std::optional<files::EncodedPage> InputWork::KeptDamaged(int32_t number) const {
+  const bool isPdf = file_->pdf() != nullptr && output_.isShared &&
+                     FormatFor(output_.Of(1)) == files::FileFormat::kPdf;
+  if (!isPdf) return std::nullopt;
+  return files::KeepPdfPage(number);
 }
 
 void InputWork::WorkSet() {

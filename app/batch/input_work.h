@@ -45,6 +45,7 @@ class InputWork {
 
   files::Page Read(int32_t number, Share* share) const;
   void WorkPage(int32_t number);
+  std::optional<files::EncodedPage> KeptDamaged(int32_t number) const;
   void WorkSet();
   void Finish(const files::Page& page, PageOutcome outcome, Share share);
   void FinishOrFail(const files::Page& page, PageOutcome outcome);

@@ -90,9 +90,9 @@ EncodedPage EncodePdf(const EncodeJob& job) {
 
 EncodedPage EncodePdfLossless(const EncodeJob& job) { return Encode(job, LosslessCoding(job)); }
 
-EncodedPage KeepPdfPage(const Page& page) {
+EncodedPage KeepPdfPage(int32_t number) {
   EncodedPage kept;
-  kept.pdf.number = page.number;
+  kept.pdf.number = number;
   kept.pdf.isKept = true;
   return kept;
 }

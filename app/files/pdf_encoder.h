@@ -14,6 +14,6 @@ EncodedPage EncodePdf(const EncodeJob& job);
 EncodedPage EncodePdfLossless(const EncodeJob& job);
 
 // A page that stays as it stands in the PDF file that it comes from.
-EncodedPage KeepPdfPage(const Page& page);
+EncodedPage KeepPdfPage(int32_t number);
 
 }  // namespace vorlane::files

@@ -69,7 +69,7 @@ EncodedPage EncodePage(FileFormat format, const ImageRec& image, const Page& sou
 
 EncodedPage KeepPage(FileFormat format, const PictureFile& file, const Page& page,
                      const WriteOptions& options, std::vector<std::string>* notes) {
-  if (format == FileFormat::kPdf && file.pdf() != nullptr) return KeepPdfPage(page);
+  if (format == FileFormat::kPdf && file.pdf() != nullptr) return KeepPdfPage(page.number);
   if (!page.noPicture.empty()) {
     throw EncodeError("the page is not one picture: " + page.noPicture +
                       "; only a PDF file can take it as it is");
