@@ -1,4 +1,5 @@
 // vorlane review: a page for a browser on which a person sees what was found and puts it right.
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <memory>
@@ -69,11 +70,18 @@ void WriteIndex(const ReviewOptions& options, const review::JournalPages& pages,
   file.Commit();
 }
 
-void TellResult(const ReviewOptions& options, const review::JournalPages& pages) {
+void TellResult(const ReviewOptions& options, const review::JournalPages& pages,
+                const std::vector<char>& isPictured) {
   if (pages.damaged > 0) {
     (void)std::fprintf(stderr, "vorlane: %s: %lld lines are torn or damaged and are left out\n",
                        batch::Printable(options.journal).c_str(),
                        static_cast<long long>(pages.damaged));
+  }
+  const bool isNothingShown =
+      std::find(isPictured.begin(), isPictured.end(), 1) == isPictured.end();
+  if (isNothingShown && !pages.inputs.empty()) {
+    (void)std::fprintf(
+        stderr, "vorlane: no page has a picture to show: run this where the journal was made\n");
   }
   if (options.batch.report.isQuiet) return;
   static constexpr const char* kWords[] = {"unreadable", "not found", "doubtful", "likely", "sure"};
@@ -96,7 +104,7 @@ int RunReview(const CLI::App& command, ReviewOptions* options) {
   const int exit = MakePictures(command, options, pages, &isPictured);
   if (exit >= batch::kExitSignal) return exit;
   WriteIndex(*options, pages, isPictured);
-  TellResult(*options, pages);
+  TellResult(*options, pages, isPictured);
   // A page that is no scan has its place among the others.
   return exit == batch::kExitPagesLeft ? batch::kExitAllDone : exit;
 }

@@ -73,3 +73,27 @@ export function drawResult(canvas, picture, page, plan, width, height) {
   context.imageSmoothingQuality = 'high';
   context.drawImage(picture, -0.5, -0.5, page.width, page.height);
 }
+
+/**
+ * Draws what lies around a place of the scan, `scale` screen pixels for one of its own, with the
+ * outline of what is kept.
+ */
+export function drawLoupe(canvas, picture, page, corners, [x, y], scale) {
+  const density = window.devicePixelRatio || 1;
+  const { clientWidth, clientHeight } = canvas;
+  canvas.width = clientWidth * density;
+  canvas.height = clientHeight * density;
+  const context = canvas.getContext('2d');
+  context.scale(density, density);
+  context.translate(clientWidth / 2, clientHeight / 2);
+  context.scale(scale, scale);
+  context.translate(-x, -y);
+  context.imageSmoothingQuality = 'high';
+  context.drawImage(picture, -0.5, -0.5, page.width, page.height);
+  context.beginPath();
+  for (const corner of corners) context.lineTo(...corner);
+  context.closePath();
+  context.lineWidth = 1.5 / scale;
+  context.strokeStyle = '#1f6fe0';
+  context.stroke();
+}

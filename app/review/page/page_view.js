@@ -1,7 +1,7 @@
 // One page: the scan with what is kept of it, and beside it the page that will be made.
 
 import { announce, byId, describe, make } from './dom.js';
-import { drawResult, keptCorners, makeOutline, showOutline } from './drawing.js';
+import { drawLoupe, drawResult, keptCorners, makeOutline, showOutline } from './drawing.js';
 import {
   cornersOf,
   cutAround,
@@ -44,6 +44,9 @@ const LEAST_SIDE = 8;
 /** Degrees. */
 const NUDGE = 0.05;
 
+/** How much larger the loupe shows the scan. */
+const LOUPE_SCALE = 4;
+
 /** Screen pixels around the scan, so that handles at its rim can be taken. */
 const RIM = 24;
 
@@ -73,7 +76,8 @@ export class PageView {
     this.outline = makeOutline();
     this.scanImage = make('img', { alt: '', draggable: false });
     this.handles = HANDLES.map((handle) => this.makeHandle(handle));
-    this.scan.append(this.scanImage, this.outline, ...this.handles);
+    this.loupe = make('canvas', { className: 'loupe', hidden: true, 'aria-hidden': 'true' });
+    this.scan.append(this.scanImage, this.outline, ...this.handles, this.loupe);
     this.connect();
     const observer = new ResizeObserver(() => this.draw());
     observer.observe(byId('scan-frame'));
@@ -260,9 +264,13 @@ export class PageView {
     button.addEventListener('pointermove', (event) => this.drag(event, button, handle));
     button.addEventListener('lostpointercapture', () => {
       this.isGrabbed = false;
+      this.loupe.hidden = true;
       this.draw();
     });
     button.addEventListener('keydown', (event) => this.step(event, handle));
+    button.addEventListener('blur', () => {
+      this.loupe.hidden = true;
+    });
     return button;
   }
 
@@ -318,6 +326,29 @@ export class PageView {
     }
     const within = cutWithin(cut, wholeCut(page, turn.angle));
     this.edit({ angle: turn.angle, corners: cornersOf(page, turn.angle, within) }, isContinued);
+    this.showLoupe(this.handlePlaces()[HANDLES.indexOf(handle)]);
+  }
+
+  /** Where the handles stand in the picture: at the corners, and at the middles of the sides. */
+  handlePlaces() {
+    const corners = keptCorners(this.page, this.turn);
+    const between = (a, b) => [(a[0] + b[0]) / 2, (a[1] + b[1]) / 2];
+    return [...corners, ...corners.map((corner, i) => between(corner, corners[(i + 1) % 4]))];
+  }
+
+  /** Shows what lies around a handle, towards the middle of the scan from it. */
+  showLoupe([x, y]) {
+    const { page, view, loupe } = this;
+    const away = 100; // screen pixels
+    const fit = this.scan.clientWidth / view.width;
+    const towards = (place, size) => (place < size / 2 ? away : -away);
+    loupe.hidden = false;
+    lay(loupe, {
+      left: `${(x - view.left) * fit + towards(x, page.width)}px`,
+      top: `${(y - view.top) * fit + towards(y, page.height)}px`,
+    });
+    const corners = keptCorners(page, this.turn);
+    drawLoupe(loupe, this.picture, page, corners, [x, y], fit * LOUPE_SCALE);
   }
 
   // Drawing.
@@ -346,9 +377,7 @@ export class PageView {
     const place = { left: across(-view.left), top: down(-view.top) };
     lay(this.scanImage, { ...place, width: across(page.width), height: down(page.height) });
     showOutline(this.outline, page, turn, view);
-    const between = (a, b) => [(a[0] + b[0]) / 2, (a[1] + b[1]) / 2];
-    const sides = corners.map((corner, i) => between(corner, corners[(i + 1) % 4]));
-    [...corners, ...sides].forEach(([x, y], i) => {
+    this.handlePlaces().forEach(([x, y], i) => {
       const handle = this.handles[i];
       lay(handle, { left: across(x + 0.5 - view.left), top: down(y + 0.5 - view.top) });
       const words = `${HANDLES[i].words}: ${Math.round(x)} across, ${Math.round(y)} down`;

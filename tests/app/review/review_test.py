@@ -5,11 +5,11 @@ Exits with 77, which says so, where there is no browser to be had.
 
 import json
 import os
+import random
 import shutil
 import subprocess
 import sys
 import tempfile
-import time
 import unittest
 
 try:
@@ -121,6 +121,12 @@ class ReviewTest(unittest.TestCase):
         self.assertEqual(self.titles(), ["dark.pgm", "a.pgm", EVIL, "two.tiff [1]", "two.tiff [2]"])
         self.assertIn("</script>", self.find(".tile[aria-posinset='2'] .why").text)
 
+        # The folder can hold the doubtful alone, and is not replaced unasked.
+        few = ("review", "found.jsonl", "-o", "few/", "--at-most", "doubtful")
+        self.vorlane(*few)
+        self.assertEqual(os.listdir("few/pictures"), ["000001.jpg"])
+        self.assertIn(b"--overwrite", self.vorlane(*few, exit=2).stderr)
+
         # Filters let through what they say, and count it.
         self.find("[data-word=refused]").click()
         self.assertEqual(self.titles(), ["dark.pgm"])
@@ -188,6 +194,40 @@ class ReviewTest(unittest.TestCase):
 
         self.assertLess(difference(0), 4)
         self.assertGreater(min(difference(-0.5), difference(0.5)), 1.5 * difference(0))
+
+    def test_previews_have_the_sizes_that_apply_makes(self):
+        """Also at the least turn, at quarter turns, and where a cut reaches beyond the picture."""
+        rng = random.Random(5)
+        turns = [0, 0.0499, 0.05, -0.05, 90, -90, 180, 44.9]
+        turns += [rng.uniform(-12, 12) for _ in range(24)]
+        sizes = [(300 + number % 3, 360 + number % 2) for number in range(len(turns))]
+        pages = [Image.new("L", size, 200) for size in sizes]
+        pages[0].save("box.tiff", save_all=True, append_images=pages[1:])
+        found = self.vorlane("detect", "box.tiff", "--json", exit=1).stdout
+        with open("found.jsonl", "wb") as file:
+            file.write(found)
+        with open("kept.jsonl", "w", encoding="utf-8") as file:
+            for number, turn in enumerate(turns, 1):
+                left, top = rng.uniform(-60, 120), rng.uniform(-60, 120)
+                right, bottom = rng.uniform(180, 360), rng.uniform(200, 420)
+                corners = [[left, top], [right, top], [right, bottom], [left, bottom]]
+                line = {"file": "box.tiff", "page": number, "angle": turn,
+                        "corners": corners if number % 4 else None}
+                file.write(json.dumps(line) + "\n")
+        self.open("found.jsonl")
+        self.find("#load-file").send_keys(os.path.abspath("kept.jsonl"))
+        self.wait(lambda: self.find("#save-count").text == str(len(turns)))
+        shown = []
+        for number in range(1, len(turns) + 1):
+            self.browser.execute_script(f"location.hash = 'page={number}'")
+            self.wait(lambda: self.find("#page-title").text == f"box.tiff [{number}]")
+            shown.append([int(self.find("#result-frame").get_attribute(f"data-{side}"))
+                          for side in ("width", "height")])
+        self.assertEqual(len(self.save()), len(turns))
+        report = self.vorlane("apply", "found.jsonl", "--decisions", "found.decisions.jsonl", "-o",
+                              "out/", "--json").stdout.decode().splitlines()
+        made = [[line["newWidth"], line["newHeight"]] for line in map(json.loads, report)]
+        self.assertEqual(shown, made)
 
     def test_keeps_few_tiles_of_many_pages(self):
         with open("found.jsonl", "w", encoding="utf-8") as file:
