@@ -141,6 +141,9 @@ class Reader {
                       file.path};
     }
     if (file.expected.size >= 0) decisions_.files[places_[file.path]].expected = file.expected;
+    if (object.contains("rotate")) {
+      decisions_.files[places_[file.path]].turns[number] = QuartersIn(object);
+    }
     known->report = &report;
     known->line = line;
     const bool turns = object.contains("angle") || object.contains("corners");

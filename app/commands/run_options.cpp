@@ -29,12 +29,6 @@ bool DecidesPages(const CLI::Option& option) {
   return option.count() > 0 && option.get_group() != kInputGroup && option.get_group() != kRunGroup;
 }
 
-// Whether what counts is what the file holds that the option names.
-bool NamesAFile(const CLI::Option& option) {
-  const std::string name = option.get_name();
-  return name == "--profile" || name == "--decisions" || name == "REPORT";
-}
-
 }  // namespace
 
 void AddBatchOptions(CLI::App* app, batch::BatchRequest* request) {
@@ -183,7 +177,7 @@ void FinishRequest(const CLI::App& command, batch::BatchRequest* request) {
     if (!DecidesPages(*option)) continue;
     all += option->get_name();
     for (const std::string& value : option->results()) all.append("=").append(value);
-    if (NamesAFile(*option)) all += "=" + FileDigest(option->results().front());
+    if (option->get_name() == "--profile") all += "=" + FileDigest(option->results().front());
     all += "\n";
   }
   request->options = batch::Sha256Of(all);

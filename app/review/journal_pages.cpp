@@ -18,8 +18,9 @@ using Json = nlohmann::ordered_json;
 
 // What the review page shows, and what a decision hands on to apply.
 constexpr const char* kShown[] = {
-    "file",  "fileHex", "dir", "dirHex", "page",    "pages",    "confidence", "cutConfidence",
-    "width", "height",  "dpi", "angle",  "corners", "evidence", "inputSize",  "inputModified"};
+    "file",       "fileHex",       "dir",      "dirHex",    "page",         "pages",
+    "confidence", "cutConfidence", "width",    "height",    "rotate",       "dpi",
+    "angle",      "corners",       "evidence", "inputSize", "inputModified"};
 
 Sureness SurenessOf(const Json& line) {
   const std::string word = line.value("confidence", std::string());
@@ -45,7 +46,9 @@ class Collector {
     const int32_t number = line.value("page", 0);
     if (number > 0) {
       pages_.places[input.path][number] = pages_.facts.size();
-      PagesOf(input)->push_back(number);
+      batch::InputFile* known = InputFor(input);
+      known->pages.push_back(number);
+      known->turns[number] = line.value("rotate", 0);
     }
     pages_.facts.push_back(batch::Dump(FactsOf(line, input.path, sureness)));
   }
@@ -68,10 +71,10 @@ class Collector {
     return facts;
   }
 
-  std::vector<int32_t>* PagesOf(const batch::InputFile& input) {
+  batch::InputFile* InputFor(const batch::InputFile& input) {
     const auto [at, isNew] = inputs_.emplace(input.path, pages_.inputs.size());
     if (isNew) pages_.inputs.push_back(input);
-    return &pages_.inputs[at->second].pages;
+    return &pages_.inputs[at->second];
   }
 
   JournalPages pages_;

@@ -168,7 +168,7 @@ export class Decisions {
 
   lineOf(page) {
     const line = {};
-    for (const key of ['file', 'fileHex', 'dir', 'dirHex', 'page', 'pages']) {
+    for (const key of ['file', 'fileHex', 'dir', 'dirHex', 'page', 'pages', 'rotate']) {
       if (page[key] !== undefined) line[key] = page[key];
     }
     line.decision = this.choiceOf(page);

@@ -196,14 +196,15 @@ class ReviewTest(unittest.TestCase):
         self.assertGreater(min(difference(-0.5), difference(0.5)), 1.5 * difference(0))
 
     def test_previews_have_the_sizes_that_apply_makes(self):
-        """Also at the least turn, at quarter turns, and where a cut reaches beyond the picture."""
+        """Also at the least turn, at quarter turns, where a cut reaches beyond the picture, and of
+        pages that were turned by quarters first."""
         rng = random.Random(5)
         turns = [0, 0.0499, 0.05, -0.05, 90, -90, 180, 44.9]
         turns += [rng.uniform(-12, 12) for _ in range(24)]
         sizes = [(300 + number % 3, 360 + number % 2) for number in range(len(turns))]
         pages = [Image.new("L", size, 200) for size in sizes]
         pages[0].save("box.tiff", save_all=True, append_images=pages[1:])
-        found = self.vorlane("detect", "box.tiff", "--json", exit=1).stdout
+        found = self.vorlane("detect", "box.tiff", "--rotate", "90", "--json", exit=1).stdout
         with open("found.jsonl", "wb") as file:
             file.write(found)
         with open("kept.jsonl", "w", encoding="utf-8") as file:
