@@ -30,11 +30,14 @@ Sureness SurenessOf(const Json& line) {
   return word == "doubtful" ? Sureness::kDoubtful : Sureness::kRefused;
 }
 
-// A reason without its words, which all pages share, unless they are of this page alone.
+// A reason without its words, which all pages share, unless they are of this page alone, as those
+// of an error are.
 Json ReasonIn(Json reason, std::map<std::string, std::string>* words) {
+  const std::string code = reason.value("code", std::string());
+  const std::string told = reason.value("words", std::string());
   const auto known =
-      words->emplace(reason.value("code", std::string()), reason.value("words", std::string()));
-  if (known.first->second == reason.value("words", std::string())) reason.erase("words");
+      words->emplace(code, code == "error" ? "it could not be read or written" : told);
+  if (known.first->second == told) reason.erase("words");
   return reason;
 }
 

@@ -73,9 +73,10 @@ export class Filters {
     for (const page of this.ordered) {
       if (text !== '' && !page.searched.includes(text)) continue;
       const refusing = GROUPS.filter((group) => !this.lets(page, group));
+      if (refusing.length > 1) continue;
       if (refusing.length === 0) shown.push(page);
-      for (const group of GROUPS) {
-        if (refusing.some((other) => other !== group)) continue;
+      // A word of the one group that refuses the page would let it through.
+      for (const group of refusing.length === 0 ? GROUPS : refusing) {
         for (const word of this.wordsOf(page, group)) {
           counts[group].set(word, (counts[group].get(word) ?? 0) + 1);
         }

@@ -166,6 +166,7 @@ export class Sheet {
 
   fillFacts(tile, page) {
     const { decisions } = this;
+    tile.decision = decisions.of(page);
     const state = decisions.stateOf(page);
     const turn = decisions.turnOf(page);
     const choice = decisions.choiceOf(page);
@@ -197,7 +198,8 @@ export class Sheet {
   /** Shows anew what may have changed about the pages in sight. */
   refresh() {
     for (const [place, tile] of this.tiles) {
-      if (tile.page && this.pages[place] === tile.page) this.fillFacts(tile, tile.page);
+      const isSame = tile.page && this.pages[place] === tile.page;
+      if (isSame && tile.decision !== this.decisions.of(tile.page)) this.fillFacts(tile, tile.page);
     }
   }
 
