@@ -62,8 +62,9 @@ constexpr ReasonCode kReasonCodes[] = {
     {VORLANE_REASON_KEPT_WHOLE, Reason::kKeptWhole},
     {VORLANE_REASON_NOT_TURNED, Reason::kNotTurned},
     {VORLANE_REASON_BELOW_CONFIDENCE, Reason::kBelowConfidence},
+    {VORLANE_REASON_NO_BAR, Reason::kNoBar},
 };
-static_assert(std::size(kReasonCodes) == static_cast<size_t>(Reason::kBelowConfidence) + 1);
+static_assert(std::size(kReasonCodes) == static_cast<size_t>(Reason::kNoBar) + 1);
 
 // The words of a reason, or null for a code that there is not.
 const vorlane::judge::ReasonWords* WordsOf(int32_t code) {

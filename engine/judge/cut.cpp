@@ -75,7 +75,8 @@ class Cutter {
       : page_(page),
         sides_(sides),
         decision_(decision),
-        axes_(PageAxes::Of(decision.degrees, page.width(), page.height())) {}
+        axes_(PageAxes::Of(decision.degrees, page.width(), page.height())),
+        darkest_(sides.thresholds.count > 0 ? std::ranges::min(sides.thresholds.view()) : 0) {}
 
   bool Find(const InkPicture& ink, double outwards, Cut* cut) {
     *cut = {};
@@ -495,13 +496,12 @@ class Cutter {
   // Whether ink is print on paper and no noise or dust of a dark surround.
   bool IsOnLight(int32_t x, int32_t y) const {
     const evidence::ReducedPicture& reduced = page_.reduced();
-    const uint8_t darkest = std::ranges::min(sides_.thresholds.view());
     int32_t light = 0;
     for (const int32_t dy : {-kLightAround, kLightAround}) {
       for (const int32_t dx : {-kLightAround, kLightAround}) {
         const int32_t column = std::clamp(x + dx, 0, reduced.width - 1);
         const int32_t row = std::clamp(y + dy, 0, reduced.height - 1);
-        light += reduced.Row(row)[column] >= darkest;
+        light += reduced.Row(row)[column] >= darkest_;
       }
     }
     return light >= 3;
@@ -541,6 +541,7 @@ class Cutter {
   const PaperSides& sides_;
   const Decision& decision_;
   PageAxes axes_;
+  int32_t darkest_;                   // of the thresholds
   const SideGroup* group_ = nullptr;  // whose lines bound the page
   std::array<std::optional<SideLine>, kSides> lines_;
   std::array<bool, kSides> isBar_{};

@@ -92,7 +92,7 @@ class Judge {
 
   // Sure when every bar and the print lie alike.
   Decision DecideBar() const {
-    if (bars_.count == 0) return Refused(Reason::kNothingSeen);
+    if (bars_.count == 0) return Refused(Reason::kNoBar);
     Decision decision = DecideAuto();
     const bool hasPrint = print_.strength >= PrintStrength::kFair;
     const bool agrees = hasPrint && std::abs(PrintDegrees() - bars_.degrees) <= kBarAgreeing;

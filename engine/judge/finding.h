@@ -83,6 +83,7 @@ enum class Reason : int32_t {
   kKeptWhole,         // the angle alone is believed
   kNotTurned,         // under the smallest turn worth resampling for; value: degrees
   kBelowConfidence,   // found, but under the confidence asked for
+  kNoBar,             // the caller chose the bar, and none is seen
 };
 
 struct ReasonReport {

@@ -34,8 +34,9 @@ constexpr ReasonWords kReasonWords[] = {
     {"kept-whole", "only the angle is believed, the picture is kept whole", ""},
     {"not-turned", "too little off to be turned", "degrees"},
     {"below-confidence", "less sure than was asked for", ""},
+    {"no-bar", "no reference bar is seen", ""},
 };
-static_assert(std::size(kReasonWords) == static_cast<size_t>(Reason::kBelowConfidence) + 1);
+static_assert(std::size(kReasonWords) == static_cast<size_t>(Reason::kNoBar) + 1);
 
 constexpr const char* kEvidenceNames[] = {"top", "right", "bottom", "left", "print", "bar", "vote"};
 static_assert(std::size(kEvidenceNames) == kEvidenceKinds);
