@@ -57,10 +57,20 @@ def _ahead_in_words(board):
     return "\n".join(lines) + "\n"
 
 
+def _in_short(board):
+    """One sentence for each detector, over all pages."""
+    lines = []
+    for name in board.results:
+        tally = board.total(name)
+        counts = [tally.verdicts[found] for found in ("right", "near", "wrong", "left")]
+        lines.append("- **%s**: %d right, %d near, %d wrong, %d left alone." % (name, *counts))
+    return "Of all %d pages:\n\n%s\n" % (len(board.truths), "\n".join(lines))
+
+
 def write(facts, truths, results):
     """The page. `results`: answers by file name for each detector by name, ours first."""
     board = Board(truths, results)
-    parts = [_INTRODUCTION, _machine_line(facts), "## Results\n"]
+    parts = [_INTRODUCTION, _machine_line(facts), "## Results\n", _in_short(board)]
     for group in (conditions.ORDINARY, conditions.HARD):
         part = board.of_group(group)
         if part.truths:
