@@ -21,8 +21,8 @@ function isTurn({ angle, corners }) {
 
 /** The turn that was found: angle and corners, null for the whole page; null where none was. */
 export function foundTurn(page) {
-  if (page.angle === undefined) return null;
-  return { angle: page.angle, corners: page.corners ?? null };
+  const turn = { angle: page.angle, corners: page.corners ?? null };
+  return isTurn(turn) ? turn : null; // a journal may have been edited
 }
 
 /**

@@ -33,8 +33,14 @@ export function describe(words) {
   say(words, false);
 }
 
+/** Milliseconds; the style lets them fade in somewhat less. */
+const WORDS_STAY = 5000;
+let forgetting = 0;
+
 function say(words, isShown) {
   const status = byId('status');
+  clearTimeout(forgetting);
+  forgetting = setTimeout(() => status.replaceChildren(), WORDS_STAY);
   status.classList.toggle('hidden', !isShown);
   // The same words twice are told twice.
   status.textContent = '';
