@@ -1,0 +1,166 @@
+// A batch beside its codecs alone: what straightening adds to reading and writing the same pages
+// with as many threads.
+#include <algorithm>
+#include <atomic>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <ctime>
+#include <filesystem>
+#include <stdexcept>
+#include <string>
+#include <thread>
+#include <tiff.h>
+#include <unistd.h>
+#include <vector>
+
+#include "app/batch/batch.h"
+#include "app/commands/engine_service.h"
+#include "app/files/picture_file.h"
+#include "app/files/picture_writer.h"
+#include "sample_pages.h"
+
+namespace vorlanepic::bench {
+namespace {
+
+namespace fs = std::filesystem;
+namespace files = vorlane::files;
+namespace batch = vorlane::batch;
+
+constexpr int32_t kThreads = 2;
+constexpr double kA4 = 8.7;  // megapixels of a letter or A4 page of 300 dots per inch
+
+struct Kind {
+  const char* name;
+  const char* extension;
+  int32_t bitsPerPixel;
+  uint16_t compression;  // of TIFF
+};
+
+constexpr Kind kKinds[] = {{"TIFF, LZW, grey", ".tif", 8, COMPRESSION_LZW},
+                           {"TIFF, LZW, colour", ".tif", 24, COMPRESSION_LZW},
+                           {"TIFF, G4", ".tif", 1, COMPRESSION_CCITTFAX4},
+                           {"PNG, grey", ".png", 8, 0},
+                           {"PNG, colour", ".png", 24, 0},
+                           {"JPEG, colour", ".jpg", 24, 0}};
+
+void WriteScans(const Kind& kind, double megapixels, int32_t count, const std::string& folder) {
+  fs::create_directories(folder);
+  testing::DrawnPage drawn = ScannedPage(megapixels, 2, kind.bitsPerPixel);
+  drawn.text = true;
+  drawn.noise = kind.bitsPerPixel == 1 ? 0 : 3;
+  const testing::TestImage scan = DrawPage(drawn);
+  files::Page source;
+  source.coding.tiff.compression = kind.compression;
+  source.metadata.resolution = {300, 300};
+  const std::string first = folder + "/0" + kind.extension;
+  files::WritePicture(first, *scan.rec(), source, files::Replacing::kAllowed);
+  for (int32_t i = 1; i < count; ++i) {
+    fs::copy_file(first, folder + "/" + std::to_string(i) + kind.extension);
+  }
+}
+
+void Copy(const fs::path& from, const std::string& to) {
+  const files::Page page = files::PictureFile(from.native()).Read(1);
+  std::vector<std::string> notes;
+  const files::FileFormat format = files::FormatOfName(to).value();
+  files::PictureWriter writer(to, format, files::Replacing::kAllowed, files::Durability::kSynced);
+  writer.Add(files::EncodePage(format, *page.image.rec(), page, {}, &notes));
+  writer.Commit();
+}
+
+void CopyAll(const std::string& from, const std::string& to) {
+  std::vector<fs::path> paths;
+  for (const auto& entry : fs::directory_iterator(from)) paths.push_back(entry.path());
+  fs::create_directories(to);
+  std::atomic<size_t> next{0};
+  std::vector<std::thread> threads;
+  for (int32_t i = 0; i < kThreads; ++i) {
+    threads.emplace_back([&] {
+      for (size_t at = next++; at < paths.size(); at = next++) {
+        Copy(paths[at], to + "/" + paths[at].filename().native());
+      }
+    });
+  }
+  for (std::thread& thread : threads) thread.join();
+}
+
+void Straighten(const std::string& from, const std::string& to) {
+  batch::BatchRequest request;
+  request.command = "straighten";
+  request.inputs.words = {from};
+  request.output = to + "/";
+  request.overwriting.outputs = true;
+  request.report.isQuiet = true;
+  request.jobs = kThreads;
+  if (batch::RunBatch(request, vorlane::commands::MakeService({})) != 0) {
+    throw std::runtime_error("a page was not straightened");
+  }
+}
+
+struct Taken {
+  double wall;
+  double processor;
+};
+
+template <typename Action>
+Taken Measure(const Action& action) {
+  const auto wall = std::chrono::steady_clock::now();
+  const std::clock_t processor = std::clock();
+  action();
+  const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - wall;
+  return {taken.count(), 1e3 * static_cast<double>(std::clock() - processor) / CLOCKS_PER_SEC};
+}
+
+double Median(std::vector<double> values) {
+  const auto middle = values.begin() + static_cast<ptrdiff_t>(values.size() / 2);
+  std::nth_element(values.begin(), middle, values.end());
+  return *middle;
+}
+
+void Compare(const Kind& kind, double megapixels, int32_t count, int32_t rounds,
+             const std::string& folder) {
+  const std::string from = folder + "/in";
+  WriteScans(kind, megapixels, count, from);
+  std::vector<double> batchMs;
+  std::vector<double> codecMs;
+  std::vector<double> wallRatios;
+  std::vector<double> processorRatios;
+  for (int32_t round = 0; round < rounds; ++round) {
+    const Taken codecs = Measure([&] { CopyAll(from, folder + "/copies"); });
+    const Taken pages = Measure([&] { Straighten(from, folder + "/pages"); });
+    batchMs.push_back(pages.wall / count);
+    codecMs.push_back(codecs.wall / count);
+    wallRatios.push_back(pages.wall / codecs.wall);
+    processorRatios.push_back(pages.processor / codecs.processor);
+  }
+  std::printf("| %s | %.1f | %.1f | %.2f | %.2f |\n", kind.name, Median(batchMs), Median(codecMs),
+              Median(wallRatios), Median(processorRatios));
+  (void)std::fflush(stdout);
+  for (const char* name : {"/in", "/copies", "/pages"}) fs::remove_all(folder + name);
+}
+
+void CompareAll(bool isBrief) {
+  std::string folder = (fs::temp_directory_path() / "vorlane-batch-XXXXXX").native();
+  if (::mkdtemp(folder.data()) == nullptr) throw std::runtime_error("no temporary folder");
+  std::printf("### A batch beside its codecs, two threads\n\n");
+  std::printf("| pages | ms a page | codecs alone | times, by the clock | by processor time |\n");
+  std::printf("|---|--:|--:|--:|--:|\n");
+  for (const Kind& kind : kKinds) {
+    Compare(kind, isBrief ? 0.3 : kA4, isBrief ? 2 : 8, isBrief ? 1 : 5, folder);
+  }
+  std::printf("\n");
+  fs::remove_all(folder);
+}
+
+}  // namespace
+}  // namespace vorlanepic::bench
+
+int main(int argc, char** argv) try {
+  const bool isBrief = argc > 1 && std::string(argv[1]) == "--brief";
+  vorlanepic::bench::CompareAll(isBrief);
+  return EXIT_SUCCESS;
+} catch (const std::exception& error) {
+  (void)std::fprintf(stderr, "batch_bench: %s\n", error.what());
+  return EXIT_FAILURE;
+}
