@@ -92,8 +92,11 @@ void Straighten(const std::string& from, const std::string& to) {
   request.output = to + "/";
   request.overwriting.outputs = true;
   request.report.isQuiet = true;
+  request.isStrict = true;
   request.jobs = kThreads;
-  if (batch::RunBatch(request, vorlane::commands::MakeService({})) != 0) {
+  vorlane::commands::EngineOptions engine;
+  engine.detect.by = VORLANE_BY_PAPER;  // the drawn words speak for angles of their own
+  if (batch::RunBatch(request, vorlane::commands::MakeService(engine)) != 0) {
     throw std::runtime_error("a page was not straightened");
   }
 }
