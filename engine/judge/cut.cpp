@@ -11,6 +11,7 @@
 #include "engine/evidence/side_contrast.h"
 #include "engine/judge/page_axes.h"
 #include "engine/judge/polygon.h"
+#include "engine/judge/print_beyond.h"
 #include "vorlanepic/vorlanepic.h"
 
 namespace vorlane::judge {
@@ -60,14 +61,10 @@ constexpr double kBarLevels = 15.0;
 constexpr double kBarShare = 0.04;
 // Where the page runs off the picture, its other sides end this near to the frame.
 constexpr double kFrameShare = 0.02;
-// A side that is not the group's own is given up where it cuts off this share of the print: of the
-// ink that is light at the darkest level on three sides, this many pixels of the reduced picture
-// away.
+// A side that is not the group's own is given up where it cuts off this share of the print.
 constexpr double kPrintLost = 0.02;
-constexpr int32_t kLightAround = 6;
 // Beyond this share of it the cut may be around a picture on the sheet.
 constexpr double kOtherPaper = 0.1;
-constexpr int32_t kInkSamples = 500;
 
 class Cutter {
  public:
@@ -76,7 +73,8 @@ class Cutter {
         sides_(sides),
         decision_(decision),
         axes_(PageAxes::Of(decision.degrees, page.width(), page.height())),
-        darkest_(sides.thresholds.count > 0 ? std::ranges::min(sides.thresholds.view()) : 0) {}
+        darkest_(sides.thresholds.count > 0 ? std::ranges::min(sides.thresholds.view())
+                                            : uint8_t{0}) {}
 
   bool Find(const InkPicture& ink, double outwards, Cut* cut) {
     *cut = {};
@@ -106,10 +104,10 @@ class Cutter {
     if (!evidence::MeasureLightBeyond(page_, Threshold(), region, &light_)) return false;
     for (const Side side : kAllSides) EndSide(side, region);
     cut->rect = Bound(region, outwards);
-    std::array<double, kSides> inkBeyond = InkBeyond(ink, cut->rect);
+    std::array<double, kSides> inkBeyond = SharesBeyond(page_, ink, axes_, darkest_, cut->rect);
     if (WidenForPrint(inkBeyond)) {
       cut->rect = Bound(region, outwards);
-      inkBeyond = InkBeyond(ink, cut->rect);
+      inkBeyond = SharesBeyond(page_, ink, axes_, darkest_, cut->rect);
     }
     Tell(cut);
     if (cut->isBelieved) cut->inkOutside = std::accumulate(inkBeyond.begin(), inkBeyond.end(), 0.0);
@@ -493,55 +491,11 @@ class Cutter {
     return rect;
   }
 
-  // Whether ink is print on paper and no noise or dust of a dark surround.
-  bool IsOnLight(int32_t x, int32_t y) const {
-    const evidence::ReducedPicture& reduced = page_.reduced();
-    int32_t light = 0;
-    for (const int32_t dy : {-kLightAround, kLightAround}) {
-      for (const int32_t dx : {-kLightAround, kLightAround}) {
-        const int32_t column = std::clamp(x + dx, 0, reduced.width - 1);
-        const int32_t row = std::clamp(y + dy, 0, reduced.height - 1);
-        light += reduced.Row(row)[column] >= darkest_;
-      }
-    }
-    return light >= 3;
-  }
-
-  // Shares of all print that lie beyond each side of the cut; at a corner, beyond one of the two.
-  std::array<double, kSides> InkBeyond(const InkPicture& ink, const CutRect& rect) const {
-    const int32_t step = std::max(1, std::max(ink.width, ink.height) / kInkSamples);
-    const double scale = static_cast<double>(1 << page_.reduced().shift);
-    int64_t all = 0;
-    std::array<int64_t, kSides> beyond{};
-    for (int32_t y = 0; y < ink.height; y += step) {
-      const uint8_t* row = ink.Row(y);
-      for (int32_t x = 0; x < ink.width; ++x) {
-        if (row[x] == 0 || !IsOnLight(x, y)) continue;
-        ++all;
-        const Point place = axes_.ToPage({x * scale, y * scale});
-        if (place.y < rect.top) {
-          ++beyond[Index(Side::kTop)];
-        } else if (place.x > rect.right) {
-          ++beyond[Index(Side::kRight)];
-        } else if (place.y > rect.bottom) {
-          ++beyond[Index(Side::kBottom)];
-        } else if (place.x < rect.left) {
-          ++beyond[Index(Side::kLeft)];
-        }
-      }
-    }
-    std::array<double, kSides> shares{};
-    for (size_t i = 0; i < kSides && all > 0; ++i) {
-      shares[i] = static_cast<double>(beyond[i]) / static_cast<double>(all);
-    }
-    return shares;
-  }
-
   const PageLevels& page_;
   const PaperSides& sides_;
   const Decision& decision_;
   PageAxes axes_;
-  int32_t darkest_;                   // of the thresholds
+  uint8_t darkest_;                   // of the thresholds
   const SideGroup* group_ = nullptr;  // whose lines bound the page
   std::array<std::optional<SideLine>, kSides> lines_;
   std::array<bool, kSides> isBar_{};

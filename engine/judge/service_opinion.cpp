@@ -84,8 +84,9 @@ void JudgeCut(const Finding& found, const Corners& cut, const Polygon& picture, 
   const Polygon sheet = Common(picture, MovedOut(found.corners, -kCutSlack));
   LowerAbove(opinion, kLost, {Doubt::kCutsPage, ShareOutside(sheet, cut)});
   const double surround = ShareOutside(PolygonOf(cut), MovedOut(found.corners, kCutSlack));
-  if (surround > kMostSurround)
+  if (surround > kMostSurround) {
     Lower(opinion, Confidence::kLikely, {Doubt::kSurroundLeft, surround});
+  }
 }
 
 }  // namespace
