@@ -103,9 +103,28 @@ vorlane_finding FindingFor(finding::PageEngine* engine, const TurnReport& report
   return status == VORLANE_OK ? found : finding::EmptyFinding();
 }
 
+namespace {
+
+// The services' sums of squares wrap on such a page.
+bool IsTooLarge(const ImageRec& image) {
+  return image.width > VORLANE_MAX_EDGE || image.height > VORLANE_MAX_EDGE;
+}
+
+batch::PageOutcome TooLargeOutcome(const files::Page& page) {
+  batch::PageOutcome outcome;
+  outcome.words = vorlane_status_text(VORLANE_TOO_LARGE);
+  outcome.facts = PictureFacts(page);
+  outcome.facts["confidence"] = vorlane_confidence_name(VORLANE_REFUSED);
+  outcome.facts["reasons"] = {ReasonFacts("too-large", outcome.words)};
+  return outcome;
+}
+
+}  // namespace
+
 batch::PageService ServiceOf(const TurnReport& report, const TurnService& service) {
   return [engine = std::make_shared<finding::PageEngine>(), report,
           service](const files::Page& page) {
+    if (IsTooLarge(*page.image.rec())) return TooLargeOutcome(page);
     const vorlane_finding found = FindingFor(engine.get(), report, *page.image.rec());
     return OutcomeOf(report, page, std::make_shared<services::TurnOutcome>(service(page, found)));
   };
