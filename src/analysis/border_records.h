@@ -13,7 +13,7 @@ namespace vorlanepic::analysis {
 struct BorderSegment {
   int32_t count;                   // points
   const frame::PixelPoint* first;  // its first point, in the point array of the trace it came from
-  int32_t used;                    // 1: the edge selection keeps it
+  bool used;                       // the edge selection keeps it
   int32_t meanX;  // mean of the points, truncated; their sum while the segment grows
   int32_t meanY;
 };

@@ -55,14 +55,14 @@ bool KeepSegments(SegmentList* list, Keep keep) {
 // Index of the first segment marked used in begin..end - 1, or `end`.
 int32_t FirstUsed(std::span<const BorderSegment> segments, int32_t begin, int32_t end) {
   int32_t i = begin;
-  while (i < end && segments[static_cast<size_t>(i)].used != 1) ++i;
+  while (i < end && !segments[static_cast<size_t>(i)].used) ++i;
   return i;
 }
 
 // Index of the last segment marked used at `begin` or below, or -1.
 int32_t LastUsed(std::span<const BorderSegment> segments, int32_t begin) {
   int32_t i = begin;
-  while (i >= 0 && segments[static_cast<size_t>(i)].used != 1) --i;
+  while (i >= 0 && !segments[static_cast<size_t>(i)].used) --i;
   return i;
 }
 
@@ -95,7 +95,7 @@ int32_t Selection::Run(const SegmentList& list) {
   if (!work_.segments.Allocate(static_cast<size_t>(list.segmentCount))) return OUT_OF_MEMORY;
   std::ranges::copy(list.view(), work_.segments.data());
   work_.segmentCount = list.segmentCount;
-  for (BorderSegment& segment : work_.view()) segment.used = 0;
+  for (BorderSegment& segment : work_.view()) segment.used = false;
 
   while (work_.segmentCount >= kFewestSegments) {
     int32_t status = KeepConsistent();
@@ -134,7 +134,7 @@ int32_t Selection::JudgeFirst() {
   const int32_t nearest = FirstUsed(segments, 1, last);
   const int32_t farther = FirstUsed(segments, nearest + 1, last);
   if (nearest < last && farther < last) return Judge(nearest, farther, 0);
-  segments.front().used = 1;
+  segments.front().used = true;
   return STATUS_OK;
 }
 
@@ -145,21 +145,21 @@ int32_t Selection::JudgeLast() {
   const int32_t nearest = LastUsed(segments, last - 1);
   const int32_t farther = LastUsed(segments, nearest - 1);
   if (farther >= 1) return Judge(nearest, farther, last);
-  segments.back().used = 1;
+  segments.back().used = true;
   return STATUS_OK;
 }
 
 // Marks survive from the pass before where the test leaves them alone, except at the two ends.
 int32_t Selection::KeepConsistent() {
-  work_.view().front().used = 0;
-  work_.view().back().used = 0;
+  work_.view().front().used = false;
+  work_.view().back().used = false;
   int32_t status = JudgeInner();
   if (status != STATUS_OK) return status;
   status = JudgeFirst();
   if (status != STATUS_OK) return status;
   status = JudgeLast();
   if (status != STATUS_OK) return status;
-  KeepSegments(&work_, [](const BorderSegment& segment) { return segment.used == 1; });
+  KeepSegments(&work_, [](const BorderSegment& segment) { return segment.used; });
   work_.pointTotal = CountPoints(work_.view());
   return STATUS_OK;
 }
@@ -189,7 +189,7 @@ int32_t Selection::KeepNearPointLine(bool* fellOut) {
 
 int32_t TakeAllSegments(SegmentList* list) {
   list->pointTotal = CountPoints(list->view());
-  for (BorderSegment& segment : list->view()) segment.used = 1;
+  for (BorderSegment& segment : list->view()) segment.used = true;
   BorderLine line;
   return FitPointLine(&line, *list);
 }
@@ -198,7 +198,7 @@ int32_t TakeAllSegments(SegmentList* list) {
 
 int32_t JudgeSegment(const frame::Settings& settings, frame::PixelPoint previous,
                      frame::PixelPoint next, frame::PixelPoint tested, EdgeSource source,
-                     EdgeCode code, int32_t* verdict) {
+                     EdgeCode code, bool* verdict) {
   const int32_t dx = frame::WrapSub(previous.x, next.x);
   const int32_t dy = frame::WrapSub(previous.y, next.y);
   if (dx == 0 && dy == 0) return BAD_ARGUMENT;
@@ -209,7 +209,7 @@ int32_t JudgeSegment(const frame::Settings& settings, frame::PixelPoint previous
     const auto across = runsAlongX ? &frame::PixelPoint::y : &frame::PixelPoint::x;
     const bool inLine = IsWithin(gap, previous.*across, tested.*across) &&
                         IsWithin(gap, next.*across, tested.*across);
-    *verdict = inLine ? 1 : 0;
+    *verdict = inLine;
     return STATUS_OK;
   }
   if (dx == 0 || dy == 0) return STATUS_OK;
@@ -218,7 +218,7 @@ int32_t JudgeSegment(const frame::Settings& settings, frame::PixelPoint previous
   const int32_t chordY = frame::TruncToInt32(static_cast<double>(product) / dx + previous.y);
   const bool sameSign = (dx > 0) == (dy > 0);
   const bool keepsBelow = sameSign == (code == EdgeCode::kE1 || code == EdgeCode::kE2);
-  *verdict = (keepsBelow ? chordY <= tested.y : chordY >= tested.y) ? 1 : 0;
+  *verdict = keepsBelow ? chordY <= tested.y : chordY >= tested.y;
   return STATUS_OK;
 }
 
@@ -234,7 +234,7 @@ int32_t SelectSegments(const frame::Settings& settings, EdgeSource source, EdgeC
   KeepSegments(list, [&](const BorderSegment& segment) {
     return frame::WrapAbs(DistanceOf(segment, selection.line())) < kPointLineLimit;
   });
-  for (BorderSegment& segment : list->view()) segment.used = 1;
+  for (BorderSegment& segment : list->view()) segment.used = true;
   return list->segmentCount == 0 ? EDGE_NOT_FOUND : STATUS_OK;
 }
 

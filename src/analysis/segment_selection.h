@@ -8,8 +8,8 @@
 
 namespace vorlanepic::analysis {
 
-// Judges whether a segment's mean is in line with its neighbours' means: 1 (keep) or 0 in *verdict,
-// which is left alone where the neighbours lie level or upright to each other.
+// Judges whether a segment's mean is in line with its neighbours' means, into *verdict, which is
+// left alone where the neighbours lie level or upright to each other.
 //
 //   source  kWholeSides: it is in line when it lies within SegmentMaxGap of both neighbours across
 //           the edge; kBeyondExtremes: when it does not lie on the inner side of their chord
@@ -18,7 +18,7 @@ namespace vorlanepic::analysis {
 // Returns STATUS_OK, or BAD_ARGUMENT for equal neighbours.
 int32_t JudgeSegment(const frame::Settings& settings, frame::PixelPoint previous,
                      frame::PixelPoint next, frame::PixelPoint tested, EdgeSource source,
-                     EdgeCode code, int32_t* verdict);
+                     EdgeCode code, bool* verdict);
 
 // Keeps in `list` the segments that lie on its common line, in order, each marked used.
 // Arguments as above.

@@ -34,7 +34,7 @@ int32_t AppendSegment(SegmentList* list, const BorderSegment& segment) {
   const auto count = static_cast<size_t>(list->segmentCount);
   if (count == list->segments.size() && !list->segments.Grow(kGrowth)) return OUT_OF_MEMORY;
   list->segments[count] = segment;
-  list->segments[count].used = 0;
+  list->segments[count].used = false;
   ++list->segmentCount;
   return STATUS_OK;
 }

@@ -21,24 +21,28 @@ TEST_F(SegmentSelectionTest, JudgeKeepsWhatIsInLineWithItsNeighbours) {
     frame::PixelPoint next;
     frame::PixelPoint tested;
     EdgeSource source;
-    int32_t verdicts[4];  // for edges 1..4; 7 stands for a verdict left alone
+    const char* verdicts;  // for edges 1..4; as before where the verdict is left alone
   };
   const Case cases[] = {
-      {"six across", {0, 100}, {0, 106}, {6, 106}, kWhole, {1, 1, 1, 1}},
-      {"seven below", {0, 100}, {0, 106}, {6, 107}, kWhole, {0, 1, 0, 1}},
-      {"seven aside", {0, 100}, {7, 100}, {7, 100}, kWhole, {1, 0, 1, 0}},
-      {"below a rising chord", {0, 0}, {20, 10}, {10, 6}, kBeyond, {1, 1, 0, 0}},
-      {"above a falling chord", {0, 10}, {20, 0}, {10, 4}, kBeyond, {1, 1, 0, 0}},
-      {"the chord's 5.5 is cut to 5", {0, 0}, {20, 10}, {11, 5}, kBeyond, {1, 1, 1, 1}},
-      {"level chord", {0, 5}, {20, 5}, {10, 90}, kBeyond, {7, 7, 7, 7}},
+      {"six across", {0, 100}, {0, 106}, {6, 106}, kWhole, "1111"},
+      {"seven below", {0, 100}, {0, 106}, {6, 107}, kWhole, "0101"},
+      {"seven aside", {0, 100}, {7, 100}, {7, 100}, kWhole, "1010"},
+      {"below a rising chord", {0, 0}, {20, 10}, {10, 6}, kBeyond, "1100"},
+      {"above a falling chord", {0, 10}, {20, 0}, {10, 4}, kBeyond, "1100"},
+      {"the chord's 5.5 is cut to 5", {0, 0}, {20, 10}, {11, 5}, kBeyond, "1111"},
+      {"level chord", {0, 5}, {20, 5}, {10, 90}, kBeyond, "----"},
   };
   for (const Case& c : cases) {
     for (int32_t code = 1; code <= 4; ++code) {
-      int32_t verdict = 7;
-      EXPECT_EQ(JudgeSegment(settings_, c.previous, c.next, c.tested, c.source,
-                             static_cast<EdgeCode>(code), &verdict),
-                0);
-      EXPECT_EQ(verdict, c.verdicts[code - 1]) << c.name << ", code " << code;
+      for (const bool before : {false, true}) {
+        bool verdict = before;
+        EXPECT_EQ(JudgeSegment(settings_, c.previous, c.next, c.tested, c.source,
+                               static_cast<EdgeCode>(code), &verdict),
+                  0);
+        const char expected = c.verdicts[code - 1];
+        EXPECT_EQ(verdict, expected == '-' ? before : expected == '1')
+            << c.name << ", code " << code;
+      }
     }
   }
 }
@@ -104,7 +108,7 @@ TEST_F(SegmentSelectionTest, SelectKeepsTheSegmentsOfOneLine) {
     EXPECT_EQ(SelectSegments(settings_, c.source, EdgeCode::kE1, &side.list), c.status);
     if (c.status != STATUS_OK) continue;
     EXPECT_EQ(MeansOf(side.list), c.kept);
-    for (const BorderSegment& segment : side.list.view()) EXPECT_EQ(segment.used, 1);
+    for (const BorderSegment& segment : side.list.view()) EXPECT_TRUE(segment.used);
   }
 }
 
@@ -133,10 +137,10 @@ TEST_F(SegmentSelectionTest, ANotchIsCutOffUnlessTheEdgeIsScattered) {
 }
 
 TEST_F(SegmentSelectionTest, RefusesWhatItCannotJudge) {
-  int32_t verdict = 7;
+  bool verdict = true;
   EXPECT_EQ(JudgeSegment(settings_, {3, 3}, {3, 3}, {2, 2}, kBeyond, EdgeCode::kE1, &verdict),
             BAD_ARGUMENT);
-  EXPECT_EQ(verdict, 7);
+  EXPECT_TRUE(verdict);
 }
 
 }  // namespace

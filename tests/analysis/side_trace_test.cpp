@@ -43,7 +43,7 @@ TEST_F(AnalysisTest, TraceCutsTheBorderIntoSegments) {
     for (const BorderSegment& segment : side.list.view()) {
       counts.push_back(segment.count);
       EXPECT_EQ(segment.first, first);
-      EXPECT_EQ(segment.used, 0);
+      EXPECT_FALSE(segment.used);
       first += segment.count;
     }
     EXPECT_EQ(counts, c.counts);
