@@ -44,10 +44,12 @@ bool BlockGrowth::ReserveRow(size_t mostRuns) {
 }
 
 int64_t BlockGrowth::ExpectedCount() const {
-  constexpr int64_t kLeastShare = 16;  // of the rows, before they tell anything about the rest
+  // What tells about the rest: this share of the rows, or so many blocks.
+  constexpr int64_t kLeastShare = 16;
+  constexpr int64_t kLeastBlocks = 8192;
   const auto rows = static_cast<int64_t>(rowStarts_.size() - 1);
   const int64_t linked = int64_t{firstRow_} - beginRow_ + static_cast<int64_t>(rowCount_);
-  if (linked <= rows / kLeastShare) return opened_;
+  if (linked <= rows / kLeastShare && opened_ < kLeastBlocks) return opened_;
   const int64_t whole = opened_ * rows / linked;  // both factors have 31 bits
   return whole + whole / 8;
 }
@@ -97,21 +99,25 @@ void BlockGrowth::LetRowsGo() {
   RelinkLastRow();
 }
 
-// Notes in each block that stays, in place of its last run, the name that it will have.
+// Notes in each block that stays, in place of its runs, which block stays next and the name that it
+// will have itself.
 int32_t BlockGrowth::NumberKept() {
   int32_t kept = 0;
+  int32_t* next = &firstKept_;
   for (int32_t b = 0; b < blockCount(); ++b) {
     GrowingBlock& named = blocks_[static_cast<size_t>(b)];
-    const bool stays = named.isOpen || (named.early != nullptr && block(Root(b)).grows);
-    named.lastRun = stays ? kept++ : -1;
+    if (!named.isOpen && (named.early == nullptr || !block(Root(b)).grows)) continue;
+    named.lastRun = kept++;
+    *next = b;
+    next = &named.firstRun;
   }
+  *next = -1;
   return kept;
 }
 
 // Gives what names a block the name that it will have.
 void BlockGrowth::RenameKept() {
-  for (int32_t b = 0; b < blockCount(); ++b) {
-    if (block(b).lastRun < 0) continue;
+  for (int32_t b = firstKept_; b >= 0; b = block(b).firstRun) {
     const int32_t root = Root(b);
     GrowingBlock& renamed = blocks_[static_cast<size_t>(b)];
     // Nobody looks at the old parents any more but by way of these.
@@ -125,15 +131,15 @@ void BlockGrowth::RenameKept() {
 }
 
 void BlockGrowth::MoveKept(int32_t kept) {
-  for (size_t b = 0; b < blockCount_; ++b) {
-    const GrowingBlock from = blocks_[b];
-    if (from.lastRun < 0) continue;
+  for (int32_t b = firstKept_; b >= 0;) {
+    const GrowingBlock from = block(b);
     GrowingBlock& to = blocks_[static_cast<size_t>(from.lastRun)];
     to = from;
     to.parent = from.firstRow;
     to.area = 0;
     to.firstRun = to.lastRun = -1;
     to.isOpen = to.grows = false;
+    b = from.firstRun;
   }
   blockCount_ = static_cast<size_t>(kept);
 }

@@ -116,6 +116,7 @@ class BlockGrowth {
   frame::ScratchArray<GrowingBlock> blocks_;
   size_t runCount_ = 0;
   size_t blockCount_ = 0;
+  int32_t firstKept_ = -1;  // while rows are let go: the first block that stays
   int64_t opened_ = 0;
   bool lastRunOpened_ = false;
 };

@@ -33,37 +33,43 @@ void Finish(BlockRec* block) {
 }
 
 // Writes the points of the block's own runs in front of run `end` to `points`, where there is room
-// for them, and returns `total` with those runs added. The number behind the last run, -1, lies
-// behind every `end`.
+// for them, and returns what they come to, with the reserve of a list that held `area` points and
+// reserved `capacity` before. The number behind the last run, -1, lies behind every `end`.
 BlockTotal TakeOwnRuns(const BlockGrowth& growth, const GrowingBlock& block, size_t end,
-                       BlockPoint* points, BlockTotal total) {
+                       BlockPoint* points, int64_t area = 0, int64_t capacity = 0) {
+  BlockTotal total;  // made here: one that is handed in would be waited for
+  total.area = area;
+  total.pointCapacity = capacity;
   auto r = static_cast<size_t>(block.firstRun);
-  if (r >= end) return total;
-  int32_t y = block.firstRow;
-  total.top = std::min(total.top, y);
-  auto row = static_cast<size_t>(y - growth.firstRow());
-  for (;;) {
-    const PixelRun& run = growth.run(r);
-    if (r >= growth.RowStart(row + 1)) {
-      ++row;
-      ++y;
+  if (r < end) {
+    int32_t y = block.firstRow;
+    total.top = y;
+    auto row = static_cast<size_t>(y - growth.firstRow());
+    for (;;) {
+      const PixelRun& run = growth.run(r);
+      if (r >= growth.RowStart(row + 1)) {
+        ++row;
+        ++y;
+      }
+      // The next blocks' runs in this row: a block reaches through rows far apart in the table.
+      frame::Prefetch(&run, frame::kCacheLine);
+      points = WriteRun(points, run, y);
+      AddRun(run, y, &total);
+      r = static_cast<size_t>(run.next);
+      if (r >= end) break;
     }
-    // The next blocks' runs in this row: a block reaches through rows far apart in the table.
-    frame::Prefetch(&run, frame::kCacheLine);
-    points = WriteRun(points, run, y);
-    AddRun(run, y, &total);
-    r = static_cast<size_t>(run.next);
-    if (r >= end) return total;
   }
+  total.area -= area;
+  return total;
 }
 
 // What the runs of a finished block come to whose rows are all there. Its own points come first.
 BlockTotal TakeRuns(const BlockGrowth& growth, const GrowingBlock& root, BlockPoint* points) {
   const size_t end = growth.runCount();
-  BlockTotal total = TakeOwnRuns(growth, root, end, points, {});
+  BlockTotal total = TakeOwnRuns(growth, root, end, points);
   total.values = root.values;
   for (int32_t b = root.next; b >= 0; b = growth.block(b).next) {
-    BlockTotal merged = TakeOwnRuns(growth, growth.block(b), end, points + total.area, {});
+    BlockTotal merged = TakeOwnRuns(growth, growth.block(b), end, points + total.area);
     merged.values = growth.block(b).values;
     ReserveMerged(merged.area, &total);
     Fold(merged, &total);
@@ -78,7 +84,10 @@ bool TakeEarly(int32_t b, size_t end, BlockGrowth* growth) {
   if (early == nullptr || !early->Reserve(static_cast<uint64_t>(block.area))) return false;
   Widen(&early->own.values, block.values);
   BlockPoint* points = &early->points[early->pointCount];
-  early->own = TakeOwnRuns(*growth, block, end, points, early->own);
+  BlockTotal* own = &early->own;
+  const BlockTotal more = TakeOwnRuns(*growth, block, end, points, own->area, own->pointCapacity);
+  own->pointCapacity = more.pointCapacity;
+  Fold(more, own);
   early->pointCount = static_cast<size_t>(early->own.area + early->merged.area);
   return true;
 }
@@ -199,7 +208,10 @@ bool BlockHandBack::TakeFinished(int32_t b, BlockGrowth* growth) {
   if (size.hasEarlyPoints) return TakeGrown(b, growth);
   BlockPoint* points = ResizePoints(nullptr, size.points);
   if (points == nullptr) return false;
-  return Put(TakeRuns(*growth, root, points), points, NewPlace());
+  const int32_t place = NewPlace();
+  const BlockTotal total = TakeRuns(*growth, root, points);
+  FillRecord(total, place, points, &set_->blocks[place]);
+  return Keep(total.pointCapacity, place);
 }
 
 // Joins the early points of a block with those of the blocks merged into it.
@@ -219,7 +231,8 @@ bool BlockHandBack::TakeGrown(int32_t b, BlockGrowth* growth) {
   const BlockTotal total = all->Total();
   const int32_t place = all->place >= 0 ? all->place : NewPlace();
   growth->DropEarly(b);
-  return Put(total, points, place);
+  FillRecord(total, place, points, &set_->blocks[place]);
+  return Keep(total.pointCapacity, place);
 }
 
 // Makes early points of a growing block's rows but the last. Neighbours in its chain that take no
@@ -253,13 +266,12 @@ bool BlockHandBack::PutAside(int32_t root, BlockGrowth* growth) {
 
 int32_t BlockHandBack::NewPlace() { return end_++; }
 
-bool BlockHandBack::Put(const BlockTotal& total, BlockPoint* points, int32_t place) {
+bool BlockHandBack::Keep(int64_t pointCapacity, int32_t place) {
   BlockRec& block = set_->blocks[place];
-  FillRecord(total, place, points, &block);
   const bool isShort =
       shortestDiagonal_ > 0 && BoxDiagonal(block.width, block.height) < shortestDiagonal_;
-  if (total.pointCapacity > INT32_MAX || isShort) {
-    std::free(points);
+  if (pointCapacity > INT32_MAX || isShort) {
+    std::free(block.points);
     FillPlace(&block);
     if (place == end_ - 1) {
       --end_;
@@ -267,7 +279,7 @@ bool BlockHandBack::Put(const BlockTotal& total, BlockPoint* points, int32_t pla
       hasPlaces_ = true;
     }
   }
-  return total.pointCapacity <= INT32_MAX;
+  return pointCapacity <= INT32_MAX;
 }
 
 // Moves the records added together where places of no block lie between them.

@@ -40,7 +40,7 @@ class BlockHandBack {
   bool TakeGrown(int32_t root, BlockGrowth* growth);
   bool PutAside(int32_t root, BlockGrowth* growth);
   int32_t NewPlace();
-  bool Put(const BlockTotal& total, BlockPoint* points, int32_t place);
+  bool Keep(int64_t pointCapacity, int32_t place);
   void DropPlaces();
 
   BlockSetRec* set_;

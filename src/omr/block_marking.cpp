@@ -61,7 +61,8 @@ bool GrowBlocks(const Foreground& foreground, const GreyView& image, const Block
   };
   for (int32_t i = 0; i < rows; ++i) {
     // An empty row ends every block: they are handed over while their runs are still in the cache.
-    const bool isTime = growth.isFull() || growth.lastRowStart() == growth.runCount();
+    const bool isRowEmpty = growth.lastRowStart() == growth.runCount();
+    const bool isTime = growth.isFull() || (isRowEmpty && growth.runCount() > 0);
     if (isTime && !handOver()) return false;
     if (!growth.ReserveRow(MaxRuns(columns))) {
       static_cast<void>(handOver());  // what is finished by then stays in the set
