@@ -23,7 +23,7 @@ struct BlockSet : BlockSetRec {
   ~BlockSet() { DestoryBlockSetRec(this); }
 };
 
-void Check(int32_t status) {
+void CheckMarking(int32_t status) {
   if (status == OUT_OF_MEMORY) throw std::bad_alloc();
   if (status == BAD_ARGUMENT) throw std::invalid_argument("the region begins outside the page");
   if (status != STATUS_OK) {
@@ -71,7 +71,7 @@ py::tuple Blocks(const py::array_t<uint8_t, py::array::c_style>& rows, int32_t t
   BlockSet set;
   {
     const py::gil_scoped_release others;
-    Check(mark(rows.data(), height, width, &param, &rect, &set));
+    CheckMarking(mark(rows.data(), height, width, &param, &rect, &set));
   }
   return TablesOf(set);
 }

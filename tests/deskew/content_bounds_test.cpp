@@ -36,7 +36,7 @@ INSTANTIATE_TEST_SUITE_P(Depths, FindContentBoundsTest, ::testing::Values(1, 8, 
 // exceeds 3; the search goes back to 107 - 4 - 11 = 92 and takes the first bright row from there.
 // From the other end of 200, 199, 191, .. 103 are dark and 95..92 make the run: 92 + 4 + 11 = 107.
 TEST_P(FindContentBoundsTest, LooksElevenLinesBeyondTheRun) {
-  constexpr frame::PixelRect kWhole{0, 199, 0, 199};
+  constexpr frame::PixelRect kAllOfIt{0, 199, 0, 199};
   struct Case {
     int32_t frame::PixelRect::*paperStart;  // where the paper's limit is set
     int32_t paper;
@@ -49,7 +49,7 @@ TEST_P(FindContentBoundsTest, LooksElevenLinesBeyondTheRun) {
                         Case{&frame::PixelRect::left, 100, &frame::PixelRect::right, 91, 92},
                         Case{&frame::PixelRect::right, 99, &frame::PixelRect::left, 108, 107}}) {
     TestImage image(200, 200, GetParam());
-    frame::PixelRect area = kWhole;
+    frame::PixelRect area = kAllOfIt;
     area.*c.paperStart = c.paper;
     Fill(&image, area);
     area.*c.paperStart = area.*c.lineOther = c.beyond;

@@ -4,6 +4,7 @@
 
 #include <gtest/gtest.h>
 
+#include "interface/method_param.h"
 #include "support/dib_image.h"
 #include "vorlanepic/vorlanepic.h"
 
@@ -30,10 +31,6 @@ TEST(ImageVorlaneEx, FindsAngleAndSizeOfADrawnPage) {
       EXPECT_EQ(Imgbuf_Destory(&straight), 0);
     }
   }
-}
-
-DeskewCropParam MethodParam(int32_t method) {
-  return {nullptr, 0, method, 2, 8, 5, 3.5, 2.0, 10, 3, 5, 8, 2.0};
 }
 
 TEST(ImageDeskewCrop, MakesANewImageWithEveryMethod) {

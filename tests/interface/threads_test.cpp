@@ -7,6 +7,7 @@
 
 #include <gtest/gtest.h>
 
+#include "interface/method_param.h"
 #include "support/dib_image.h"
 #include "vorlanepic/vorlanepic.h"
 
@@ -14,10 +15,6 @@ namespace vorlanepic::testing {
 namespace {
 
 constexpr uint8_t kBlack[3] = {0, 0, 0};
-
-DeskewCropParam MethodParam(int32_t method) {
-  return {nullptr, 0, method, 2, 8, 5, 3.5, 2.0, 10, 3, 5, 8, 2.0};
-}
 
 // A result as bytes, for comparison: status, angle, size and pixels.
 class Outcome {

@@ -17,7 +17,7 @@ using namespace rotate;
 namespace {
 
 constexpr double kPi = 3.14159265358979323846;
-constexpr uint8_t kFill[3] = {0xA5, 0x3C, 0x81};
+constexpr uint8_t kFillBytes[3] = {0xA5, 0x3C, 0x81};
 
 using Random = std::mt19937;
 
@@ -76,8 +76,8 @@ class TiledRotationTest : public InstructionSetTest {
     TestImage actual(turn.outWidth, turn.outHeight, depth);
     const auto steps =
         static_cast<size_t>(std::max(turn.outWidth, turn.outHeight)) + kMostNeighbours;
-    RotateJob plain{*source.rec(), *expected.rec(), region, turn, kFill, {}};
-    RotateJob fast{*source.rec(), *actual.rec(), region, turn, kFill, {}};
+    RotateJob plain{*source.rec(), *expected.rec(), region, turn, kFillBytes, {}};
+    RotateJob fast{*source.rec(), *actual.rec(), region, turn, kFillBytes, {}};
     ASSERT_TRUE(plain.steps.Build(turn.angle, steps) && fast.steps.Build(turn.angle, steps));
     RotateRowsPlain(plain, 0, turn.outHeight - 1);
 
@@ -164,7 +164,7 @@ TEST(TiledRotation, LeavesOddJobsToThePlainWay) {
   const TestImage target(10, 10, 8);
   const RowSpans region = RectangleRegion(0, 39, 0, 29);
   const auto suits = [&](const Turn& turn) {
-    return TiledRotation::Suits({*source.rec(), *target.rec(), region, turn, kFill, {}});
+    return TiledRotation::Suits({*source.rec(), *target.rec(), region, turn, kFillBytes, {}});
   };
   EXPECT_TRUE(suits({0.1, 5, 5, 10, 10, INTERP_NEAREST}));
   EXPECT_FALSE(suits({std::nan(""), 5, 5, 10, 10, INTERP_NEAREST}));
