@@ -146,8 +146,9 @@ bool InputWork::IsWholeBornOut() {
 bool InputWork::IsBornOut(const JournalEntry& entry) {
   if (entry.result == "error" || entry.count != count_ || entry.input != state_) return false;
   const BatchRequest& request = run_->request;
-  if (entry.facts.options != request.options || entry.facts.version != request.version)
-    return false;
+  const bool isSameRequest =
+      entry.facts.options == request.options && entry.facts.version == request.version;
+  if (!isSameRequest) return false;
   std::error_code code;
   const bool isLeft = entry.result != NameOf(PageFate::kStraightened) &&
                       entry.result != NameOf(PageFate::kMeasured);
