@@ -30,8 +30,10 @@ std::string UniqueName() {
 ProfileOnDisk::ProfileOnDisk(std::string_view bytes)
     : path_(TemporaryFolder() + "/" + UniqueName()) {
   std::FILE* file = std::fopen(path_.c_str(), "wb");
-  if (file == nullptr || std::fwrite(bytes.data(), 1, bytes.size(), file) != bytes.size() ||
-      std::fclose(file) != 0) {
+  const bool written =
+      file != nullptr &&
+      (bytes.empty() || std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size());
+  if (!written || std::fclose(file) != 0) {
     std::perror(path_.c_str());
     std::abort();
   }
