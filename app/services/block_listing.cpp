@@ -159,7 +159,7 @@ template <typename Foreground>
 void Track(const Foreground& foreground, const uint8_t* pixels, int32_t width,
            const BlockMarkParam& param, const vorlanepic::frame::PixelRect& area,
            const BlockSink& sink) {
-  const bool filters = param.joinGap != 0 || (param.minRunLen != 0 && param.maxRunLen != 0);
+  const bool filters = omr::FiltersRuns(param);
   std::vector<PixelRun> runs(omr::MaxRuns(area.right - area.left + 1));
   std::vector<omr::ValueRange> values(runs.size());
   BlockTracker tracker(sink);

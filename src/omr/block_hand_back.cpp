@@ -189,10 +189,14 @@ bool BlockHandBack::HandOver(BlockGrowth* growth) {
   opened_ = growth->openedCount();
   lastRunOpened_ = growth->lastRunOpened();
   // Half as much again each time, so that the cost of moving records stays in proportion, or what
-  // the rest of the image is expected to add.
+  // the rest of the image is expected to add; its first rows may tell of far too many.
+  constexpr int64_t kMostAhead = 32;
   const int64_t needed = GrownCapacity();
-  const int64_t expected = set_->count + growth->ExpectedCount();
-  if (needed > reserved_ && !Reserve(std::max({needed, reserved_ / 2 * 3, expected}))) return false;
+  const int64_t expected = std::min(set_->count + growth->ExpectedCount(), needed * kMostAhead);
+  if (needed > reserved_ && !Reserve(std::max({needed, reserved_ / 2 * 3, expected})) &&
+      !Reserve(needed)) {
+    return false;
+  }
   for (int32_t b = 0; b < growth->blockCount(); ++b) {
     const GrowingBlock& root = growth->block(b);
     if (root.parent != b) continue;

@@ -54,7 +54,7 @@ bool GrowBlocks(const Foreground& foreground, const GreyView& image, const Block
   const int32_t rows = columns > 0 ? area.bottom - area.top + 1 : 0;
   if (!growth.Begin(area.top, static_cast<size_t>(std::max(rows, 0)))) return false;
   const bool joins = param.joinGap != 0;
-  const bool filters = joins || (param.minRunLen != 0 && param.maxRunLen != 0);
+  const bool filters = FiltersRuns(param);
   const auto handOver = [&] {
     growth.MarkOpen();
     return handBack->HandOver(&growth);

@@ -63,6 +63,11 @@ size_t CutRow(const Foreground& foreground, const uint8_t* row, int32_t first, i
   return static_cast<size_t>(run - runs);
 }
 
+// Whether FilterRuns does anything with these parameters.
+inline bool FiltersRuns(const BlockMarkParam& param) {
+  return param.joinGap != 0 || (param.minRunLen != 0 && param.maxRunLen != 0);
+}
+
 // Drops the runs whose length `param` rules out and joins those that are near enough, in place, and
 // returns how many remain. A joined run counts its gaps as marked.
 size_t FilterRuns(const BlockMarkParam& param, PixelRun* runs, size_t count);
