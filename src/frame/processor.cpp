@@ -44,6 +44,9 @@ InstructionSet BestInstructionSet() {
 }
 
 bool HasByteShuffle() {
+#if defined(VORLANEPIC_TEST_HOOKS)
+  if (BestInstructionSet() <= InstructionSet::kSse2) return false;
+#endif
 #if defined(VORLANEPIC_X86)
   return __builtin_cpu_supports("ssse3") != 0;
 #else
