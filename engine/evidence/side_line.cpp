@@ -17,8 +17,8 @@ using vorlanepic::frame::ScratchArray;
 // Points so near to the picture's own edge are the frame's, not the page's.
 constexpr double kFramePixels = 5.0;
 // Pairs of points that are tried for a line, and the points by which each is scored: with a third
-// of the points on the side, one pair in nine is good.
-constexpr int32_t kPairs = 240;
+// of the points on the side, one pair in nine is good. Below twice as many points all are scored.
+constexpr size_t kPairs = 240;
 constexpr size_t kScoredPoints = 250;
 // Points of a pair lie apart by this share of the trace and by this many pixels.
 constexpr double kPairShare = 0.06;
@@ -91,6 +91,65 @@ double SlopeDegrees(Side side, double slope) {
   return RunsAcross(side) ? degrees : -degrees;
 }
 
+// Scores lines by how near to each the points of a trace lie: several lines at a time, so that each
+// line's own sum, whose order decides its last bits, need not be waited for.
+class CandidateScores {
+ public:
+  // Of `points` every so many is looked at; those within `tolerance` count half at least.
+  CandidateScores(std::span<const TracePoint> points, double tolerance)
+      : scale_(static_cast<float>(0.5 / (tolerance * tolerance))) {
+    const size_t step = std::max<size_t>(points.size() / kScoredPoints, 1);
+    for (size_t i = 0; i < points.size(); i += step) points_[pointCount_++] = points[i];
+  }
+
+  void Add(const Candidate& candidate) {
+    candidates_[count_] = candidate;
+    offsets_[count_] = static_cast<float>(candidate.offset);
+    slopes_[count_] = static_cast<float>(candidate.slope);
+    ++count_;
+  }
+
+  // The first line of the highest score; false where no line has one.
+  bool Best(Candidate* best) const {
+    float bestScore = 0.0F;
+    for (size_t first = 0; first < count_; first += kLanes) {
+      const std::array<float, kLanes> scores = ScoresFrom(first);
+      for (size_t i = 0; i < std::min(kLanes, count_ - first); ++i) {
+        if (scores[i] > bestScore) {
+          bestScore = scores[i];
+          *best = candidates_[first + i];
+        }
+      }
+    }
+    return bestScore > 0.0F;
+  }
+
+ private:
+  static constexpr size_t kLanes = 16;
+  static_assert(kPairs % kLanes == 0);
+
+  std::array<float, kLanes> ScoresFrom(size_t first) const {
+    std::array<float, kLanes> scores{};
+    for (const TracePoint& point : std::span(points_).first(pointCount_)) {
+      for (size_t i = 0; i < kLanes; ++i) {
+        const float line = offsets_[first + i] + slopes_[first + i] * point.along;
+        const float distance = point.across - line;
+        const float score = 1.0F - distance * distance * scale_;
+        scores[i] += score > 0.0F ? score : 0.0F;
+      }
+    }
+    return scores;
+  }
+
+  float scale_;
+  std::array<TracePoint, 2 * kScoredPoints> points_;
+  size_t pointCount_ = 0;
+  std::array<Candidate, kPairs> candidates_;
+  std::array<float, kPairs> offsets_{};
+  std::array<float, kPairs> slopes_{};
+  size_t count_ = 0;
+};
+
 class SideFitter {
  public:
   SideFitter(Side side, int32_t width, int32_t height)
@@ -130,40 +189,20 @@ class SideFitter {
     return true;
   }
 
-  // RANSAC: the line through two points that most of the others lie near to.
+  // RANSAC: the line through two points that most of the others lie near to, of equals the first.
   bool PickBest(Candidate* best) {
+    CandidateScores scores(points_, tolerance_);
     PairPicker picker(points_.size());
     const double apart = std::max(kPairPixels, kPairShare * span_);
-    double bestScore = 0.0;
-    for (int32_t i = 0; i < kPairs; ++i) {
+    for (size_t i = 0; i < kPairs; ++i) {
       const TracePoint a = points_[picker.Next()];
       const TracePoint b = points_[picker.Next()];
       const double along = b.along - a.along;
       if (std::abs(along) < apart) continue;
-      Candidate candidate;
-      candidate.slope = (b.across - a.across) / along;
-      if (std::abs(candidate.slope) > kSteepest) continue;
-      candidate.offset = a.across - candidate.slope * a.along;
-      const double score = ScoreOf(candidate);
-      if (score > bestScore) {
-        bestScore = score;
-        *best = candidate;
-      }
+      const double slope = (b.across - a.across) / along;
+      if (std::abs(slope) <= kSteepest) scores.Add({a.across - slope * a.along, slope});
     }
-    return bestScore > 0.0;
-  }
-
-  double ScoreOf(const Candidate& candidate) const {
-    const size_t step = std::max<size_t>(points_.size() / kScoredPoints, 1);
-    const auto offset = static_cast<float>(candidate.offset);
-    const auto slope = static_cast<float>(candidate.slope);
-    const auto scale = static_cast<float>(0.5 / (tolerance_ * tolerance_));
-    float score = 0.0F;
-    for (size_t i = 0; i < points_.size(); i += step) {
-      const float distance = points_[i].across - (offset + slope * points_[i].along);
-      score += std::max(0.0F, 1.0F - distance * distance * scale);
-    }
-    return score;
+    return scores.Best(best);
   }
 
   bool IsOn(const Candidate& line, const TracePoint& point) const {
