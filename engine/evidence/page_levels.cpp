@@ -4,12 +4,10 @@
 #include <array>
 #include <cstring>
 
+#include "engine/evidence/row_kernels.h"
+
 namespace vorlane::evidence {
 namespace {
-
-// Print of 8 points is still told from its neighbours at this size, and the search for its skew
-// takes milliseconds.
-constexpr int32_t kReducedSize = 1800;
 
 // The eight levels of a byte of a 1-bit row.
 constexpr auto kLevelsOfByte = [] {
@@ -28,39 +26,27 @@ void ExpandBits(const uint8_t* row, int32_t width, uint8_t* levels) {
   }
 }
 
-// The largest colour of each pixel, and its brightness with green counted twice, which needs no
-// knowledge of which of the others is red.
-template <int32_t kBytes>
-void MeasureColours(const uint8_t* row, int32_t width, uint8_t* largest, uint8_t* brightness) {
-  for (int32_t x = 0; x < width; ++x) {
-    const uint8_t a = row[kBytes * x];
-    const uint8_t b = row[kBytes * x + 1];
-    const uint8_t c = row[kBytes * x + 2];
-    largest[x] = std::max(std::max(a, b), c);
-    brightness[x] = static_cast<uint8_t>((a + 2 * b + c + 2) >> 2);
-  }
-}
-
-// Adds rows up until a row of the reduced picture is complete.
+// Adds rows up until a row of the reduced picture is complete: first neighbours within a row, two
+// and two, then rows.
 class Reducer {
  public:
-  Reducer(int32_t width, ReducedPicture* reduced) : width_(width), reduced_(*reduced) {}
+  explicit Reducer(ReducedPicture* reduced) : reduced_(*reduced) {}
 
-  bool Prepare() { return sums_.Allocate(static_cast<size_t>(width_)); }
+  bool Prepare() {
+    pairs_ = static_cast<size_t>(reduced_.width) << reduced_.shift >> 1;
+    return sums_.Allocate(pairs_);
+  }
 
   void Add(int32_t y, const uint8_t* levels) {
+    const int32_t rowOfSquare = y & ((1 << reduced_.shift) - 1);
+    if (y >> reduced_.shift >= reduced_.height) return;
     if (reduced_.shift == 0) {
-      std::memcpy(RowOf(y), levels, static_cast<size_t>(width_));
+      std::memcpy(RowOf(y), levels, static_cast<size_t>(reduced_.width));
       return;
     }
-    const int32_t factor = 1 << reduced_.shift;
-    uint16_t* sums = sums_.data();
-    if ((y & (factor - 1)) == 0) {
-      for (int32_t x = 0; x < width_; ++x) sums[x] = levels[x];
-    } else {
-      for (int32_t x = 0; x < width_; ++x) sums[x] = static_cast<uint16_t>(sums[x] + levels[x]);
-    }
-    if ((y & (factor - 1)) == factor - 1) Finish(y >> reduced_.shift);
+    if (rowOfSquare == 0) std::ranges::fill(sums_.span(), uint16_t{0});
+    kernels_.addPairs(levels, pairs_, sums_.data());
+    if (rowOfSquare == (1 << reduced_.shift) - 1) Finish(RowOf(y >> reduced_.shift));
   }
 
  private:
@@ -73,37 +59,37 @@ class Reducer {
     const uint16_t* sums = sums_.data();
     for (int32_t x = 0; x < reduced_.width; ++x) {
       uint32_t sum = kFactor * kFactor / 2;
-      for (int32_t i = 0; i < kFactor; ++i) sum += sums[kFactor * x + i];
+      for (int32_t i = 0; i < kFactor / 2; ++i) sum += sums[kFactor / 2 * x + i];
       out[x] = static_cast<uint8_t>(sum / (kFactor * kFactor));
     }
   }
 
-  void Finish(int32_t y) {
-    if (y >= reduced_.height) return;
+  void Finish(uint8_t* out) const {
     switch (reduced_.shift) {
       case 1:
-        return Collapse<2>(RowOf(y));
+        return Collapse<2>(out);
       case 2:
-        return Collapse<4>(RowOf(y));
+        return Collapse<4>(out);
       case 3:
-        return Collapse<8>(RowOf(y));
+        return Collapse<8>(out);
       case 4:
-        return Collapse<16>(RowOf(y));
+        return Collapse<16>(out);
       default:
-        return Collapse<32>(RowOf(y));
+        return Collapse<32>(out);
     }
   }
 
-  int32_t width_;
+  const RowKernels& kernels_ = BestRowKernels();
   ReducedPicture& reduced_;
-  vorlanepic::frame::ScratchArray<uint16_t> sums_;  // 32 rows of 255 fit
+  size_t pairs_ = 0;
+  vorlanepic::frame::ScratchArray<uint16_t> sums_;  // of 2 x 32 levels at most
 };
 
 }  // namespace
 
 int32_t ReductionOf(int32_t size) {
   int32_t shift = 0;
-  while (size >> shift > kReducedSize) ++shift;
+  while (size >> shift > kMostReduced) ++shift;
   return shift;
 }
 
@@ -128,10 +114,11 @@ bool PageLevels::LayOut(const PictureView& picture) {
 }
 
 bool PageLevels::Make(const PictureView& picture) {
-  Reducer reducer(picture.width, &reduced_);
+  const RowKernels& kernels = BestRowKernels();
+  const auto width = static_cast<size_t>(picture.width);
+  Reducer reducer(&reduced_);
   vorlanepic::frame::ScratchArray<uint8_t> brightness;
-  if (!LayOut(picture) || !reducer.Prepare()) return false;
-  if (!brightness.Allocate(static_cast<size_t>(picture.width))) return false;
+  if (!LayOut(picture) || !reducer.Prepare() || !brightness.Allocate(width)) return false;
 
   for (int32_t y = 0; y < picture.height; ++y) {
     const uint8_t* row = picture.Row(y);
@@ -141,10 +128,10 @@ bool PageLevels::Make(const PictureView& picture) {
         ExpandBits(row, picture.width, levels);
         break;
       case 24:
-        MeasureColours<3>(row, picture.width, levels, brightness.data());
+        kernels.measureColours24(row, width, levels, brightness.data());
         break;
       case 32:
-        MeasureColours<4>(row, picture.width, levels, brightness.data());
+        kernels.measureColours32(row, width, levels, brightness.data());
         break;
       default:
         break;

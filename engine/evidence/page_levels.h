@@ -12,6 +12,10 @@
 
 namespace vorlane::evidence {
 
+// The most pixels along a side of a reduced picture. Print of 8 points is still told from its
+// neighbours at this size, and the search for its skew takes milliseconds.
+inline constexpr int32_t kMostReduced = 1800;
+
 // The picture reduced by a power of two: each level is the mean brightness of a square of
 // 1 << shift pixels; what is left over at the right and at the bottom is not in it.
 struct ReducedPicture {
@@ -53,7 +57,8 @@ class PageLevels {
   ReducedPicture reduced_;
 };
 
-// The shift that brings a picture of `size` pixels to between 900 and 1800, and 0 below.
+// The shift that brings a picture of `size` pixels to kMostReduced or just below, and 0 where it is
+// that small already.
 int32_t ReductionOf(int32_t size);
 
 }  // namespace vorlane::evidence

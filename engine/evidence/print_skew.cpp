@@ -7,6 +7,8 @@
 #include <numbers>
 #include <span>
 
+#include "engine/evidence/row_kernels.h"
+
 namespace vorlane::evidence {
 namespace {
 
@@ -44,18 +46,8 @@ double TangentOf(double degrees) { return std::tan(degrees * std::numbers::pi / 
 
 // How sharply the lines stand out: the sum of squared differences of neighbouring sums.
 double SharpnessOf(std::span<const uint16_t> sums) {
-  int64_t sharpness = 0;
-  for (size_t i = 1; i < sums.size(); ++i) {
-    const int32_t step = sums[i] - sums[i - 1];
-    sharpness += step * step;
-  }
-  return static_cast<double>(sharpness);
+  return static_cast<double>(BestRowKernels().sumSquaredSteps(sums.data(), sums.size()));
 }
-
-struct Place {
-  int32_t x;
-  int32_t y;
-};
 
 // The ink four times smaller: a pixel is ink when two of its four quarters hold some.
 class SmallInk {
@@ -63,8 +55,7 @@ class SmallInk {
   bool Make(const InkPicture& ink) {
     width_ = static_cast<int32_t>(ink.stride) / kSweepFactor;
     height_ = ink.height / kSweepFactor;
-    if (!places_.Allocate(static_cast<size_t>(width_) * static_cast<size_t>(height_))) return false;
-    if (!shifts_.Allocate(static_cast<size_t>(width_))) return false;
+    if (!columns_.Allocate(static_cast<size_t>(width_) * RowCount())) return false;
     // A line through the whole width at 45 degrees leaves the picture by half the width.
     if (!sums_.Allocate(static_cast<size_t>(height_ + 2 * Margin()))) return false;
     for (int32_t y = 0; y < height_; ++y) AddRow(ink, y);
@@ -73,19 +64,19 @@ class SmallInk {
 
   double SharpnessAt(double degrees) {
     const double tangent = TangentOf(degrees);
+    std::ranges::fill(sums_.span(), uint16_t{0});
     for (int32_t x = 0; x < width_; ++x) {
       const double shift = (x - width_ / 2) * tangent;
-      shifts_[static_cast<size_t>(x)] = Margin() - static_cast<int32_t>(std::lround(shift));
-    }
-    std::ranges::fill(sums_.span(), uint16_t{0});
-    for (const Place& place : places_.span().first(count_)) {
-      ++sums_[static_cast<size_t>(place.y + shifts_[static_cast<size_t>(place.x)])];
+      const int32_t top = Margin() - static_cast<int32_t>(std::lround(shift));
+      kernels_.addCounts(Column(x), RowCount(), sums_.data() + top);
     }
     return SharpnessOf(sums_.span());
   }
 
  private:
   int32_t Margin() const { return width_ / 2 + 2; }
+  size_t RowCount() const { return static_cast<size_t>(height_); }
+  uint8_t* Column(int32_t x) { return columns_.data() + static_cast<size_t>(x) * RowCount(); }
 
   // Eight pixels of two rows, as four bytes of 0 or 1 in 16-bit lanes: a pair and a pair of them.
   static uint64_t Pairs(const uint8_t* upper, const uint8_t* lower) {
@@ -105,16 +96,15 @@ class SmallInk {
       if (quarters == 0) continue;
       const uint64_t both = quarters + (quarters >> 16);
       const auto x = static_cast<int32_t>(i / kSweepFactor);
-      if ((both & 7) >= 2) places_[count_++] = {x, y};
-      if ((both >> 32 & 7) >= 2) places_[count_++] = {x + 1, y};
+      Column(x)[y] = (both & 7) >= 2;
+      Column(x + 1)[y] = (both >> 32 & 7) >= 2;
     }
   }
 
+  const RowKernels& kernels_ = BestRowKernels();
   int32_t width_ = 0;
   int32_t height_ = 0;
-  size_t count_ = 0;
-  ScratchArray<Place> places_;
-  ScratchArray<int32_t> shifts_;
+  ScratchArray<uint8_t> columns_;  // one behind the other, a byte for each row
   ScratchArray<uint16_t> sums_;
 };
 
@@ -167,9 +157,7 @@ class InkStrips {
       const auto shift = static_cast<int32_t>(std::lround(DitherOf(strip) - middle * tangent));
       const uint8_t* counts = counts_.data() + static_cast<size_t>(strip) * RowCount();
       uint16_t* shifted = sums + slack_ + std::clamp(shift, -slack_, slack_);
-      for (size_t y = top; y < bottom; ++y) {
-        shifted[y] = static_cast<uint16_t>(shifted[y] + counts[y]);
-      }
+      kernels_.addCounts(counts + top, bottom - top, shifted + top);
     }
     return SharpnessOf({sums + top, bottom - top + 2 * slack});
   }
@@ -200,6 +188,7 @@ class InkStrips {
     }
   }
 
+  const RowKernels& kernels_ = BestRowKernels();
   double tangent_ = 0.0;
   int32_t width_ = 0;
   int32_t strips_ = 0;

@@ -31,15 +31,22 @@ struct Moments {
 
 using Histogram = std::array<uint32_t, 256>;
 
+// Counts in four places in turn: neighbours are mostly alike, and one count would wait for the one
+// before it.
 Histogram CountLevels(const PageLevels& page) {
   int32_t step = 1;
   while (int64_t{page.width()} * page.height() / (step * step) > 4 * kSamples) step *= 2;
-  Histogram counts{};
+  std::array<Histogram, 4> counts{};
   for (int32_t y = step / 2; y < page.height(); y += step) {
     const uint8_t* row = page.Row(y);
-    for (int32_t x = 0; x < page.width(); x += step) ++counts[row[x]];
+    size_t turn = 0;
+    for (int32_t x = 0; x < page.width(); x += step) ++counts[turn++ % 4][row[x]];
   }
-  return counts;
+  Histogram all{};
+  for (const Histogram& part : counts) {
+    for (size_t level = 0; level < all.size(); ++level) all[level] += part[level];
+  }
+  return all;
 }
 
 Moments MomentsOf(const Histogram& counts) {
