@@ -16,10 +16,11 @@ struct GreyView {
 
   const uint8_t* Row(int32_t y) const { return pixels + y * lineBytes; }
 
-  // Bytes from a pixel to the end of the image in memory.
+  // Bytes from a pixel to the end of the image in memory, which ends with the last row's pixels.
   size_t BytesFrom(int32_t x, int32_t y) const {
-    const ptrdiff_t rows = lineBytes < 0 ? -(y + ptrdiff_t{1}) : height - ptrdiff_t{y};
-    return static_cast<size_t>(rows * lineBytes - x);
+    const ptrdiff_t behind =
+        lineBytes < 0 ? y * -lineBytes : (height - ptrdiff_t{y} - 1) * lineBytes;
+    return static_cast<size_t>(behind + width - x);
   }
 };
 
