@@ -1,6 +1,5 @@
 // The mark sheet's bar angle on any sheet with any limits.
 #include <cmath>
-#include <vector>
 
 #include "fuzz_pages.h"
 #include "vorlanepic/vorlanepic.h"
@@ -34,25 +33,22 @@ void RequireSoundAngle(int32_t status, double angle) {
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   FuzzInput input(data, size);
+  const bool asDib = input.Flag();
   const BarLimits limits(input);
   const testing::TestImage form = DrawFuzzForm(input);
-
-  const FuzzDib dib(*form.rec(), input);
   double angle = 9;
-  int32_t status = GetAngleOMR(&dib.rec(), limits.threshold, limits.minLength, limits.minThickness,
-                               limits.maxThickness, &angle);
-  RequireSoundAngle(status, angle);
-
-  // The grey buffer has no padding between its rows.
-  const int32_t width = form.rec()->width;
-  const int32_t height = form.rec()->height;
-  std::vector<uint8_t> grey;
-  for (int32_t y = 0; y < height; ++y) {
-    for (int32_t x = 0; x < width; ++x) grey.push_back(form.Get(x, y));
+  if (asDib) {
+    const FuzzDib dib(*form.rec(), input);
+    const int32_t status = GetAngleOMR(&dib.rec(), limits.threshold, limits.minLength,
+                                       limits.minThickness, limits.maxThickness, &angle);
+    RequireSoundAngle(status, angle);
+    return 0;
   }
-  angle = 9;
-  status = get_angle_omr(grey.data(), height, width, limits.threshold, limits.minLength,
-                         limits.minThickness, limits.maxThickness, &angle);
+  // The grey buffer has no padding between its rows: the bytes of the form's, whatever its depth.
+  const ImageRec& rec = *form.rec();
+  const int32_t status =
+      get_angle_omr(rec.pixels, rec.height, rec.lineBytes, limits.threshold, limits.minLength,
+                    limits.minThickness, limits.maxThickness, &angle);
   RequireSoundAngle(status, angle);
   return 0;
 }

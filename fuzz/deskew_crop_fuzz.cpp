@@ -6,7 +6,6 @@
 #include "frame/scratch.h"
 #include "fuzz_crop_param.h"
 #include "fuzz_pages.h"
-#include "support/profile_file.h"
 
 using namespace vorlanepic;
 using namespace vorlanepic::fuzz;
@@ -16,14 +15,14 @@ namespace {
 constexpr int32_t kMaxImages = 3;
 
 struct CropCall {
-  explicit CropCall(FuzzInput& input, const char* profile)
+  CropCall(FuzzInput& input, const char* profile, int32_t images)
       : interpolation(input.MostlyIn(1, 3)),
         threshold(input.MostlyIn(0, 255)),
         background(input.MostlyIn(0, 1)),
         cornerOption(ReadCornerOption(input)),
         fill{input.Byte(), input.Byte(), input.Byte()},
         param(ReadCropParam(input, profile)),
-        imageNum(input.Byte() < 240 ? input.In(1, kMaxImages) : -input.In(0, 9)) {}
+        imageNum(images) {}
 
   int32_t interpolation;
   int32_t threshold;
@@ -76,24 +75,24 @@ void CropDibs(const std::vector<DibRec>& images, const CropCall& call) {
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   api::settings = {};
   FuzzInput input(data, size);
+  const bool asDibs = input.Flag();
+  const bool isSet = input.Byte() < 40;
+  const int32_t imageNum = isSet ? input.In(-2, kMaxImages) : 1;
   std::vector<testing::TestImage> pages;
   pages.reserve(kMaxImages);
   pages.push_back(DrawFuzzPage(input));
   // The others are like the first, or drawn by themselves: of another size and depth.
-  for (int32_t i = 1; i < kMaxImages; ++i) {
+  for (int32_t i = 1; i < imageNum; ++i) {
     pages.push_back(input.Byte() < 200 ? testing::TestImage(pages[0]) : DrawFuzzPage(input));
   }
-  const bool asDibs = input.Flag();
   std::vector<std::unique_ptr<FuzzDib>> dibs;
-  dibs.reserve(pages.size());
   for (const testing::TestImage& page : pages) {
-    dibs.push_back(std::make_unique<FuzzDib>(*page.rec(), input));
+    if (asDibs) dibs.push_back(std::make_unique<FuzzDib>(*page.rec(), input));
   }
 
   FuzzInput arguments = input;
   for (int skipped = 0; skipped < 80; ++skipped) input.Byte();
-  const testing::ProfileOnDisk profile(input.RestAsText());
-  const CropCall call(arguments, profile.path());
+  const CropCall call(arguments, PutProfile(input.RestAsText()), imageNum);
   if (asDibs) {
     std::vector<DibRec> records;
     records.reserve(dibs.size());

@@ -2,7 +2,6 @@
 #include "api/service_call.h"
 #include "fuzz_crop_param.h"
 #include "fuzz_pages.h"
-#include "support/profile_file.h"
 
 using namespace vorlanepic;
 using namespace vorlanepic::fuzz;
@@ -19,8 +18,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
 
   FuzzInput fields = input;
   for (int skipped = 0; skipped < 60; ++skipped) input.Byte();
-  const testing::ProfileOnDisk profile(input.RestAsText());
-  const DeskewCropParam param = ReadCropParam(fields, profile.path());
+  const DeskewCropParam param = ReadCropParam(fields, PutProfile(input.RestAsText()));
 
   double angle = 0;
   DibRec result{};

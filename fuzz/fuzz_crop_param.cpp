@@ -1,5 +1,6 @@
 #include "fuzz_crop_param.h"
 
+#include <string>
 #include <unistd.h>
 
 #include <sys/mman.h>
@@ -23,6 +24,15 @@ DeskewCropParam ReadCropParam(FuzzInput& input, const char* profile) {
   param.CropPixelNum = input.MostlyIn(1, 60);
   param.GroupAngle = input.MostlyTenths(1, 5);
   return param;
+}
+
+const char* PutProfile(std::string_view bytes) {
+  static const int file = memfd_create("profile", 0);
+  static const std::string path = "/proc/self/fd/" + std::to_string(file);
+  const auto length = static_cast<ssize_t>(bytes.size());
+  Require(ftruncate(file, 0) == 0 && pwrite(file, bytes.data(), bytes.size(), 0) == length,
+          "there is memory for a profile");
+  return path.c_str();
 }
 
 int32_t ReadCornerOption(FuzzInput& input) {

@@ -1,5 +1,7 @@
-// Parameter records for the deskew-crop and form services from fuzz input.
+// Parameter records and profiles for the services from fuzz input.
 #pragma once
+
+#include <string_view>
 
 #include "fuzz_input.h"
 #include "vorlanepic/vorlanepic.h"
@@ -8,6 +10,9 @@ namespace vorlanepic::fuzz {
 
 // Fields mostly in their ranges. The path is null, that of no file, or `profile`.
 DeskewCropParam ReadCropParam(FuzzInput& input, const char* profile);
+
+// The path of a file of exactly these bytes, in memory, until the next call.
+const char* PutProfile(std::string_view bytes);
 
 // The corner option: small, or so large that no image can have its size.
 int32_t ReadCornerOption(FuzzInput& input);

@@ -1,15 +1,19 @@
 // Small pages drawn from fuzz input, so that runs come past the first checks of the services.
 #pragma once
 
+#include <vector>
+
 #include "fuzz_input.h"
 #include "support/page_drawing.h"
 #include "vorlanepic/imgbuf.h"
 
 namespace vorlanepic::fuzz {
 
-// A page or a form with a bar, at most 160 pixels wide and high, 1, 8 or 24 bits deep, turned at
-// will, over which some of the input's bytes are strewn. Storage is exact, so that a sanitizer sees
-// every byte too many.
+// A page or a form with a bar, at most kWidestPage pixels wide and high, 1, 8 or 24 bits deep,
+// turned at will, over which some of the input's bytes are strewn. Storage is exact and lies
+// between guards, so that every byte too many is seen. Drawn row by row: a run of the services
+// takes a fraction of a millisecond, and the drawing has to take less.
+inline constexpr int32_t kWidestPage = 144;
 testing::TestImage DrawFuzzPage(FuzzInput& input);
 testing::TestImage DrawFuzzForm(FuzzInput& input);
 

@@ -13,10 +13,21 @@ int32_t Depth(FuzzInput& input) {
   return input.Byte() < 200 ? kDepths[input.In(0, 5)] : input.Int32();
 }
 
+// Whether an image is neither small nor impossible. Such are not made: they show nothing new, and
+// to clear their memory takes long.
+bool IsTooSlow(int32_t width, int32_t height, int32_t bitsPerPixel) {
+  constexpr double kSmall = 1 << 20;
+  constexpr double kImpossible = 1U << 31;
+  if (width <= 0 || height <= 0 || bitsPerPixel <= 0 || bitsPerPixel > 32) return false;
+  const double bytes = (width * (bitsPerPixel / 8.0) + sizeof(uint8_t*)) * height;
+  return bytes > kSmall && bytes < kImpossible;
+}
+
 void MakeImage(FuzzInput& input) {
   const int32_t width = input.MostlyIn(0, 300);
   const int32_t height = input.MostlyIn(0, 300);
   const int32_t bitsPerPixel = Depth(input);
+  if (IsTooSlow(width, height, bitsPerPixel)) return;
   ImageRec image{};
   const int32_t status = Imgbuf_New(&image, width, height, bitsPerPixel, input.Int32());
   if (status != 0) {
@@ -38,8 +49,10 @@ void MakeImage(FuzzInput& input) {
 void MakeDib(FuzzInput& input) {
   const int32_t width = input.MostlyIn(0, 300);
   const int32_t height = input.MostlyIn(0, 300);
+  const int32_t bitsPerPixel = Depth(input);
+  if (IsTooSlow(width, height, bitsPerPixel)) return;
   DibRec image{};
-  const int32_t status = ImgbufNew(&image, width, height, Depth(input));
+  const int32_t status = ImgbufNew(&image, width, height, bitsPerPixel);
   if (status != 0) {
     Require(image.bits == nullptr, "a refused image leaves the record alone");
     return;

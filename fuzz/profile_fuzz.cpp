@@ -4,8 +4,7 @@
 #include <string_view>
 
 #include "frame/profile_reader.h"
-#include "fuzz_input.h"
-#include "support/profile_file.h"
+#include "fuzz_crop_param.h"
 
 using namespace vorlanepic;
 using namespace vorlanepic::fuzz;
@@ -47,10 +46,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
   std::string bytes(input.Byte() < 230 ? 0 : static_cast<size_t>(input.In(0, 9000)), 'x');
   bytes += input.Flag() ? std::string("\n[") + section + "]\n" : "";
   bytes += input.RestAsText();
-  const testing::ProfileOnDisk file(bytes);
 
   frame::Profile profile;
-  Require(profile.Load(file.path()) == frame::FileRead::kDone, "the file is read");
+  Require(profile.Load(PutProfile(bytes)) == frame::FileRead::kDone, "the file is read");
   frame::ProfileText value;
   const bool isFound = profile.Find(section, key, &value) == frame::ProfileStatus::kFound;
   if (isFound) RequireSoundValue(value);
