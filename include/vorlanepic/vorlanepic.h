@@ -214,7 +214,8 @@ ImageDeskewAngle(const DibRec* inImages, int32_t threshold, double* angleOut,
  *   outImages      as ImageDeskewCrop takes it
  *   background, cornerOption, spare1..spare4  not read
  *
- * Returns STATUS_OK, -1 when no bar gives an angle, or a code as ImageDeskewCrop does.
+ * Returns STATUS_OK; -1 when no bar gives an angle, and when memory runs out while it is looked
+ * for; or a code as ImageDeskewCrop does.
  */
 VORLANEPIC_API int32_t VORLANEPIC_STDCALL ImageDeskewCropWithLine(
     const DibRec* inImages, int32_t interpolation, int32_t threshold, int32_t background,

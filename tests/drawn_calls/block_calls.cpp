@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <span>
 
 #include "drawn_calls/catalogue.h"
@@ -35,7 +36,7 @@ using Mark = std::function<int32_t(const Bytes& bytes, BlockSetRec* set)>;
 // `done` is what the function returns when all blocks are there.
 void AddMarking(const SharedPage& page, const std::string& name, const Bytes& bytes, int32_t done,
                 int32_t exhausted, const Mark& mark, Catalogue* calls) {
-  calls->Add(page, name, exhausted, [=](const Around& around) {
+  calls->Add(page, name, {exhausted}, [=](const Around& around) {
     BlockSetRec set{};
     int32_t status = 0;
     around([&] { status = mark(bytes, &set); });
@@ -53,24 +54,25 @@ void AddMarking(const SharedPage& page, const std::string& name, const Bytes& by
 
 // The three that ask for nothing, on blocks of a set.
 void AddMeasures(const SharedPage& page, Catalogue* calls) {
-  calls->Add(page, "block_distance, overlap_len, DestoryBlockSetRec", 0, [=](const Around& around) {
-    BlockSetRec set{};
-    const Bytes dark = DarkBytes(page->image);
-    bw_label_left(dark.pixels.data(), dark.height, dark.width, &set);
-    CallResult result{0, true, {}};
-    double distance = 0;
-    int32_t shared = 0;
-    around([&] {
-      for (int32_t i = 1; i < set.count; ++i) {
-        const BlockRec* pair = set.blocks + i - 1;
-        distance += block_distance(pair, pair + 1);
-        shared += overlap_len(pair[0].left, pair[0].right, pair[1].left, pair[1].right);
-      }
-      result.status = DestoryBlockSetRec(&set);
-    });
-    result.made = {AngleText(distance), std::to_string(shared)};
-    return result;
-  });
+  calls->Add(page, "block_distance, overlap_len, DestoryBlockSetRec", {},
+             [=](const Around& around) {
+               BlockSetRec set{};
+               const Bytes dark = DarkBytes(page->image);
+               bw_label_left(dark.pixels.data(), dark.height, dark.width, &set);
+               CallResult result{0, true, {}};
+               double distance = 0;
+               int32_t shared = 0;
+               around([&] {
+                 for (int32_t i = 1; i < set.count; ++i) {
+                   const BlockRec* pair = set.blocks + i - 1;
+                   distance += block_distance(pair, pair + 1);
+                   shared += overlap_len(pair[0].left, pair[0].right, pair[1].left, pair[1].right);
+                 }
+                 result.status = DestoryBlockSetRec(&set);
+               });
+               result.made = {AngleText(distance), std::to_string(shared)};
+               return result;
+             });
 }
 
 }  // namespace
@@ -109,6 +111,27 @@ void AddBlocks(const SharedPage& page, Catalogue* calls) {
   addArea("bw_label_center_area", bw_label_center_area);
   addArea("bw_label_left_area", bw_label_left_area);
   AddMeasures(page, calls);
+}
+
+void AddNoiseAtTop(Catalogue* calls) {
+  constexpr int32_t kWidth = 900;
+  constexpr int32_t kHeight = 3600;
+  constexpr int32_t kNoisyRows = 400;
+  TestImage picture(kWidth, kHeight, 8);
+  picture.Fill(255);
+  const TestImage noise = DrawNoise(kWidth, kNoisyRows, 8, 7);
+  for (int32_t y = 0; y < kNoisyRows; ++y) std::copy_n(noise.row(y), kWidth, picture.row(y));
+  const auto page = std::make_shared<Page>("noise at the top,", picture);
+  AddMarking(
+      page, "ImageBlockMarkHorEx", GreyBytes(page->image), 0, OUT_OF_MEMORY,
+      [](const Bytes& image, BlockSetRec* set) {
+        constexpr BlockMarkParam kParam{0, 0, 0, 30};
+        const BlockRect rect{0, 0, image.width, image.height};
+        return ImageBlockMarkHorEx(image.pixels.data(), image.height, image.width, &kParam, &rect,
+                                   set);
+      },
+      calls);
+  calls->SparesLargest();
 }
 
 }  // namespace vorlanepic::testing

@@ -26,11 +26,12 @@ using SharedPage = std::shared_ptr<const Page>;
 
 class Catalogue {
  public:
-  void Add(const SharedPage& page, const std::string& call, int32_t exhausted,
+  void Add(const SharedPage& page, const std::string& call, std::vector<int32_t> exhausted,
            std::function<CallResult(const Around&)> run) {
-    calls_.push_back({page->name + " " + call, exhausted, std::move(run), ""});
+    calls_.push_back({page->name + " " + call, std::move(exhausted), std::move(run), "", false});
   }
   void OrAs(const std::string& call) { calls_.back().orAs = call; }
+  void SparesLargest() { calls_.back().sparesLargest = true; }
   const std::string& last() const { return calls_.back().name; }
   std::vector<DrawnCall> Take() { return std::move(calls_); }
 
@@ -40,5 +41,9 @@ class Catalogue {
 
 // The functions on blocks, of pages of 8 bits.
 void AddBlocks(const SharedPage& page, Catalogue* calls);
+
+// Noise at the top of a picture and nothing below it: the first rows let far more blocks be
+// expected than there are, and room for them may not be had.
+void AddNoiseAtTop(Catalogue* calls);
 
 }  // namespace vorlanepic::testing

@@ -22,10 +22,11 @@ using Around = std::function<void(const std::function<void()>& call)>;
 
 struct DrawnCall {
   std::string name;
-  int32_t exhausted;  // the status that tells of a lack of memory
+  std::vector<int32_t> exhausted;  // what it may return for a lack of memory
   std::function<CallResult(const Around&)> run;
   // The call as which this one may come out where a file cannot be read; empty for all others.
   std::string orAs;
+  bool sparesLargest = false;  // whether it comes out whole without its largest request for memory
 };
 
 // Everything at every depth, interpolation and method on pages of several turns; or each function

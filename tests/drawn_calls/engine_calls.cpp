@@ -147,7 +147,7 @@ void AddPage(const std::string& name, const TestImage& drawn, const Format& form
   const auto work = std::make_shared<Work>(drawn, format);
   const std::string of = std::string(format.name) + ", " + name;
   const auto add = [&](const std::string& call, std::function<CallResult(const Around&)> run) {
-    calls->push_back({of + " " + call, VORLANE_NO_MEMORY, std::move(run), ""});
+    calls->push_back({of + " " + call, {VORLANE_NO_MEMORY}, std::move(run), "", false});
   };
   add("vorlane_detect",
       [work](const Around& around) { return DetectResult(*work, false, around); });
@@ -182,7 +182,7 @@ TestImage DrawSheet(int32_t bitsPerPixel, double degrees, int32_t width, int32_t
 
 std::vector<DrawnCall> EngineCalls(Extent extent) {
   std::vector<DrawnCall> calls;
-  calls.push_back({"vorlane_context_new", VORLANE_NO_MEMORY, ContextResult, ""});
+  calls.push_back({"vorlane_context_new", {VORLANE_NO_MEMORY}, ContextResult, "", false});
   const bool isBroad = extent == Extent::kBroad;
   const std::vector<double> turns = isBroad ? std::vector{1.7, -4.2, 13.0} : std::vector{2.0};
   for (const double degrees : turns) {

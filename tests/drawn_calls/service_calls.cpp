@@ -54,14 +54,14 @@ CallResult NumberResult(int32_t status, bool isDone, const std::string& made) {
 }
 
 void AddPicture(const SharedPage& page, Catalogue* calls) {
-  calls->Add(page, "picture", 0, [page](const Around&) {
+  calls->Add(page, "picture", {0}, [page](const Around&) {
     return CallResult{0, true, {page->text}};
   });
 }
 
 // The result lies in the caller's buffer, which a failed call leaves as it was.
 void AddInPlace(const SharedPage& page, bool takesThreshold, Catalogue* calls) {
-  calls->Add(page, takesThreshold ? "VorlanePic" : "VorlanePicEx", 0, [=](const Around& around) {
+  calls->Add(page, takesThreshold ? "VorlanePic" : "VorlanePicEx", {0}, [=](const Around& around) {
     const ImageRec& scan = *page->image.rec();
     const auto bytes = static_cast<size_t>(scan.imageBytes);
     std::vector<uint8_t> buffer(bytes * 2);
@@ -90,7 +90,7 @@ void AddPrunedRotation(const SharedPage& page, int32_t mode, int32_t background,
   const int32_t threshold = background == 0 ? 0 : 230;
   const std::string words =
       " mode " + std::to_string(mode) + " background " + std::to_string(background);
-  calls->Add(page, "ImageVorlaneEx" + words, OUT_OF_MEMORY, [=](const Around& around) {
+  calls->Add(page, "ImageVorlaneEx" + words, {OUT_OF_MEMORY}, [=](const Around& around) {
     Images<ImageRec> out(1);
     double angle = 0;
     int32_t status = 0;
@@ -99,7 +99,7 @@ void AddPrunedRotation(const SharedPage& page, int32_t mode, int32_t background,
     });
     return out.Result(status, angle);
   });
-  calls->Add(page, "ImageVorlane" + words, OUT_OF_MEMORY, [=](const Around& around) {
+  calls->Add(page, "ImageVorlane" + words, {OUT_OF_MEMORY}, [=](const Around& around) {
     Images<ImageRec> out(1);
     int32_t status = 0;
     around(
@@ -110,7 +110,7 @@ void AddPrunedRotation(const SharedPage& page, int32_t mode, int32_t background,
 
 void AddDeskewAndCrop(const SharedPage& page, int32_t mode, int32_t count,
                       const DeskewCropParam& param, const std::string& words, Catalogue* calls) {
-  calls->Add(page, "ImageDeskewCropEx" + words, OUT_OF_MEMORY, [=](const Around& around) {
+  calls->Add(page, "ImageDeskewCropEx" + words, {OUT_OF_MEMORY}, [=](const Around& around) {
     const std::vector<ImageRec> set(static_cast<size_t>(count), *page->image.rec());
     Images<ImageRec> out(set.size());
     double angle = 0;
@@ -121,7 +121,7 @@ void AddDeskewAndCrop(const SharedPage& page, int32_t mode, int32_t count,
     });
     return out.Result(status, angle);
   });
-  calls->Add(page, "ImageDeskewCrop" + words, OUT_OF_MEMORY, [=](const Around& around) {
+  calls->Add(page, "ImageDeskewCrop" + words, {OUT_OF_MEMORY}, [=](const Around& around) {
     const std::vector<DibRec> set(static_cast<size_t>(count), *page->dib.rec());
     Images<DibRec> out(set.size());
     double angle = 0;
@@ -137,7 +137,7 @@ void AddDeskewAndCrop(const SharedPage& page, int32_t mode, int32_t count,
 void AddAngle(const SharedPage& page, const DeskewCropParam& param,
               const std::shared_ptr<ProfileOnDisk>& profile, const std::string& words,
               Catalogue* calls) {
-  calls->Add(page, "ImageDeskewAngle" + words, OUT_OF_MEMORY, [=](const Around& around) {
+  calls->Add(page, "ImageDeskewAngle" + words, {OUT_OF_MEMORY}, [=](const Around& around) {
     DeskewCropParam used = param;
     if (profile) used.profilePath = profile->path();
     double angle = 0;
@@ -161,7 +161,7 @@ void AddProfiles(const SharedPage& page, Catalogue* calls) {
 }
 
 void AddForm(const SharedPage& page, int32_t minLength, Catalogue* calls) {
-  calls->Add(page, "ImageDeskewCropWithLine", OUT_OF_MEMORY, [=](const Around& around) {
+  calls->Add(page, "ImageDeskewCropWithLine", {OUT_OF_MEMORY, -1}, [=](const Around& around) {
     Images<DibRec> out(1);
     double angle = 0;
     int32_t status = 0;
@@ -171,14 +171,14 @@ void AddForm(const SharedPage& page, int32_t minLength, Catalogue* calls) {
     });
     return out.Result(status, angle);
   });
-  calls->Add(page, "GetAngleOMR", -1, [=](const Around& around) {
+  calls->Add(page, "GetAngleOMR", {-1}, [=](const Around& around) {
     double angle = 0;
     int32_t status = 0;
     around([&] { status = GetAngleOMR(page->dib.rec(), 100, minLength, 4, 20, &angle); });
     return NumberResult(status, status == 0, AngleText(angle));
   });
   if (page->image.rec()->bitsPerPixel != 8) return;
-  calls->Add(page, "get_angle_omr", -1, [=](const Around& around) {
+  calls->Add(page, "get_angle_omr", {-1}, [=](const Around& around) {
     const ImageRec& image = *page->image.rec();
     double angle = 0;
     int32_t status = 0;
@@ -192,13 +192,13 @@ void AddForm(const SharedPage& page, int32_t minLength, Catalogue* calls) {
 
 void AddImageLibrary(const SharedPage& page, Catalogue* calls) {
   const int32_t depth = page->image.rec()->bitsPerPixel;
-  calls->Add(page, "Imgbuf_New", OUT_OF_MEMORY, [=](const Around& around) {
+  calls->Add(page, "Imgbuf_New", {OUT_OF_MEMORY}, [=](const Around& around) {
     Images<ImageRec> out(1);
     int32_t status = 0;
     around([&] { status = Imgbuf_New(out.data(), 123, 45, depth, 0); });
     return out.Result(status, 0);
   });
-  calls->Add(page, "ImgbufNew", OUT_OF_MEMORY, [=](const Around& around) {
+  calls->Add(page, "ImgbufNew", {OUT_OF_MEMORY}, [=](const Around& around) {
     Images<DibRec> out(1);
     int32_t status = 0;
     around([&] { status = ImgbufNew(out.data(), 123, 45, depth); });
@@ -206,12 +206,14 @@ void AddImageLibrary(const SharedPage& page, Catalogue* calls) {
   });
 }
 
-SharedPage DrawSheet(int32_t bitsPerPixel, double degrees, int32_t width, int32_t height) {
+// The sheet's sides are `share` times as long as for the broad calls.
+SharedPage DrawSheet(int32_t bitsPerPixel, double degrees, int32_t width, int32_t height,
+                     double share = 1.0) {
   DrawnPage page;
   page.imageWidth = width;
   page.imageHeight = height;
-  page.pageWidth = width * 0.47;
-  page.pageHeight = height * 0.57;
+  page.pageWidth = width * 0.47 * share;
+  page.pageHeight = height * 0.57 * share;
   page.centerX = width / 2;
   page.centerY = height / 2;
   page.bitsPerPixel = bitsPerPixel;
@@ -244,7 +246,7 @@ SharedPage DrawForm(int32_t bitsPerPixel, bool isTall, double scale) {
 }
 
 void AddNarrow(int32_t depth, Catalogue* calls) {
-  const SharedPage page = DrawSheet(depth, 3.0, 221, 250);
+  const SharedPage page = DrawSheet(depth, 3.0, 261, 300, 1.4);
   AddInPlace(page, true, calls);
   AddInPlace(page, false, calls);
   AddPrunedRotation(page, INTERP_BICUBIC, 0, calls);
@@ -291,6 +293,7 @@ std::vector<DrawnCall> ServiceCalls(Extent extent) {
   for (const int32_t depth : {1, 8, 24}) {
     extent == Extent::kBroad ? AddBroad(depth, &calls) : AddNarrow(depth, &calls);
   }
+  AddNoiseAtTop(&calls);
   return calls.Take();
 }
 
