@@ -42,6 +42,8 @@ class FileSource : public ByteSource {
   // Throws FileError, which names the file, unless it is an ordinary file that can be opened and
   // holds something. A pipe or a device is refused and never waited for.
   explicit FileSource(const std::string& path);
+  // Takes over an open file whose first `size` bytes are the source.
+  FileSource(int handle, uint64_t size) : handle_(handle), size_(size) {}
   ~FileSource() override;
   uint64_t size() const override { return size_; }
   size_t ReadAt(uint64_t offset, std::span<uint8_t> out) const override;

@@ -7,8 +7,11 @@
 #include <cstdlib>
 #include <cstring>
 #include <fcntl.h>
+#include <filesystem>
+#include <optional>
 #include <poll.h>
 #include <sstream>
+#include <system_error>
 #include <unistd.h>
 #include <utility>
 
@@ -17,6 +20,8 @@
 #include <sys/wait.h>
 
 #include "app/files/errors.h"
+#include "app/walls/call_filter.h"
+#include "app/walls/file_walls.h"
 
 namespace vorlane::files {
 namespace {
@@ -46,6 +51,28 @@ void Limit(__rlimit_resource resource, int64_t most) {
   (void)::setrlimit(resource, &limit);
 }
 
+struct Walls {
+  std::optional<walls::FileWalls> files;
+  std::optional<walls::CallFilter> calls;
+};
+
+Walls WallsFor(HelperWalls wanted, const std::string& path, const std::string& folder, int input) {
+  Walls made;
+  if (wanted == HelperWalls::kNone) return made;
+  const std::string place = std::filesystem::path(path).parent_path().native();
+  try {
+    made.calls = walls::CallFilter::ForHelpers();
+    made.files.emplace(std::vector<std::string>{"/usr", "/lib", "/lib32", "/lib64", "/libx32",
+                                                "/bin", "/etc", "/opt", place},
+                       folder, input);
+  } catch (const std::system_error& error) {
+    if (wanted == HelperWalls::kAlways) {
+      throw DecodeError(path + ": the system does not allow a sandbox for it: " + error.what());
+    }
+  }
+  return made;
+}
+
 struct Start {
   const char* path;
   char* const* arguments;
@@ -53,6 +80,7 @@ struct Start {
   int nothing;   // open for writing
   int messages;  // the writing end
   const HelperLimits& limits;
+  const Walls& walls;
 };
 
 // In the child, where only calls that are safe in a signal handler may be made.
@@ -65,7 +93,10 @@ struct Start {
   Limit(RLIMIT_CORE, 0);
   const bool isSet = ::dup2(start.input, 0) == 0 && ::dup2(start.nothing, 1) == 1 &&
                      ::dup2(start.messages, 2) == 2;
-  if (isSet) (void)::execv(start.path, start.arguments);
+  const Walls& walls = start.walls;
+  const bool isWalled =
+      (!walls.files || walls.files->Apply() == 0) && (!walls.calls || walls.calls->Apply() == 0);
+  if (isSet && isWalled) (void)::execv(start.path, start.arguments);
   ::_exit(kNotStarted);
 }
 
@@ -108,7 +139,8 @@ std::string FindProgram(const std::string& name) {
 }
 
 HelperResult RunHelper(const std::string& path, const std::vector<std::string>& arguments,
-                       int input, const HelperLimits& limits) {
+                       int input, const HelperLimits& limits, HelperWalls walls,
+                       const std::string& folder) {
   std::vector<char*> words{const_cast<char*>(path.c_str())};
   for (const std::string& word : arguments) words.push_back(const_cast<char*>(word.c_str()));
   words.push_back(nullptr);
@@ -119,7 +151,9 @@ HelperResult RunHelper(const std::string& path, const std::vector<std::string>& 
   }
   Descriptor listening(ends[0]);
   Descriptor telling(ends[1]);
-  const Start start{path.c_str(), words.data(), input, nothing.value(), telling.value(), limits};
+  const Walls made = WallsFor(walls, path, folder, input);
+  const Start start{path.c_str(),    words.data(), input, nothing.value(),
+                    telling.value(), limits,       made};
   const pid_t child = ::fork();
   if (child < 0) throw DecodeError(path + ": cannot be started: " + std::strerror(errno));
   if (child == 0) Become(start);

@@ -14,6 +14,10 @@ struct HelperLimits {
   int32_t seconds = 1200;  // of the clock
 };
 
+// Whether a program goes behind walls: no sockets, no other process, no files but those of the
+// system's folders, its own folder and its input.
+enum class HelperWalls { kNone, kWherePossible, kAlways };
+
 struct HelperResult {
   bool isDone = false;   // it ended by itself with the exit code 0
   std::string ending;    // how it ended otherwise, in words
@@ -25,9 +29,11 @@ std::string FindProgram(const std::string& name);
 
 // Runs the program at `path` with these arguments, without a shell, and waits for it. Its standard
 // input is the open file `input`, what it prints on its standard output is dropped. It ends with
-// the thread that called, and no signal from the keyboard reaches it. Throws DecodeError when it
-// cannot be started. Any number of threads may run helpers at once.
+// the thread that called, and no signal from the keyboard reaches it. Behind `walls` it may write
+// in `folder` alone. Throws DecodeError when it cannot be started so. Any number of threads may run
+// helpers at once.
 HelperResult RunHelper(const std::string& path, const std::vector<std::string>& arguments,
-                       int input, const HelperLimits& limits);
+                       int input, const HelperLimits& limits, HelperWalls walls,
+                       const std::string& folder);
 
 }  // namespace vorlane::files

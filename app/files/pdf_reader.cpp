@@ -2,11 +2,10 @@
 
 #include <sstream>
 
+#include "app/files/decoders.h"
 #include "app/files/helper_process.h"
-#include "app/files/jpeg_reader.h"
 #include "app/files/page_image.h"
 #include "app/files/temporary_folder.h"
-#include "app/files/tiff_reader.h"
 
 namespace vorlane::files {
 namespace {
@@ -35,15 +34,18 @@ void Hear(const HelperResult& result, Page* page) {
 void ReadPicture(const std::string& path, const ReadLimits& limits, Page* page) {
   const FileSource source(path);
   const std::optional<TiffHeader> tiff = ReadTiffHeader(source);
+  PicturePlace place;
+  place.kind = tiff ? FileKind::kTiff : FileKind::kJpegData;
   if (tiff) {
-    ReadTiffPage(source, *tiff, tiff->first, limits, page);
-    // How the program stores it says nothing of the page.
-    page->coding = {};
-    page->coding.format = FileFormat::kPdf;
-    page->metadata = {};
-  } else {
-    ReadJpegPicture(ReadAll(source), limits, page);
+    place.tiffHeader = *tiff;
+    place.tiffDirectory = tiff->first;
   }
+  DecodersOf(limits).Decode(source, place, limits, page);
+  if (!tiff) return;
+  // How the program stores it says nothing of the page.
+  page->coding = {};
+  page->coding.format = FileFormat::kPdf;
+  page->metadata = {};
 }
 
 uint32_t OrientationOf(int32_t rotation) {
@@ -70,7 +72,8 @@ void ReadPdfPage(const ByteSource& source, const PdfPage& pdf, int32_t number,
   const HelperResult result = RunHelper(
       FindProgram(kProgram),
       {"-j", "-tiff", "-f", only, "-l", only, "/dev/stdin", folder.At("page")}, source.handle(),
-      {kOwnMemory + kMemoryAPixel * pixels, kOwnFile + kFileAPixel * pixels});
+      {kOwnMemory + kMemoryAPixel * pixels, kOwnFile + kFileAPixel * pixels},
+      DecodersOf(limits).helperWalls(), folder.path());
   Hear(result, page);
   const std::vector<std::string> pictures = folder.Files();
   if (pictures.size() != 1) {

@@ -6,9 +6,8 @@
 #include <string>
 
 #include "app/files/byte_source.h"
+#include "app/files/decoders.h"
 #include "app/files/page.h"
-#include "app/files/pdf_pages.h"
-#include "app/files/tiff_directory.h"
 
 namespace vorlane::files {
 
@@ -26,7 +25,7 @@ class PictureFile {
   const std::string& name() const { return name_; }
 
   // Where a TIFF file's list of pages breaks off, the page that cannot be found is counted too.
-  int32_t count() const { return count_; }
+  int32_t count() const { return contents_.count; }
 
   // Page `number`, 1..count(). Throws FileError, which names file and page and quotes the decoder,
   // when the page is damaged or beyond the limits.
@@ -41,25 +40,18 @@ class PictureFile {
   std::optional<TiffPlace> PlaceOf(int32_t number) const;
 
   // The bytes of a PDF file, for handing on what it holds besides pictures; null for other files.
-  const ByteSource* pdf() const { return kind_ == Kind::kPdf ? source_.get() : nullptr; }
+  const ByteSource* pdf() const {
+    return contents_.kind == FileKind::kPdf ? source_.get() : nullptr;
+  }
 
  private:
-  enum class Kind { kTiff, kPdf, kPng, kJpeg, kBmp, kPnm, kOther };
-
-  void Look();
-  void CountTiffPages();
-  void LookAtPdfPages();
   void Decode(int32_t number, const ReadLimits& limits, Page* page) const;
   std::string NameOf(int32_t number) const;
 
   std::string name_;
   std::shared_ptr<const ByteSource> source_;
   ReadLimits limits_;
-  Kind kind_ = Kind::kOther;
-  int32_t count_ = 1;
-  TiffHeader tiffHeader_;
-  TiffPages tiffPages_;
-  std::vector<PdfPage> pdfPages_;
+  FileContents contents_;
 };
 
 }  // namespace vorlane::files

@@ -15,6 +15,7 @@ class TemporaryFolder {
   TemporaryFolder& operator=(const TemporaryFolder&) = delete;
   ~TemporaryFolder();
 
+  const std::string& path() const { return path_; }
   std::string At(const std::string& name) const { return path_ + "/" + name; }
 
   // The paths of the files in it, in the order of their names.

@@ -288,6 +288,11 @@ std::string TextOf(const TiffEntry& entry) {
   return text;
 }
 
+bool IsWhole(const TiffEntry& entry) {
+  const size_t bytes = SizesOf(entry.type).bytes;
+  return bytes > 0 && entry.data.size() % bytes == 0 && entry.data.size() / bytes == entry.count;
+}
+
 const TiffEntry* FindEntry(const std::vector<TiffEntry>& entries, uint16_t tag) {
   const auto found = std::find_if(entries.begin(), entries.end(),
                                   [tag](const TiffEntry& entry) { return entry.tag == tag; });

@@ -28,6 +28,9 @@ double RationalOf(const TiffEntry& entry);
 // Text without what follows its last character.
 std::string TextOf(const TiffEntry& entry);
 
+// Whether an entry has the bytes that its type and its number of values ask for.
+bool IsWhole(const TiffEntry& entry);
+
 const TiffEntry* FindEntry(const std::vector<TiffEntry>& entries, uint16_t tag);
 TiffEntry TextEntryOf(uint16_t tag, const std::string& text);
 // 64-bit numbers, brought to 32 bits where a file of 32-bit offsets is written.
