@@ -10,6 +10,7 @@
 #include <utility>
 #include <vector>
 
+#include "app/batch/decoder_choice.h"
 #include "app/batch/exit_codes.h"
 #include "app/batch/folder_lock.h"
 #include "app/batch/input_work.h"
@@ -41,15 +42,21 @@ ReportRequest ReportFor(const BatchRequest& request) {
   return report;
 }
 
+BatchRequest WithDecoders(BatchRequest request, const files::Decoders* decoders) {
+  request.limits.decoders = decoders;
+  return request;
+}
+
 class Run {
  public:
   Run(const BatchRequest& request, PageService page, SetService set)
-      : request_(request),
-        plan_(request),
+      : decoders_(DecodersFor(request)),
+        request_(WithDecoders(request, decoders_.get())),
+        plan_(request_),
         check_(plan_.inputs.files, request.overwriting, request.resumes),
         reporter_(ReportFor(request), plan_.inputs.files.size()),
         queue_(plan_.inputs.files.size(), kWindow),
-        run_(request, &plan_, std::move(page), std::move(set), MemoryFor(request)) {
+        run_(request_, &plan_, std::move(page), std::move(set), MemoryFor(request)) {
     CheckPlan(request, plan_, &check_);
     const bool isShared = plan_.inputs.inAll == 1 || request.inputs.shard.count > 1;
     const Sharing sharing = isShared ? Sharing::kWithOthers : Sharing::kAlone;
@@ -173,7 +180,8 @@ class Run {
            " files are not done" + (journal_ ? "; --resume goes on with them" : "");
   }
 
-  const BatchRequest& request_;
+  std::unique_ptr<files::Decoders> decoders_;  // first: made before a file is opened
+  const BatchRequest request_;
   Plan plan_;
   OutputCheck check_;
   std::optional<FolderLock> lock_;

@@ -12,6 +12,13 @@
 
 namespace vorlane::batch {
 
+// Where files are decoded.
+enum class Sandbox {
+  kAuto,  // as kOn where the kernel allows it, else as kOff
+  kOn,    // in processes that may do nothing else
+  kOff,   // in this one
+};
+
 struct BatchRequest {
   std::string command;  // as the user typed it
   InputRequest inputs;
@@ -27,6 +34,7 @@ struct BatchRequest {
   int32_t jobs = 0;         // threads; 0: as many as there are processors
   int64_t memory = 0;       // bytes for pages in flight; 0: DefaultMemory
   files::ReadLimits limits;
+  Sandbox sandbox = Sandbox::kAuto;
   std::string journal;  // empty: none
   bool resumes = false;
   std::string options;  // SHA-256 of all that decides what is written
@@ -35,8 +43,8 @@ struct BatchRequest {
 
 // Takes every page of every input through the service, writes what was straightened and the
 // overlays, copies what is left as it is, and reports a line a page. What is written and what is
-// reported does not depend on the number of threads. Returns an ExitCode; throws UsageError before
-// anything is written.
+// reported does not depend on the number of threads. Called while the process has one thread.
+// Returns an ExitCode; throws UsageError before anything is written.
 int RunBatch(const BatchRequest& request, const PageService& service);
 
 // The same with all pages of a file at once; its pages must be alike in size and depth.

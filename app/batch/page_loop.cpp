@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "app/batch/decoder_choice.h"
 #include "app/batch/exit_codes.h"
 #include "app/batch/page_record.h"
 #include "app/batch/plan.h"
@@ -17,10 +18,13 @@ class Loop {
  public:
   Loop(const BatchRequest& request, const PageRun& run)
       : request_(request),
+        decoders_(DecodersFor(request)),
         run_(run),
         plan_(request),
         check_(plan_.inputs.files, request.overwriting, request.resumes) {
     CheckPlan(request, plan_, &check_);
+    limits_ = request.limits;
+    limits_.decoders = decoders_.get();
   }
 
   int Do() {
@@ -33,8 +37,7 @@ class Loop {
  private:
   void DoFile(const InputFile& input) {
     const std::string& path = input.path == "-" ? plan_.standardInput : input.path;
-    const files::PictureFile file(input.path, std::make_shared<files::FileSource>(path),
-                                  request_.limits);
+    const files::PictureFile file(input.path, std::make_shared<files::FileSource>(path), limits_);
     const PageFiles overlay = plan_.overlay.FilesFor(input, file.count());
     if (!plan_.overlay.AreSettled(input)) {
       for (const std::string& name : overlay.names) check_.Add(input.path, name);
@@ -71,6 +74,8 @@ class Loop {
   }
 
   const BatchRequest& request_;
+  std::unique_ptr<files::Decoders> decoders_;
+  files::ReadLimits limits_;
   const PageRun& run_;
   Plan plan_;
   OutputCheck check_;

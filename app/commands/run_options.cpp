@@ -24,6 +24,12 @@ const CLI::AsSizeValue& AsBytes() {
 
 std::string FileDigest(const std::string& path) { return batch::Sha256OfFile(path).sha256; }
 
+batch::Sandbox SandboxOf(const std::string& word) {
+  return word == "on"    ? batch::Sandbox::kOn
+         : word == "off" ? batch::Sandbox::kOff
+                         : batch::Sandbox::kAuto;
+}
+
 // Whether an option is one of those that say what becomes of a page.
 bool DecidesPages(const CLI::Option& option) {
   return option.count() > 0 && option.get_group() != kInputGroup && option.get_group() != kRunGroup;
@@ -152,6 +158,12 @@ void AddWorkOptions(CLI::App* app, batch::BatchRequest* request) {
   app->add_option("--memory", request->memory,
                   "Bytes for the pages in work, as in 500M [half of what is free, at most 2G]")
       ->transform(AsBytes())
+      ->group(kRunGroup);
+  app->add_option_function<std::string>(
+         "--sandbox", [request](const std::string& word) { request->sandbox = SandboxOf(word); },
+         "Decode in processes that can open nothing and take only so much memory and time: on, "
+         "off, or auto: where the system allows it [auto]")
+      ->check(CLI::IsMember({"auto", "on", "off"}))
       ->group(kRunGroup);
   app->add_flag("-q,--quiet", request->report.isQuiet,
                 "Say nothing but errors, and JSON where it is asked for")
