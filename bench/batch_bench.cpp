@@ -1,11 +1,11 @@
 // A batch beside its codecs alone: what straightening adds to reading and writing the same pages
-// with as many threads.
+// with as many threads. And a batch whose files are decoded in a sandbox beside one that decodes
+// them itself.
 #include <algorithm>
 #include <atomic>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
-#include <ctime>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
@@ -13,6 +13,8 @@
 #include <tiff.h>
 #include <unistd.h>
 #include <vector>
+
+#include <sys/resource.h>
 
 #include "app/batch/batch.h"
 #include "app/commands/engine_service.h"
@@ -85,7 +87,8 @@ void CopyAll(const std::string& from, const std::string& to) {
   for (std::thread& thread : threads) thread.join();
 }
 
-void Straighten(const std::string& from, const std::string& to) {
+void Straighten(const std::string& from, const std::string& to,
+                batch::Sandbox sandbox = batch::Sandbox::kOff) {
   batch::BatchRequest request;
   request.command = "straighten";
   request.inputs.words = {from};
@@ -94,6 +97,7 @@ void Straighten(const std::string& from, const std::string& to) {
   request.report.isQuiet = true;
   request.isStrict = true;
   request.jobs = kThreads;
+  request.sandbox = sandbox;
   vorlane::commands::EngineOptions engine;
   engine.detect.by = VORLANE_BY_PAPER;  // the drawn words speak for angles of their own
   if (batch::RunBatch(request, vorlane::commands::MakeService(engine)) != 0) {
@@ -106,13 +110,26 @@ struct Taken {
   double processor;
 };
 
+// Of this process and of those that it started and that have ended.
+double ProcessorMs() {
+  double ms = 0;
+  for (const auto who : {RUSAGE_SELF, RUSAGE_CHILDREN}) {
+    rusage used{};
+    (void)::getrusage(who, &used);
+    for (const timeval& time : {used.ru_utime, used.ru_stime}) {
+      ms += 1e3 * static_cast<double>(time.tv_sec) + 1e-3 * static_cast<double>(time.tv_usec);
+    }
+  }
+  return ms;
+}
+
 template <typename Action>
 Taken Measure(const Action& action) {
   const auto wall = std::chrono::steady_clock::now();
-  const std::clock_t processor = std::clock();
+  const double processor = ProcessorMs();
   action();
   const std::chrono::duration<double, std::milli> taken = std::chrono::steady_clock::now() - wall;
-  return {taken.count(), 1e3 * static_cast<double>(std::clock() - processor) / CLOCKS_PER_SEC};
+  return {taken.count(), ProcessorMs() - processor};
 }
 
 double Median(std::vector<double> values) {
@@ -143,14 +160,52 @@ void Compare(const Kind& kind, double megapixels, int32_t count, int32_t rounds,
   for (const char* name : {"/in", "/copies", "/pages"}) fs::remove_all(folder + name);
 }
 
-void CompareAll(bool isBrief) {
+// In turns, each first as often as the other.
+void CompareSandbox(const Kind& kind, double megapixels, int32_t count, int32_t rounds,
+                    const std::string& folder) {
+  const std::string from = folder + "/in";
+  WriteScans(kind, megapixels, count, from);
+  std::vector<double> openMs;
+  std::vector<double> wallRatios;
+  std::vector<double> processorRatios;
+  for (int32_t round = 0; round < rounds; ++round) {
+    Taken taken[2];
+    for (int32_t turn = 0; turn < 2; ++turn) {
+      const int32_t isCaged = (round + turn) % 2;
+      taken[isCaged] = Measure([&] {
+        Straighten(from, folder + "/pages",
+                   isCaged != 0 ? batch::Sandbox::kOn : batch::Sandbox::kOff);
+      });
+    }
+    openMs.push_back(taken[0].wall / count);
+    wallRatios.push_back(taken[1].wall / taken[0].wall);
+    processorRatios.push_back(taken[1].processor / taken[0].processor);
+  }
+  std::printf("| %s | %.1f | %.3f | %.3f |\n", kind.name, Median(openMs), Median(wallRatios),
+              Median(processorRatios));
+  (void)std::fflush(stdout);
+  for (const char* name : {"/in", "/pages"}) fs::remove_all(folder + name);
+}
+
+void CompareAll(bool isBrief, bool isOfSandbox) {
   std::string folder = (fs::temp_directory_path() / "vorlane-batch-XXXXXX").native();
   if (::mkdtemp(folder.data()) == nullptr) throw std::runtime_error("no temporary folder");
-  std::printf("### A batch beside its codecs, two threads\n\n");
-  std::printf("| pages | ms a page | codecs alone | times, by the clock | by processor time |\n");
-  std::printf("|---|--:|--:|--:|--:|\n");
+  if (isOfSandbox) {
+    std::printf("### A batch with and without its sandbox, two threads\n\n");
+    std::printf("| pages | ms a page without | times with, by the clock | by processor time |\n");
+    std::printf("|---|--:|--:|--:|\n");
+  } else {
+    std::printf("### A batch beside its codecs, two threads\n\n");
+    std::printf("| pages | ms a page | codecs alone | times, by the clock | by processor time |\n");
+    std::printf("|---|--:|--:|--:|--:|\n");
+  }
+  const double megapixels = isBrief ? 0.3 : kA4;
   for (const Kind& kind : kKinds) {
-    Compare(kind, isBrief ? 0.3 : kA4, isBrief ? 2 : 8, isBrief ? 1 : 5, folder);
+    if (isOfSandbox) {
+      CompareSandbox(kind, megapixels, isBrief ? 2 : 24, isBrief ? 1 : 8, folder);
+    } else {
+      Compare(kind, megapixels, isBrief ? 2 : 8, isBrief ? 1 : 5, folder);
+    }
   }
   std::printf("\n");
   fs::remove_all(folder);
@@ -160,8 +215,11 @@ void CompareAll(bool isBrief) {
 }  // namespace vorlanepic::bench
 
 int main(int argc, char** argv) try {
-  const bool isBrief = argc > 1 && std::string(argv[1]) == "--brief";
-  vorlanepic::bench::CompareAll(isBrief);
+  const std::vector<std::string> words(argv + 1, argv + argc);
+  const auto has = [&](const char* word) {
+    return std::find(words.begin(), words.end(), word) != words.end();
+  };
+  vorlanepic::bench::CompareAll(has("--brief"), has("--sandbox"));
   return EXIT_SUCCESS;
 } catch (const std::exception& error) {
   (void)std::fprintf(stderr, "batch_bench: %s\n", error.what());
