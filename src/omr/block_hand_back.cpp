@@ -121,6 +121,10 @@ void FillPlace(BlockRec* block) {
 }
 
 // A block with all that was merged into it.
+int32_t PlaceOf(const GrowingBlock& block) {
+  return block.early != nullptr ? block.early->place : -1;
+}
+
 struct BlockSize {
   uint64_t points;      // of the rows that are there
   bool hasEarlyPoints;  // of rows that were let go
@@ -180,6 +184,7 @@ BlockHandBack::BlockHandBack(int32_t shortestDiagonal, BlockSetRec* set)
 
 BlockHandBack::~BlockHandBack() {
   if (isFinished_) return;
+  hasPlaces_ = true;  // those of blocks that were to grow
   DropPlaces();
   set_->count = end_;
   set_->capacity = static_cast<int32_t>(reserved_);
@@ -197,6 +202,7 @@ bool BlockHandBack::HandOver(BlockGrowth* growth) {
       !Reserve(needed)) {
     return false;
   }
+  DropMergedPlaces(growth);
   for (int32_t b = 0; b < growth->blockCount(); ++b) {
     const GrowingBlock& root = growth->block(b);
     if (root.parent != b) continue;
@@ -263,7 +269,6 @@ bool BlockHandBack::PutAside(int32_t root, BlockGrowth* growth) {
   if (early != nullptr && early->place < 0) {
     early->place = NewPlace();
     FillPlace(&set_->blocks[early->place]);
-    hasPlaces_ = true;
   }
   return true;
 }
@@ -284,6 +289,38 @@ bool BlockHandBack::Keep(int64_t pointCapacity, int32_t place) {
     }
   }
   return pointCapacity <= INT32_MAX;
+}
+
+// Moves records together over the places of blocks that were merged since. Mostly these lie among
+// the last records, which are still in the cache; where they don't, DropPlaces does it in the end.
+void BlockHandBack::DropMergedPlaces(BlockGrowth* growth) {
+  constexpr int32_t kMostMoved = 32768;
+  int32_t firstDropped = end_;
+  for (int32_t b = 0; b < growth->blockCount(); ++b) {
+    const GrowingBlock& block = growth->block(b);
+    if (block.early == nullptr || block.early->place < 0 || block.parent == b) continue;
+    firstDropped = std::min(firstDropped, block.early->place);
+    block.early->place = -1;
+  }
+  if (firstDropped == end_) return;
+  if (end_ - firstDropped > kMostMoved) {
+    hasPlaces_ = true;
+    return;
+  }
+  int32_t kept = firstDropped;
+  int32_t b = 0;
+  for (int32_t i = firstDropped; i < end_; ++i) {
+    if (set_->blocks[i].state != BLOCK_FINISHED) {
+      // Blocks got their places in the order in which they were opened.
+      while (b < growth->blockCount() && PlaceOf(growth->block(b)) < i) ++b;
+      if (b == growth->blockCount() || PlaceOf(growth->block(b)) != i) continue;
+      growth->block(b).early->place = kept;
+    }
+    if (kept != i) set_->blocks[kept] = set_->blocks[i];
+    set_->blocks[kept].root = kept;
+    ++kept;
+  }
+  end_ = kept;
 }
 
 // Moves the records added together where places of no block lie between them.

@@ -41,6 +41,7 @@ class BlockHandBack {
   bool PutAside(int32_t root, BlockGrowth* growth);
   int32_t NewPlace();
   bool Keep(int64_t pointCapacity, int32_t place);
+  void DropMergedPlaces(BlockGrowth* growth);
   void DropPlaces();
 
   BlockSetRec* set_;
