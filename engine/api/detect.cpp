@@ -85,7 +85,8 @@ vorlane_status Detect(apply::Workspace& space, const vorlane_image& page,
   picture.height = light.height;
   picture.depth = apply::FormatOf(page.format).bitsPerPixel;
   judge::Finding found;
-  const vorlane_status status = StatusOf(judge::Detect(picture, EngineOptions(options), &found));
+  const vorlane_status status =
+      StatusOf(judge::Detect(picture, EngineOptions(options), space.levels, &found));
   if (status != VORLANE_OK) return status;
 
   vorlane_finding answer = DefaultFinding();

@@ -30,7 +30,7 @@ void AddFourthBytes(const uint8_t* from, int32_t width, uint8_t* to) {
 bool InvertBits(const vorlane_image& page, Workspace& space, vorlane_image* light) {
   const size_t rowBytes = RowBytes(1, page.width);
   const auto rows = static_cast<size_t>(page.height);
-  if (!Reserve(space.pixels, rowBytes * rows)) return false;
+  if (!space.pixels.Reserve(rowBytes * rows)) return false;
   const auto lastBits = static_cast<uint8_t>(0xFF << ((8 - page.width % 8) % 8));
   for (int32_t y = 0; y < page.height; ++y) {
     const uint8_t* from = page.pixels + y * page.stride;

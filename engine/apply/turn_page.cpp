@@ -40,7 +40,7 @@ int32_t SharesOf(const Turn& turn, int32_t threads) {
 bool NarrowPage(const vorlane_image& page, int32_t shares, Workspace& space,
                 vorlane_image* narrow) {
   const size_t rowBytes = RowBytes(24, page.width);
-  if (!Reserve(space.pixels, rowBytes * static_cast<size_t>(page.height))) return false;
+  if (!space.pixels.Reserve(rowBytes * static_cast<size_t>(page.height))) return false;
   InShares(page.height, std::min(shares, page.height), [&](int32_t, int32_t first, int32_t last) {
     for (int32_t y = first; y <= last; ++y) {
       DropFourthBytes(page.pixels + y * page.stride, page.width,
@@ -67,7 +67,7 @@ Turn MirrorTurn(const Turn& turn, int32_t sourceHeight) {
 // reads these.
 bool LayOut(const vorlane_image& page, const Turn& turn, Workspace& space, CorePage* core) {
   const auto rows = static_cast<size_t>(page.height);
-  if (!Reserve(space.sourceRows, rows) || !Reserve(space.region.spans, rows)) return false;
+  if (!space.sourceRows.Reserve(rows) || !space.region.spans.Reserve(rows)) return false;
 
   const int32_t bits = FormatOf(page.format).bitsPerPixel;
   core->isMirrored = page.stride < 0 && page.height > 1;
@@ -123,7 +123,7 @@ vorlane_status TurnWidening(const CorePage& core, const std::array<uint8_t, 3>& 
                             int32_t shares, Workspace& space, const vorlane_result& result) {
   const ImageRec target = TargetOf(core, space);
   const auto rowBytes = static_cast<size_t>(target.lineBytes);
-  if (!Reserve(space.bands, rowBytes * kBandRows * static_cast<size_t>(shares))) {
+  if (!space.bands.Reserve(rowBytes * kBandRows * static_cast<size_t>(shares))) {
     return VORLANE_NO_MEMORY;
   }
   Rotation rotation(core.source, target, space.region, core.turn, fill.data());
@@ -156,7 +156,7 @@ vorlane_status TurnPage(const vorlane_image& page, const Turn& turn,
 
   CorePage core;
   if (!LayOut(readable, turn, space, &core)) return VORLANE_NO_MEMORY;
-  if (!Reserve(space.targetRows, static_cast<size_t>(turn.outHeight))) return VORLANE_NO_MEMORY;
+  if (!space.targetRows.Reserve(static_cast<size_t>(turn.outHeight))) return VORLANE_NO_MEMORY;
   return isWide ? TurnWidening(core, fill, shares, space, result)
                 : TurnInPlace(core, fill, shares, space, result);
 }

@@ -4,24 +4,19 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "engine/evidence/page_levels.h"
 #include "frame/scratch.h"
 #include "rotate/row_spans.h"
 
 namespace vorlane::apply {
 
 struct Workspace {
+  evidence::PageLevels levels;                      // of the page that is looked at
   vorlanepic::frame::ScratchArray<uint8_t> pixels;  // the page, in a form that the core reads
   vorlanepic::frame::ScratchArray<uint8_t> bands;   // rows on their way to 32 bits
   vorlanepic::frame::ScratchArray<uint8_t*> sourceRows;
   vorlanepic::frame::ScratchArray<uint8_t*> targetRows;
   vorlanepic::rotate::RowSpans region;
 };
-
-// Lets `kept` have room for `size` elements at least; what it held may be gone. False when there is
-// no memory.
-template <typename T>
-[[nodiscard]] bool Reserve(vorlanepic::frame::ScratchArray<T>& kept, size_t size) {
-  return kept.size() >= size || kept.Allocate(size);
-}
 
 }  // namespace vorlane::apply

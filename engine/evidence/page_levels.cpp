@@ -96,8 +96,9 @@ int32_t ReductionOf(int32_t size) {
 bool PageLevels::LayOut(const PictureView& picture) {
   const auto width = static_cast<size_t>(picture.width);
   const auto height = static_cast<size_t>(picture.height);
-  if (!rows_.Allocate(height)) return false;
-  if (picture.depth != 8 && !plane_.Allocate(width * height)) return false;
+  hasTwoLevels_ = picture.depth == 1;
+  if (!rows_.Reserve(height)) return false;
+  if (picture.depth != 8 && !plane_.Reserve(width * height)) return false;
   for (size_t y = 0; y < height; ++y) {
     // The core's records hold pointers to pixels that may be written; its stages do not.
     rows_[y] = picture.depth == 8 ? const_cast<uint8_t*>(picture.Row(static_cast<int32_t>(y)))
@@ -109,8 +110,8 @@ bool PageLevels::LayOut(const PictureView& picture) {
   reduced_.shift = ReductionOf(size());
   reduced_.width = picture.width >> reduced_.shift;
   reduced_.height = picture.height >> reduced_.shift;
-  return reduced_.levels.Allocate(static_cast<size_t>(reduced_.width) *
-                                  static_cast<size_t>(reduced_.height));
+  return reduced_.levels.Reserve(static_cast<size_t>(reduced_.width) *
+                                 static_cast<size_t>(reduced_.height));
 }
 
 bool PageLevels::Make(const PictureView& picture) {

@@ -22,7 +22,7 @@ struct ReducedPicture {
   int32_t shift = 0;
   int32_t width = 0;
   int32_t height = 0;
-  vorlanepic::frame::ScratchArray<uint8_t> levels;  // width * height, row after row
+  vorlanepic::frame::ScratchArray<uint8_t> levels;  // width * height and more, row after row
 
   const uint8_t* Row(int32_t y) const {
     return levels.data() + static_cast<size_t>(y) * static_cast<size_t>(width);
@@ -35,13 +35,16 @@ struct ReducedPicture {
 class PageLevels {
  public:
   // Looks at every pixel once: makes the levels where the picture is not grey already, and the
-  // reduced picture. Pixels of a grey picture stay the caller's. False when there is no memory.
+  // reduced picture. Pixels of a grey picture stay the caller's. Made again for another picture, it
+  // uses the memory that it has. False when there is no memory.
   bool Make(const PictureView& picture);
 
   int32_t width() const { return image_.width; }
   int32_t height() const { return image_.height; }
   int32_t size() const { return image_.width > image_.height ? image_.width : image_.height; }
   const uint8_t* Row(int32_t y) const { return rows_[static_cast<size_t>(y)]; }
+  // Whether the picture is one of 1 bit.
+  bool hasTwoLevels() const { return hasTwoLevels_; }
   // From a row to the one below; negative where the caller's top row is the last in memory.
   ptrdiff_t lineBytes() const { return height() > 1 ? Row(1) - Row(0) : width(); }
   // The levels for the core's stages, which only read them.
@@ -51,9 +54,10 @@ class PageLevels {
  private:
   bool LayOut(const PictureView& picture);
 
+  bool hasTwoLevels_ = false;
   ImageRec image_{};
   vorlanepic::frame::ScratchArray<uint8_t*> rows_;
-  vorlanepic::frame::ScratchArray<uint8_t> plane_;  // empty for a grey picture
+  vorlanepic::frame::ScratchArray<uint8_t> plane_;  // unused for a grey picture
   ReducedPicture reduced_;
 };
 

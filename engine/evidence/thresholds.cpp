@@ -31,11 +31,17 @@ struct Moments {
 
 using Histogram = std::array<uint32_t, 256>;
 
+// Every so many rows and columns are looked at.
+int32_t SampleStep(const PageLevels& page) {
+  int32_t step = 1;
+  while (int64_t{page.width()} * page.height() / (step * step) > 4 * kSamples) step *= 2;
+  return step;
+}
+
 // Counts in four places in turn: neighbours are mostly alike, and one count would wait for the one
 // before it.
 Histogram CountLevels(const PageLevels& page) {
-  int32_t step = 1;
-  while (int64_t{page.width()} * page.height() / (step * step) > 4 * kSamples) step *= 2;
+  const int32_t step = SampleStep(page);
   std::array<Histogram, 4> counts{};
   for (int32_t y = step / 2; y < page.height(); y += step) {
     const uint8_t* row = page.Row(y);
@@ -47,6 +53,19 @@ Histogram CountLevels(const PageLevels& page) {
     for (size_t level = 0; level < all.size(); ++level) all[level] += part[level];
   }
   return all;
+}
+
+// Whether there are dark and light pixels in a picture of 1 bit: mostly told by its first rows.
+bool HasBothLevels(const PageLevels& page) {
+  const int32_t step = SampleStep(page);
+  const uint8_t first = page.Row(std::min(step / 2, page.height() - 1))[0];
+  for (int32_t y = step / 2; y < page.height(); y += step) {
+    const uint8_t* row = page.Row(y);
+    for (int32_t x = 0; x < page.width(); x += step) {
+      if (row[x] != first) return true;
+    }
+  }
+  return false;
 }
 
 Moments MomentsOf(const Histogram& counts) {
@@ -100,9 +119,13 @@ void AddLevel(int32_t level, Thresholds* thresholds) {
 }  // namespace
 
 Thresholds ChooseThresholds(const PageLevels& page) {
+  Thresholds thresholds;
+  if (page.hasTwoLevels()) {
+    if (HasBothLevels(page)) AddLevel(128, &thresholds);
+    return thresholds;
+  }
   const Histogram counts = CountLevels(page);
   const auto levelsSeen = std::ranges::count_if(counts, [](uint32_t n) { return n > 0; });
-  Thresholds thresholds;
   if (levelsSeen < 2) return thresholds;
   if (levelsSeen == 2 && counts[0] > 0 && counts[255] > 0) {
     AddLevel(128, &thresholds);

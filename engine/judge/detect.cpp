@@ -68,7 +68,9 @@ bool IsTooLarge(const PictureView& picture) {
 
 // What was looked for on a page.
 struct PageEvidence {
-  PageLevels page;
+  explicit PageEvidence(const PageLevels& levels) : page(levels) {}
+
+  const PageLevels& page;
   PaperSides sides;
   InkPicture ink;
   PrintSkew print;
@@ -125,8 +127,7 @@ bool FindPrint(PageEvidence* seen) {
 }
 
 // Status::kOutOfMemory or kOk.
-Status LookAt(const PictureView& picture, const DetectOptions& options, PageEvidence* seen) {
-  if (!seen->page.Make(picture)) return Status::kOutOfMemory;
+Status LookAt(const DetectOptions& options, PageEvidence* seen) {
   if (evidence::FindPaperSides(seen->page, &seen->sides) != STATUS_OK) return Status::kOutOfMemory;
   const bool isSettled = options.hasNoMount && options.by == By::kAuto &&
                          options.crop != Crop::kContent && IsPlainSheet(seen->sides);
@@ -248,20 +249,22 @@ Status JudgePage(const PictureView& picture, const DetectOptions& options, const
 
 }  // namespace
 
-Status Detect(const PictureView& picture, const DetectOptions& options, Finding* finding) {
+Status Detect(const PictureView& picture, const DetectOptions& options, PageLevels& levels,
+              Finding* finding) {
   if (finding == nullptr) return Status::kBadArgument;
   *finding = {};
   if (!IsUsable(picture) || !AreUsable(options)) return Status::kBadArgument;
   if (IsTooLarge(picture)) return Status::kTooLarge;
 
-  PageEvidence seen;
   if (std::min(picture.width, picture.height) < kSmallestSide) {
     AddReason({Reason::kTooSmall, 0.0}, finding);
     finding->cut = WholePicture(0.0, picture.width, picture.height);
     finding->corners = CornersOfCut(finding->cut, 0.0, picture.width, picture.height);
     return Status::kOk;
   }
-  Status status = LookAt(picture, options, &seen);
+  if (!levels.Make(picture)) return Status::kOutOfMemory;
+  PageEvidence seen(levels);
+  Status status = LookAt(options, &seen);
   if (status == Status::kOk) status = JudgePage(picture, options, seen, finding);
   if (status != Status::kOk) *finding = {};
   return status;

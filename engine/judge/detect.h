@@ -3,6 +3,7 @@
 
 #include <cstdint>
 
+#include "engine/evidence/page_levels.h"
 #include "engine/evidence/picture_view.h"
 #include "engine/judge/finding.h"
 
@@ -40,7 +41,9 @@ enum class Status : int32_t {
 
 // Looks at `picture` and writes the answer to *finding. That nothing can be said of a page is an
 // answer too: Confidence::kRefused, with the reasons. *finding is empty on failure. Re-entrant: no
-// state but the arguments'.
-Status Detect(const PictureView& picture, const DetectOptions& options, Finding* finding);
+// state but the arguments'. `levels` is room to work in: its memory serves from one page to the
+// next.
+Status Detect(const PictureView& picture, const DetectOptions& options,
+              evidence::PageLevels& levels, Finding* finding);
 
 }  // namespace vorlane::judge

@@ -278,8 +278,9 @@ VORLANE_API void vorlane_context_free(vorlane_context* context) VORLANE_NOEXCEPT
 
 /*
  * Gives back the scratch memory that a context keeps: three bytes a pixel of the largest page of 32
- * bits that it has seen, one bit a pixel of the largest VORLANE_BIT_DARK page, and for others a few
- * tables. The next call takes what it needs.
+ * bits that it has turned, one byte a pixel of the largest page but grey ones that it has looked
+ * at, one bit a pixel of the largest VORLANE_BIT_DARK page, and a few tables. The next call takes
+ * what it needs.
  *
  * Returns VORLANE_OK; VORLANE_BAD_ARGUMENT for a null context; VORLANE_BUSY.
  */

@@ -72,6 +72,10 @@ class ScratchArray {
     return true;
   }
 
+  // Lets the array have `size` elements at least, whose content is undefined. False when there is
+  // no memory; the array is then empty.
+  [[nodiscard]] bool Reserve(size_t size) { return size_ >= size || Allocate(size); }
+
   // Makes the array longer by `more` elements whose content is undefined. False when there is no
   // memory; the array is then as it was.
   [[nodiscard]] bool Grow(size_t more) {

@@ -1,5 +1,7 @@
 #include "engine/evidence/page_levels.h"
 
+#include <algorithm>
+
 #include <gtest/gtest.h>
 
 #include "support/page_drawing.h"
@@ -42,6 +44,22 @@ TEST(PageLevels, ReducesToTheMeansOfSquares) {
               << x << ' ' << y << " of " << width << " at " << depth;
         }
       }
+    }
+  }
+}
+
+TEST(PageLevels, AreThoseOfTheLastPicture) {
+  PageLevels again;
+  for (const auto& [width, depth] : {std::pair{400, 24}, {90, 1}, {300, 8}, {390, 24}, {41, 1}}) {
+    const auto image = vorlanepic::testing::DrawNoise(width, 60, depth, 9);
+    const PictureView picture{image.row(0), image.rec()->lineBytes, width, 60, depth};
+    PageLevels fresh;
+    ASSERT_TRUE(again.Make(picture) && fresh.Make(picture));
+    ASSERT_EQ(again.hasTwoLevels(), depth == 1);
+    for (int32_t y = 0; y < 60; ++y) {
+      ASSERT_TRUE(std::equal(again.Row(y), again.Row(y) + width, fresh.Row(y))) << width;
+      const uint8_t* reduced = again.reduced().Row(y);
+      ASSERT_TRUE(std::equal(reduced, reduced + width, fresh.reduced().Row(y))) << width;
     }
   }
 }

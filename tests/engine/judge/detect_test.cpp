@@ -23,6 +23,11 @@ PictureView ViewOf(const TestImage& image) {
   return {rec.rows[0], rec.lineBytes, rec.width, rec.height, rec.bitsPerPixel};
 }
 
+Status Detect(const PictureView& picture, const DetectOptions& options, Finding* finding) {
+  evidence::PageLevels levels;
+  return Detect(picture, options, levels, finding);
+}
+
 Finding Find(const TestImage& image, const DetectOptions& options = {}) {
   Finding finding;
   EXPECT_EQ(Detect(ViewOf(image), options, &finding), Status::kOk);
