@@ -10,7 +10,6 @@
 
 #include "app/files/page.h"
 #include "app/files/pix_owner.h"
-#include "frame/scratch.h"
 
 namespace vorlane::batch {
 
@@ -27,8 +26,8 @@ enum class Trust { kNone, kDoubtful, kLikely, kSure };
 struct PageOutcome {
   PageFate fate = PageFate::kFailed;
   Trust trust = Trust::kNone;
-  vorlanepic::frame::ScratchImage image;  // kStraightened: the new page
-  std::string words;                      // of the page's line, behind its name
+  files::PagePixels image;  // kStraightened: the new page
+  std::string words;        // of the page's line, behind its name
   nlohmann::ordered_json facts = nlohmann::ordered_json::object();  // of its JSON object
   std::vector<std::string> notes;
   std::function<files::PixPtr(const files::Page& page)> draw;  // the overlay; null: there is none

@@ -6,6 +6,7 @@
 #include "app/commands/page_facts.h"
 #include "app/finding/finding_facts.h"
 #include "app/overlay/finding_overlay.h"
+#include "vorlanepic/vorlanepic.h"
 
 namespace vorlane::commands {
 namespace {
@@ -67,6 +68,20 @@ void Tell(const vorlane_finding& found, const files::Page& page, PageOutcome* ou
   };
 }
 
+// Makes the page of a finding; *result stays empty on failure.
+vorlane_status Make(finding::PageEngine* engine, const ImageRec& page, const vorlane_finding& found,
+                    const vorlane_apply_options& options, files::PagePixels* result) {
+  int32_t width = 0;
+  int32_t height = 0;
+  vorlane_status status = finding::ResultSize(page, found, options, &width, &height);
+  if (status != VORLANE_OK) return status;
+  files::PagePixels made;
+  if (made.Make(width, height, page.bitsPerPixel) != STATUS_OK) return VORLANE_NO_MEMORY;
+  status = engine->Apply(page, found, options, *made.rec());
+  if (status == VORLANE_OK) *result = std::move(made);
+  return status;
+}
+
 PageFate FateOf(const vorlane_finding& found, int32_t minConfidence) {
   if (found.turn_confidence == VORLANE_REFUSED) return PageFate::kFailed;
   return found.turn_confidence < minConfidence ? PageFate::kDoubtful : PageFate::kMeasured;
@@ -81,7 +96,7 @@ PageOutcome LookAt(finding::PageEngine* engine, const files::Page& page,
   if (status != VORLANE_OK) return LeaveFor(page, status);
   outcome.fate = FateOf(found, options.make.min_confidence);
   if (isMade && outcome.fate == PageFate::kMeasured) {
-    status = engine->Apply(*page.image.rec(), found, MakeOptionsOf(options), &outcome.image);
+    status = Make(engine, *page.image.rec(), found, MakeOptionsOf(options), &outcome.image);
     if (status != VORLANE_OK) return LeaveFor(page, status);
     outcome.fate = PageFate::kStraightened;
   }
@@ -112,7 +127,7 @@ PageOutcome MakeDecided(finding::PageEngine* engine, const files::Page& page,
   if (status == VORLANE_OK) {
     vorlane_apply_options make = MakeOptionsOf(options);
     make.max_turn = kAnyTurn;
-    status = engine->Apply(image, decided, make, &outcome.image);
+    status = Make(engine, image, decided, make, &outcome.image);
   }
   if (status != VORLANE_OK) return LeaveFor(page, status);
   outcome.fate = PageFate::kStraightened;

@@ -73,11 +73,11 @@ PixPtr ToServiceDepth(PixPtr pix, std::vector<std::string>* notes) {
   }
 }
 
-int32_t PixToImage(const PixPtr& pix, vorlanepic::frame::ScratchImage* image) {
+int32_t PixToImage(const PixPtr& pix, PagePixels* image) {
   const int32_t width = pixGetWidth(pix.get());
   const int32_t height = pixGetHeight(pix.get());
   const int32_t bits = pixGetDepth(pix.get()) == 32 ? 24 : pixGetDepth(pix.get());
-  const int32_t status = Imgbuf_New(image->rec(), width, height, bits, 0);
+  const int32_t status = image->Make(width, height, bits);
   if (status != STATUS_OK) return status;
 
   const uint32_t* words = pixGetData(pix.get());

@@ -4,8 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "app/files/page_pixels.h"
 #include "app/files/pix_owner.h"
-#include "frame/scratch.h"
 
 namespace vorlane::files {
 
@@ -16,7 +16,7 @@ PixPtr ToServiceDepth(PixPtr pix, std::vector<std::string>* notes);
 
 // Copies a picture of such a depth into a new page image of 1, 8 or 24 bits. Returns the image
 // library's status.
-int32_t PixToImage(const PixPtr& pix, vorlanepic::frame::ScratchImage* image);
+int32_t PixToImage(const PixPtr& pix, PagePixels* image);
 
 // Copies a page image of 1, 8 or 24 bits into a new picture. Null when there is no memory.
 PixPtr ImageToPix(const ImageRec& image);

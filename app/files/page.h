@@ -9,15 +9,15 @@
 #include "app/files/errors.h"
 #include "app/files/metadata.h"
 #include "app/files/page_coding.h"
-#include "frame/scratch.h"
+#include "app/files/page_pixels.h"
 
 namespace vorlane::files {
 
 struct Page {
   std::string file;
-  int32_t number = 1;                     // 1 for the file's first page
-  int32_t count = 1;                      // pages in the file
-  vorlanepic::frame::ScratchImage image;  // 1, 8 or 24 bits per pixel, the right way up
+  int32_t number = 1;     // 1 for the file's first page
+  int32_t count = 1;      // pages in the file
+  PagePixels image;       // 1, 8 or 24 bits per pixel, the right way up
   std::string noPicture;  // why the page is no picture and has no pixels; else empty
   Metadata metadata;
   PageCoding coding;

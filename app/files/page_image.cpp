@@ -86,9 +86,8 @@ void CheckSize(uint64_t width, uint64_t height, const ReadLimits& limits) {
 
 namespace {
 
-void MakeImage(int32_t width, int32_t height, int32_t bitsPerPixel,
-               vorlanepic::frame::ScratchImage* image) {
-  const int32_t status = Imgbuf_New(image->rec(), width, height, bitsPerPixel, 0);
+void MakeImage(int32_t width, int32_t height, int32_t bitsPerPixel, PagePixels* image) {
+  const int32_t status = image->Make(width, height, bitsPerPixel);
   if (status == STATUS_OK) return;
   if (status == OUT_OF_MEMORY) throw DecodeError("there is not enough memory for this page");
   throw DecodeError(std::to_string(width) + " x " + std::to_string(height) + " pixels of " +
@@ -102,9 +101,9 @@ void MakeImage(int32_t width, int32_t height, int32_t bitsPerPixel, Page* page) 
   MakeImage(width, height, bitsPerPixel, &page->image);
 }
 
-vorlanepic::frame::ScratchImage Turned(const ImageRec& image, uint32_t orientation) {
+PagePixels Turned(const ImageRec& image, uint32_t orientation) {
   const Turning turning = TurningOf(orientation);
-  vorlanepic::frame::ScratchImage turned;
+  PagePixels turned;
   if (!turning.isTransposed && !turning.isMirrored && !turning.isFlipped) return turned;
   MakeImage(turning.isTransposed ? image.height : image.width,
             turning.isTransposed ? image.width : image.height, image.bitsPerPixel, &turned);
@@ -122,7 +121,7 @@ vorlanepic::frame::ScratchImage Turned(const ImageRec& image, uint32_t orientati
 }
 
 void ApplyOrientation(uint32_t orientation, Page* page) {
-  vorlanepic::frame::ScratchImage turned = Turned(*page->image.rec(), orientation);
+  PagePixels turned = Turned(*page->image.rec(), orientation);
   if (turned.rec()->pixels == nullptr) return;
   page->image = std::move(turned);
   if (TurningOf(orientation).isTransposed) {

@@ -16,7 +16,7 @@ void MakeImage(int32_t width, int32_t height, int32_t bitsPerPixel, Page* page);
 
 // The image turned the right way up, or one without pixels where it is so already. Throws
 // DecodeError when there is no memory.
-vorlanepic::frame::ScratchImage Turned(const ImageRec& image, uint32_t orientation);
+PagePixels Turned(const ImageRec& image, uint32_t orientation);
 
 // Turns the page the right way up: `orientation` is 1 to 8 as TIFF and EXIF number them, 1 for a
 // page that is. Others leave it as it is. The resolution turns along.

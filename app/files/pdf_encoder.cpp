@@ -67,8 +67,7 @@ void Describe(const EncodeJob& job, EncodedPage* page) {
 }
 
 EncodedPage Encode(const EncodeJob& job, PdfCoding coding) {
-  const vorlanepic::frame::ScratchImage turned =
-      Turned(job.image, BackOrientation(job.source.coding.rotation));
+  const PagePixels turned = Turned(job.image, BackOrientation(job.source.coding.rotation));
   const bool isTurned = turned.rec()->pixels != nullptr;
   const EncodeJob stored{isTurned ? *turned.rec() : job.image, job.source, job.options, job.notes};
   EncodedPage page = coding == PdfCoding::kJpeg ? EncodePlainJpeg(stored) : EncodeStrip(stored);

@@ -2,8 +2,6 @@
 
 #include <utility>
 
-#include "vorlanepic/vorlanepic.h"
-
 namespace vorlane::finding {
 namespace {
 
@@ -42,6 +40,12 @@ vorlane_finding EmptyFinding() {
   return finding;
 }
 
+vorlane_status ResultSize(const ImageRec& page, const vorlane_finding& finding,
+                          const vorlane_apply_options& options, int32_t* width, int32_t* height) {
+  const vorlane_image view = ViewOf(page);
+  return vorlane_result_size(&view, &finding, &options, width, height);
+}
+
 PageEngine::ContextPtr PageEngine::Take() {
   {
     const std::lock_guard lock(mutex_);
@@ -72,23 +76,13 @@ vorlane_status PageEngine::Detect(const ImageRec& page, const vorlane_detect_opt
 }
 
 vorlane_status PageEngine::Apply(const ImageRec& page, const vorlane_finding& finding,
-                                 const vorlane_apply_options& options,
-                                 vorlanepic::frame::ScratchImage* result) {
-  const vorlane_image view = ViewOf(page);
-  int32_t width = 0;
-  int32_t height = 0;
-  vorlane_status status = vorlane_result_size(&view, &finding, &options, &width, &height);
-  if (status != VORLANE_OK) return status;
-  vorlanepic::frame::ScratchImage made;
-  if (Imgbuf_New(made.rec(), width, height, page.bitsPerPixel, 0) != STATUS_OK) {
-    return VORLANE_NO_MEMORY;
-  }
+                                 const vorlane_apply_options& options, const ImageRec& result) {
   ContextPtr context = Take();
   if (!context) return VORLANE_NO_MEMORY;
-  vorlane_result target{made.rec()->pixels, made.rec()->lineBytes, width, height};
-  status = vorlane_apply(context.get(), &view, &finding, &options, &target);
+  const vorlane_image view = ViewOf(page);
+  vorlane_result target{result.pixels, result.lineBytes, result.width, result.height};
+  const vorlane_status status = vorlane_apply(context.get(), &view, &finding, &options, &target);
   Return(std::move(context));
-  if (status == VORLANE_OK) *result = std::move(made);
   return status;
 }
 

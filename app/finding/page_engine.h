@@ -5,8 +5,8 @@
 #include <mutex>
 #include <vector>
 
-#include "frame/scratch.h"
 #include "vorlane/vorlane.h"
+#include "vorlanepic/imgbuf.h"
 
 namespace vorlane::finding {
 
@@ -15,6 +15,10 @@ vorlane_detect_options DefaultDetectOptions();
 vorlane_apply_options DefaultApplyOptions();
 vorlane_finding EmptyFinding();
 
+// As vorlane_result_size.
+vorlane_status ResultSize(const ImageRec& page, const vorlane_finding& finding,
+                          const vorlane_apply_options& options, int32_t* width, int32_t* height);
+
 // Calls from several threads go on side by side, each with a context that a later call takes over.
 class PageEngine {
  public:
@@ -22,11 +26,10 @@ class PageEngine {
   vorlane_status Detect(const ImageRec& page, const vorlane_detect_options& options,
                         vorlane_finding* finding);
 
-  // Makes the page that a finding describes, straight into the new image. As vorlane_apply; *result
-  // stays empty on failure.
+  // Makes the page that a finding describes in `result`, an image of the page's depth and of the
+  // size that ResultSize gives. As vorlane_apply.
   vorlane_status Apply(const ImageRec& page, const vorlane_finding& finding,
-                       const vorlane_apply_options& options,
-                       vorlanepic::frame::ScratchImage* result);
+                       const vorlane_apply_options& options, const ImageRec& result);
 
  private:
   struct ContextFree {

@@ -92,7 +92,7 @@ TEST(ConversionTest, TellsWhatItConverted) {
     const files::PixPtr pix =
         files::ToServiceDepth(SmallPix(c.depth, c.hasPalette, c.isColoured), &notes);
     ASSERT_TRUE(pix);
-    vorlanepic::frame::ScratchImage image;
+    files::PagePixels image;
     ASSERT_EQ(files::PixToImage(pix, &image), 0);
     EXPECT_EQ(image.rec()->bitsPerPixel, c.bitsRead) << c.note;
     const std::vector<uint8_t> grey = files::ToGreyBuffer(*image.rec());
