@@ -170,7 +170,7 @@ class Run {
       return kExitFiles;
     }
     const bool isMeasured = request_.output.empty();
-    const bool areLeft = tally.left + tally.failed > 0 && (request_.isStrict || isMeasured);
+    const bool areLeft = tally.left + tally.refused > 0 && (request_.isStrict || isMeasured);
     return std::max<int>(least, areLeft ? kExitPagesLeft : kExitAllDone);
   }
 

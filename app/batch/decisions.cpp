@@ -182,7 +182,8 @@ class Reader {
 
 using LineTaker = std::function<void(const Json& object, int64_t line)>;
 
-void ReadLines(const std::string& path, const LineTaker& take) {
+// Returns whether the last line is torn, as a run leaves it that was killed: it is left out.
+bool ReadLines(const std::string& path, const LineTaker& take) {
   std::ifstream file;
   if (path != "-") file.open(path, std::ios::binary);
   std::istream& stream = path == "-" ? std::cin : file;
@@ -194,6 +195,9 @@ void ReadLines(const std::string& path, const LineTaker& take) {
       const Json object = Json::parse(line);
       if (!object.is_object()) throw LineError{"is no JSON object"};
       take(object, number);
+    } catch (const Json::parse_error& error) {
+      if (stream.eof() && number > 1) return true;
+      throw files::UsageError(Where(path, number) + error.what());
     } catch (const Json::exception& error) {
       throw files::UsageError(Where(path, number) + error.what());
     } catch (const LineError& error) {
@@ -201,6 +205,7 @@ void ReadLines(const std::string& path, const LineTaker& take) {
     }
   }
   if (stream.bad()) throw files::UsageError(path + ": this report cannot be read");
+  return false;
 }
 
 }  // namespace
@@ -221,17 +226,20 @@ Decisions ReadDecisions(const std::string& report, const std::string& edits) {
   }
   Reader reader;
   std::string text;
-  ReadLines(report, [&](const Json& object, int64_t line) {
+  std::vector<std::string> torn;
+  const bool isReportTorn = ReadLines(report, [&](const Json& object, int64_t line) {
     reader.Add(object, report, line);
     text += Dump(object) + "\n";
   });
-  if (!edits.empty()) {
-    ReadLines(edits, [&](const Json& object, int64_t line) {
-      reader.Lay(object, edits, line);
-      text += Dump(object) + "\n";
-    });
-  }
+  if (isReportTorn) torn.push_back(report);
+  const bool areEditsTorn =
+      !edits.empty() && ReadLines(edits, [&](const Json& object, int64_t line) {
+        reader.Lay(object, edits, line);
+        text += Dump(object) + "\n";
+      });
+  if (areEditsTorn) torn.push_back(edits);
   Decisions decisions = reader.Take();
+  decisions.torn = std::move(torn);
   if (decisions.files.empty()) throw files::UsageError(report + ": this report names no page");
   decisions.digest = Sha256Of(text);
   return decisions;

@@ -30,6 +30,7 @@ struct Decisions {
   std::vector<InputFile> files;  // in the report's order, with the pages that it names
   std::map<std::string, std::map<int32_t, Decision>> pages;  // by file and number
   std::string digest;                                        // SHA-256 of all lines
+  std::vector<std::string> torn;  // what was read whose last line is cut short and left out
 };
 
 // The input that a line of a report or journal tells of, as it was then, without its pages.
@@ -43,8 +44,9 @@ InputFile InputOf(const nlohmann::ordered_json& line);
 // `edits`, where it is named, holds such lines about some of the report's pages: what they say
 // replaces what the report says, and a line with an angle or corners and without a decision is
 // applied.
-// Throws UsageError, with the line's number, for what cannot be read or applied and for a page that
-// the report does not tell of.
+// A last line that is cut short, as a run leaves it that was killed, is left out and told.
+// Throws UsageError, with the line's number, for what else cannot be read or applied and for a page
+// that the report does not tell of.
 Decisions ReadDecisions(const std::string& report, const std::string& edits = "");
 
 }  // namespace vorlane::batch

@@ -335,7 +335,8 @@ void InputWork::WriteAlone(const files::Page& page, const PageOutcome& outcome,
 std::string InputWork::CopyName(int32_t number, bool isTurned) const {
   std::string name = output_.Of(number);
   const bool isWhole = output_.isShared || (count_ == 1 && !isTurned);
-  if (isWhole) name = WithExtensionOf(name, input_.place);
+  const bool isPassedOn = name == run_->plan.standardOutput;
+  if (isWhole && !isPassedOn) name = WithExtensionOf(name, input_.place);
   if (run_->plan.unsureFolder.empty()) return name;
   const fs::path below = fs::path(input_.place).parent_path() / fs::path(name).filename();
   return (fs::path(run_->plan.unsureFolder) / below).native();

@@ -19,7 +19,7 @@ PageRecord RecordOf(const std::string& file, const JournalEntry& entry) {
   record.count = entry.count;
   record.isError = entry.result == "error";
   for (const PageFate fate : {PageFate::kMeasured, PageFate::kStraightened, PageFate::kDoubtful,
-                              PageFate::kLeft, PageFate::kFailed}) {
+                              PageFate::kLeft, PageFate::kRefused}) {
     if (entry.result == NameOf(fate)) record.fate = fate;
   }
   record.trust = entry.trust == "sure"     ? Trust::kSure

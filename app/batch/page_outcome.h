@@ -18,13 +18,13 @@ enum class PageFate {
   kStraightened,  // a new page was made
   kDoubtful,      // something was found, is not trusted, and the page is left as it is
   kLeft,          // it was decided to leave the page as it is
-  kFailed,        // nothing was found, and the page is left as it is
+  kRefused,       // nothing was found, and the page is left as it is
 };
 
 enum class Trust { kNone, kDoubtful, kLikely, kSure };
 
 struct PageOutcome {
-  PageFate fate = PageFate::kFailed;
+  PageFate fate = PageFate::kRefused;
   Trust trust = Trust::kNone;
   files::PagePixels image;  // kStraightened: the new page
   std::string words;        // of the page's line, behind its name

@@ -31,7 +31,7 @@ nlohmann::ordered_json JsonOf(const PageRecord& record) {
 
 const char* NameOf(PageFate fate) {
   static constexpr const char* kNames[] = {"measured", "straightened", "doubtful", "left",
-                                           "failed"};
+                                           "refused"};
   return kNames[static_cast<int>(fate)];
 }
 
@@ -46,7 +46,7 @@ std::string NameOf(const std::string& file, int32_t number, int32_t count) {
 
 std::string TextLine(const PageRecord& record) {
   std::string line = NameOf(record.file, record.number, record.count) + ": ";
-  if (record.fate == PageFate::kFailed) line += "FAILED, ";
+  if (record.fate == PageFate::kRefused) line += "REFUSED, ";
   if (record.fate == PageFate::kDoubtful || record.fate == PageFate::kLeft) {
     line += "LEFT AS IT IS, ";
   }

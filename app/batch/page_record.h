@@ -21,7 +21,7 @@ struct PageRecord {
   int32_t rotate = 0;  // quarters that it was turned by first, degrees clockwise
   FileState input;
   bool isError = false;  // the page could not be read or written; `words` says why
-  PageFate fate = PageFate::kFailed;
+  PageFate fate = PageFate::kRefused;
   Trust trust = Trust::kNone;
   std::string words;
   nlohmann::ordered_json facts = nlohmann::ordered_json::object();

@@ -54,9 +54,15 @@ std::string FileForStandardOutput(Plan* plan) {
   if (plan->inputs.inAll > 1) {
     throw files::UsageError("-o -: the standard output takes the pages of one file");
   }
-  const std::string& place = plan->inputs.files[0].place;
-  const bool isKnown = files::FormatOfName(place).has_value();
-  return plan->passing.At("out") + (isKnown ? fs::path(place).extension().native() : ".png");
+  const InputFile& input = plan->inputs.files[0];
+  const std::string content =
+      ExtensionByContent(input.path == "-" ? plan->standardInput : input.path);
+  // Several pages need a format that holds them, whatever the name says.
+  const auto named = files::FormatOfName(input.place);
+  const auto stored = files::FormatOfName("out" + content);
+  const bool isAsNamed = named && (named == stored || !files::HoldsManyPages(*stored));
+  return plan->passing.At("out") +
+         (isAsNamed ? fs::path(input.place).extension().native() : content);
 }
 
 void RefuseSharedOverlay(const BatchRequest& request, const PageFiles& overlay) {

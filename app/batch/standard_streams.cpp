@@ -6,11 +6,10 @@
 #include <cstring>
 #include <fcntl.h>
 #include <filesystem>
-#include <fstream>
 #include <string_view>
 #include <unistd.h>
 
-#include "app/files/page.h"
+#include "app/files/decoders.h"
 
 namespace vorlane::batch {
 namespace {
@@ -90,16 +89,24 @@ void PassToStandardOutput(const std::string& path) {
 }
 
 std::string ExtensionByContent(const std::string& path) {
-  std::array<char, 4> head{};
-  std::ifstream file(path, std::ios::binary);
-  file.read(head.data(), head.size());
-  const std::string_view bytes(head.data(), head.size());
-  if (bytes.starts_with("II") || bytes.starts_with("MM")) return ".tif";
-  if (bytes.starts_with("\xFF\xD8")) return ".jpg";
-  if (bytes.starts_with("BM")) return ".bmp";
-  if (bytes == "%PDF") return ".pdf";
-  if (bytes[0] == 'P' && bytes[1] >= '1' && bytes[1] <= '6') return ".pnm";
-  return ".png";
+  try {
+    switch (files::KindOf(files::FileSource(path))) {
+      case files::FileKind::kTiff:
+        return ".tif";
+      case files::FileKind::kPdf:
+        return ".pdf";
+      case files::FileKind::kJpeg:
+        return ".jpg";
+      case files::FileKind::kBmp:
+        return ".bmp";
+      case files::FileKind::kPnm:
+        return ".pnm";
+      default:
+        return ".png";
+    }
+  } catch (const std::runtime_error&) {
+    return ".png";  // what is wrong with it is told when it is read
+  }
 }
 
 }  // namespace vorlane::batch

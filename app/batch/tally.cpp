@@ -5,12 +5,12 @@ namespace {
 
 const char* WhyNamed(const PageRecord& record) {
   if (record.isError) return "error";
-  return record.fate == PageFate::kFailed ? "failed" : "left as it is";
+  return record.fate == PageFate::kRefused ? "refused" : "left as it is";
 }
 
 int64_t* PlaceFor(const PageRecord& record, Tally* tally) {
   if (record.isError) return &tally->errors;
-  if (record.fate == PageFate::kFailed) return &tally->failed;
+  if (record.fate == PageFate::kRefused) return &tally->refused;
   if (record.fate == PageFate::kDoubtful || record.fate == PageFate::kLeft) return &tally->left;
   if (record.trust == Trust::kSure) return &tally->sure;
   return record.trust == Trust::kLikely ? &tally->likely : &tally->other;
@@ -43,7 +43,7 @@ std::string TallyLine(const Tally& tally) {
   Append(tally.likely, "likely", "likely", &line);
   Append(tally.other, "done", "done", &line);
   Append(tally.left, "left as it is", "left as they are", &line);
-  Append(tally.failed, "failed", "failed", &line);
+  Append(tally.refused, "refused", "refused", &line);
   Append(tally.errors, "error", "errors", &line);
   Append(tally.noOverlay, "without its overlay", "without their overlays", &line);
   Append(tally.doneBefore, "done before", "done before", &line);

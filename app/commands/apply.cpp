@@ -1,8 +1,10 @@
 // vorlane apply: makes the pages that a report decides on, without looking at them again.
+#include <cstdio>
 #include <memory>
 #include <string>
 
 #include "app/batch/decisions.h"
+#include "app/batch/printable_name.h"
 #include "app/batch/sha256.h"
 #include "app/commands/commands.h"
 #include "app/commands/engine_service.h"
@@ -42,6 +44,10 @@ batch::PageOutcome Leave(const files::Page& page, const batch::Decision& decisio
 int RunApply(ApplyOptions* options, const CLI::App& command) {
   const auto decisions = std::make_shared<const batch::Decisions>(
       batch::ReadDecisions(options->report, options->decisions));
+  for (const std::string& name : decisions->torn) {
+    (void)std::fprintf(stderr, "vorlane: %s: its last line is torn and is left out\n",
+                       batch::Printable(name).c_str());
+  }
   options->batch.inputs.listed = decisions->files;
   FinishRequest(command, &options->batch);
   // An edited report decides other pages.

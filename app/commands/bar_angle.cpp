@@ -124,7 +124,7 @@ batch::PageOutcome MeasurePage(const BarOptions& options, const files::Page& pag
   const auto call = std::make_shared<BarCall>();
   Measure(options, page, call.get());
   batch::PageOutcome outcome;
-  outcome.fate = call->status == STATUS_OK ? batch::PageFate::kMeasured : batch::PageFate::kFailed;
+  outcome.fate = call->status == STATUS_OK ? batch::PageFate::kMeasured : batch::PageFate::kRefused;
   outcome.words = Words(*call);
   outcome.facts = Facts(*call);
   outcome.draw = [call](const files::Page& drawn) { return DrawBarOverlay(drawn, *call); };

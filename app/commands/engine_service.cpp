@@ -83,7 +83,7 @@ vorlane_status Make(finding::PageEngine* engine, const ImageRec& page, const vor
 }
 
 PageFate FateOf(const vorlane_finding& found, int32_t minConfidence) {
-  if (found.turn_confidence == VORLANE_REFUSED) return PageFate::kFailed;
+  if (found.turn_confidence == VORLANE_REFUSED) return PageFate::kRefused;
   return found.turn_confidence < minConfidence ? PageFate::kDoubtful : PageFate::kMeasured;
 }
 

@@ -32,10 +32,10 @@ void PrintTotals(const MergeOptions& options, const batch::Tally& tally) {
     std::printf("%s", batch::Summary(tally).c_str());
     return;
   }
-  const nlohmann::ordered_json totals = {{"command", "merge"},     {"pages", tally.pages},
-                                         {"sure", tally.sure},     {"likely", tally.likely},
-                                         {"done", tally.other},    {"left", tally.left},
-                                         {"failed", tally.failed}, {"errors", tally.errors}};
+  const nlohmann::ordered_json totals = {{"command", "merge"},       {"pages", tally.pages},
+                                         {"sure", tally.sure},       {"likely", tally.likely},
+                                         {"done", tally.other},      {"left", tally.left},
+                                         {"refused", tally.refused}, {"errors", tally.errors}};
   std::printf("%s\n", batch::Dump(totals).c_str());
 }
 

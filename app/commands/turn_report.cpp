@@ -28,7 +28,7 @@ batch::Trust TrustOf(Confidence confidence) {
 }
 
 PageFate FateOf(const TurnReport& report, const services::TurnOutcome& outcome) {
-  if (outcome.status != STATUS_OK) return PageFate::kFailed;
+  if (outcome.status != STATUS_OK) return PageFate::kRefused;
   const bool isDoubtful = outcome.verdict.confidence == Confidence::kDoubtful;
   if (isDoubtful && !report.acceptsDoubtful) return PageFate::kDoubtful;
   return report.makesPages ? PageFate::kStraightened : PageFate::kMeasured;

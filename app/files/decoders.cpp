@@ -25,19 +25,6 @@ bool IsPnm(const Head& head) {
 
 bool IsJpeg(const Head& head) { return head[0] == 0xFF && head[1] == 0xD8 && head[2] == 0xFF; }
 
-FileKind KindOf(const ByteSource& source) {
-  Head head{};
-  (void)source.ReadAt(0, head);
-  if (ReadTiffHeader(source)) return FileKind::kTiff;
-  if (std::equal(kPngSignature.begin(), kPngSignature.end(), head.begin())) return FileKind::kPng;
-  if (IsJpeg(head)) return FileKind::kJpeg;
-  if (head[0] == 'B' && head[1] == 'M') return FileKind::kBmp;
-  if (IsPnm(head)) return FileKind::kPnm;
-  if (IsPdf(source)) return FileKind::kPdf;
-  if (IsOtherFormat(head)) return FileKind::kOther;
-  throw DecodeError("is no image file (TIFF, PNG, JPEG, BMP, PNM or PDF), or is damaged");
-}
-
 void CountTiffPages(const ByteSource& source, size_t most, FileContents* contents) {
   contents->tiffHeader = ReadTiffHeader(source).value();
   contents->tiffPages = FindDirectories(source, contents->tiffHeader, most);
@@ -50,6 +37,19 @@ void CountTiffPages(const ByteSource& source, size_t most, FileContents* content
 }
 
 }  // namespace
+
+FileKind KindOf(const ByteSource& source) {
+  Head head{};
+  (void)source.ReadAt(0, head);
+  if (ReadTiffHeader(source)) return FileKind::kTiff;
+  if (std::equal(kPngSignature.begin(), kPngSignature.end(), head.begin())) return FileKind::kPng;
+  if (IsJpeg(head)) return FileKind::kJpeg;
+  if (head[0] == 'B' && head[1] == 'M') return FileKind::kBmp;
+  if (IsPnm(head)) return FileKind::kPnm;
+  if (IsPdf(source)) return FileKind::kPdf;
+  if (IsOtherFormat(head)) return FileKind::kOther;
+  throw DecodeError("is no image file (TIFF, PNG, JPEG, BMP, PNM or PDF), or is damaged");
+}
 
 FileContents OwnDecoders::Look(const ByteSource& source, const ReadLimits& limits) const {
   FileContents contents;

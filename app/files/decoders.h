@@ -16,6 +16,9 @@ namespace vorlane::files {
 // nothing.
 enum class FileKind : uint8_t { kTiff, kPdf, kPng, kJpeg, kBmp, kPnm, kOther, kJpegData };
 
+// By the first bytes. Throws DecodeError for those of no kind.
+FileKind KindOf(const ByteSource& source);
+
 // What a file holds, found without decoding a pixel.
 struct FileContents {
   FileKind kind = FileKind::kOther;

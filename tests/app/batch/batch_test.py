@@ -179,6 +179,18 @@ class TruthTest(BatchTest):
                 self.assertEqual(tree(where)["dark.pgm"], tree("in/")["dark.pgm"])
         self.assertIn("book.tif", tree("left"))  # a page of it wants to be looked at
 
+    def test_the_summary_counts_every_fate(self):
+        self.mixed()
+        told = self.straighten("in", "-o", "out/", "--journal", "j.jsonl", exit=3).stderr.decode()
+        with open("j.jsonl", encoding="utf-8") as file:
+            fates = [json.loads(line)["result"] for line in file]
+        for fate in ("refused", "error"):
+            self.assertGreater(fates.count(fate), 0)
+            self.assertRegex(told, rf"\b{fates.count(fate)} {fate}")
+        merged = json.loads(self.run_command("merge", "j.jsonl", "--json").stdout)
+        self.assertEqual((merged["refused"], merged["errors"]),
+                         (fates.count("refused"), fates.count("error")))
+
     def test_threads_change_nothing(self):
         self.mixed()
         one = self.report("in", "-o", "out/", "--overlay", "seen/", "-j1", exit=3)
@@ -328,6 +340,13 @@ class NamesTest(BatchTest):
             passed = self.straighten("-", "-o", "-", stdin=file).stdout
         self.straighten("ten.tif", "-o", "ten-out.tif")
         self.assertEqual(passed, tree(".")["ten-out.tif"])
+
+        for path, content in (("named.png", "ten.tif"), ("nameless", "in/book.tif")):
+            shutil.copy(content, path)
+            self.straighten(content, "-o", "whole.tif", "--overwrite")
+            self.assertEqual(self.straighten(path, "-o", "-").stdout, tree(".")["whole.tif"])
+        write_pgm("left", dark())
+        self.assertEqual(self.straighten("left", "-o", "-").stdout, tree(".")["left"])
 
         os.mkfifo("pipe.tif")
         self.assertIn(b"pipe.tif", self.straighten("pipe.tif", "-o", "out/", exit=3).stderr)

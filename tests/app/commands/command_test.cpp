@@ -148,6 +148,15 @@ TEST(ApplyTest, MakesThePagesOfAReport) {
   EXPECT_EQ(unknown.exit, 2);
   EXPECT_THAT(unknown.err, HasSubstr("some.jsonl: line 1: the report does not tell of page 2"));
 
+  // The line that a killed run was writing; one that is torn elsewhere is no report's.
+  folder.WriteText("torn.jsonl", folder.Bytes("found.jsonl") + R"({"file":"c.pn)");
+  const CommandResult torn = folder.Run("apply torn.jsonl -o torn/");
+  EXPECT_EQ(torn.exit, 0);
+  EXPECT_THAT(torn.err, HasSubstr("torn.jsonl: its last line is torn and is left out"));
+  EXPECT_TRUE(folder.Bytes("torn/a.png") == folder.Bytes("out/a.png"));
+  folder.WriteText("torn.jsonl", "{\"file\":\"c.pn\n" + folder.Bytes("found.jsonl"));
+  EXPECT_EQ(folder.Run("apply torn.jsonl -o bad/").exit, 2);
+
   std::filesystem::remove(folder.At("a.png"));
   folder.Write("a.png", {&page, &page}, 300);
   const CommandResult changed = folder.Run("apply found.jsonl -o again/");
@@ -163,7 +172,7 @@ TEST(DetectTest, SaysWhyThereIsNoAnswer) {
   const CommandResult result = folder.Run("detect dark.png --json");
   EXPECT_EQ(result.exit, 1);
   const auto found = result.Objects().at(0);
-  EXPECT_EQ(found["result"], "failed");
+  EXPECT_EQ(found["result"], "refused");
   EXPECT_EQ(found["confidence"], "refused");
   EXPECT_EQ(found["reasons"].at(0)["code"], "no-contrast");
   EXPECT_FALSE(found.contains("angle"));
@@ -219,7 +228,7 @@ TEST(MultiPageTest, KeepsEveryPageInItsPlace) {
   const CommandResult single =
       folder.Run("straighten three.tif -o 'single-{page}.png' --overlay seen/");
   EXPECT_EQ(single.exit, 0);
-  EXPECT_THAT(single.out, HasSubstr("FAILED, the picture has no contrast"));
+  EXPECT_THAT(single.out, HasSubstr("REFUSED, the picture has no contrast"));
   EXPECT_TRUE(folder.Has("single-1.png"));
   EXPECT_TRUE(folder.Has("single-2.png"));  // a copy
   EXPECT_TRUE(folder.Has("single-3.png"));
