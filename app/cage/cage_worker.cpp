@@ -23,16 +23,6 @@ using Clock = std::chrono::steady_clock;
 // Of an answer without pixels: metadata mostly, or the places of a million pages.
 constexpr uint64_t kMostAnswered = uint64_t{1} << 28;
 
-// A program that was built to be watched reserves more address space than any machine has.
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kLimitsMemory = false;
-#elif defined(__has_feature)
-constexpr bool kLimitsMemory = !__has_feature(address_sanitizer) &&
-                               !__has_feature(memory_sanitizer) && !__has_feature(thread_sanitizer);
-#else
-constexpr bool kLimitsMemory = true;
-#endif
-
 template <size_t kCount>
 std::array<uint64_t, kCount> NumbersOf(const Message& message) {
   std::array<uint64_t, kCount> numbers{};
@@ -223,7 +213,7 @@ int64_t CageWorker::MemoryFor(const Job& job) const {
 }
 
 void CageWorker::LimitMemory(const Job& job) const {
-  if (!kLimitsMemory || ownMemory_ == 0) return;
+  if (ownMemory_ == 0) return;
   const rlim_t most = ownMemory_ + arena_.size() + static_cast<rlim_t>(MemoryFor(job));
   const rlimit limit{std::min(most, mostMemory_), mostMemory_};
   (void)::prlimit(process_, RLIMIT_AS, &limit, nullptr);

@@ -93,8 +93,9 @@ std::vector<sock_filter> ProgramOf(const Context& context) {
 
 CallFilter CallFilter::ForDecoders() {
   const Context context = NewContext(SCMP_ACT_ERRNO(EPERM));
-  for (const int call : kDecoderCalls)
+  for (const int call : kDecoderCalls) {
     Check(seccomp_rule_add(context.get(), SCMP_ACT_ALLOW, call, 0));
+  }
   for (const int call : kMappingCalls) {
     Check(seccomp_rule_add(context.get(), SCMP_ACT_ALLOW, call, 1,
                            SCMP_A2(SCMP_CMP_MASKED_EQ, PROT_EXEC, 0)));

@@ -30,15 +30,6 @@ using files::HelperWalls;
 using files::Page;
 using ::testing::HasSubstr;
 
-#if defined(__SANITIZE_ADDRESS__) || defined(__SANITIZE_THREAD__)
-constexpr bool kIsSanitized = true;
-#elif defined(__has_feature)
-constexpr bool kIsSanitized = __has_feature(address_sanitizer) || __has_feature(memory_sanitizer) ||
-                              __has_feature(thread_sanitizer);
-#else
-constexpr bool kIsSanitized = false;
-#endif
-
 int Fork() {
   const pid_t child = ::fork();
   if (child == 0) ::_exit(0);
@@ -71,7 +62,7 @@ const std::map<std::string, long (*)()>& Forbidden() {
 }
 
 void Crash() {
-  volatile int* nowhere = nullptr;
+  volatile int* volatile nowhere = nullptr;  // unknown to the compiler
   *nowhere = 1;
 }
 
@@ -146,7 +137,6 @@ struct Mischief {
 class MischiefTest : public CageTest, public ::testing::WithParamInterface<Mischief> {};
 
 TEST_P(MischiefTest, CostsOnePageAndIsTold) {
-  if (kIsSanitized && std::string(GetParam().text) == "hunger") GTEST_SKIP() << "memory is free";
   for (int round = 0; round < 2; ++round) {
     EXPECT_THAT(WordsOf(GetParam().text), HasSubstr(GetParam().words));
     EXPECT_EQ(Decode("a page").image.rec()->rows[199][299], 77);
@@ -155,7 +145,7 @@ TEST_P(MischiefTest, CostsOnePageAndIsTold) {
 
 INSTANTIATE_TEST_SUITE_P(
     Kinds, MischiefTest,
-    ::testing::Values(Mischief{"crash", kIsSanitized ? "ended by" : "signal 11 (Segmentation"},
+    ::testing::Values(Mischief{"crash", "the decoder was ended by signal 11 (Segmentation fault)"},
                       Mischief{"abort", "the decoder was ended by signal 6 (Aborted)"},
                       Mischief{"exit", "ended by itself with the exit code 7"},
                       Mischief{"damage", "strip 3 is damaged"},
