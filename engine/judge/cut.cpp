@@ -4,15 +4,12 @@
 #include <array>
 #include <cmath>
 #include <numeric>
-#include <optional>
 
-#include "engine/evidence/inner_trace.h"
 #include "engine/evidence/light_beyond.h"
-#include "engine/evidence/side_contrast.h"
 #include "engine/judge/page_axes.h"
+#include "engine/judge/page_lines.h"
 #include "engine/judge/polygon.h"
 #include "engine/judge/print_beyond.h"
-#include "vorlanepic/vorlanepic.h"
 
 namespace vorlane::judge {
 namespace {
@@ -25,40 +22,19 @@ using evidence::PageLevels;
 using evidence::PaperSides;
 using evidence::Side;
 using evidence::SideGroup;
-using evidence::SideLine;
 
-// Sides lean as the page does within this, in degrees; where print alone gave the angle, those of
-// the paper may lean this much otherwise.
-constexpr double kSameDegrees = 0.35;
+// The paper leans as the page does within this, in degrees, where print alone gave the angle, and
+// where a single side agreed with the print.
 constexpr double kPaperDegrees = 3.0;
 constexpr double kBesideDegrees = 1.0;
-// The same side at another threshold may lie this much further out, as a share of the picture's
-// longer side: the page's edge is soft.
-constexpr double kSoftShare = 0.006;
-// Where no line is seen, the page is taken to reach this far from the opposite side, and the cut
-// to end this much beyond its light; both shares of the longer side.
-constexpr double kLeastPage = 0.1;
+// Where no line is seen, the cut ends this much beyond the page's light, as a share of the longer
+// side.
 constexpr double kLightSlack = 0.004;
 // A side beyond whose end a neighbouring one goes on by this share is none of the sheet's.
 constexpr double kOvershoot = 0.005;
 constexpr double kOnFrame = 0.25;
-// A line is no side where so much of the trace beside it runs at the picture's edge.
-constexpr double kContradicted = 0.3;
-// A side is looked for from inside from this far within the ends of its neighbours, and a gap is
-// the page's end where it begins no further beyond them; shares of the longer side.
-constexpr double kStartInside = 0.015;
+// A gap is the page's end where it begins no further beyond the ends of the neighbours.
 constexpr double kGapWithin = 0.025;
-// What a side that was found from inside has to be: straight, and lighter than the gap.
-constexpr double kInnerStraight = 0.6;
-constexpr double kInnerContrast = 8.0;
-// A line beyond the ends of both its neighbours by this share is another sheet's.
-constexpr double kTooFar = 0.025;
-constexpr double kGapBefore = 4.0;  // pixels
-constexpr double kAtFrame = 8.0;
-// What lies outside a side is lighter than outside the others by this much where it is no surround
-// but a bar on the sheet; bars that the frame cuts lie this near to it.
-constexpr double kBarLevels = 15.0;
-constexpr double kBarShare = 0.04;
 // Where the page runs off the picture, its other sides end this near to the frame.
 constexpr double kFrameShare = 0.02;
 // A side that is not the group's own is given up where it cuts off this share of the print.
@@ -73,6 +49,7 @@ class Cutter {
         sides_(sides),
         decision_(decision),
         axes_(PageAxes::Of(decision.degrees, page.width(), page.height())),
+        lines_(page, sides, axes_),
         darkest_(sides.thresholds.count > 0 ? std::ranges::min(sides.thresholds.view())
                                             : uint8_t{0}) {}
 
@@ -88,7 +65,6 @@ class Cutter {
     const SideGroup* around = PaperAround();
     if (around == nullptr) return true;
     group_ = around;
-    lines_ = {};
     *cut = {};
     return FindWithin(ink, outwards, cut);
   }
@@ -96,12 +72,9 @@ class Cutter {
  private:
   // Bounds the page by the group's lines. False when there is no memory.
   bool FindWithin(const InkPicture& ink, double outwards, Cut* cut) {
-    PickLines();
-    DropBars();
-    DropFarLines();
-    if (!LookFromInside()) return false;
-    const std::array<HalfPlane, kSides> region = Region();
-    if (!evidence::MeasureLightBeyond(page_, Threshold(), region, &light_)) return false;
+    if (!lines_.Find(*group_)) return false;
+    const std::array<HalfPlane, kSides> region = lines_.Region();
+    if (!evidence::MeasureLightBeyond(page_, lines_.Threshold(), region, &light_)) return false;
     for (const Side side : kAllSides) EndSide(side, region);
     cut->rect = Bound(region, outwards);
     std::array<double, kSides> inkBeyond = SharesBeyond(page_, ink, axes_, darkest_, cut->rect);
@@ -122,8 +95,6 @@ class Cutter {
     kLight,   // where the light ends
     kFrame,   // the picture's own edge
   };
-
-  static size_t Index(Side side) { return static_cast<size_t>(side); }
 
   // A page in perspective is bounded by all its sides, a rim bounds none.
   void PickGroup() {
@@ -161,77 +132,10 @@ class Cutter {
   const SideGroup* PaperAround() const {
     const auto groups = sides_.view();
     const auto found = std::ranges::find_if(groups, [this](const SideGroup& group) {
-      return !group.isRim && group.count >= 3 && ThresholdOf(group) < Threshold() &&
+      return !group.isRim && group.count >= 3 && lines_.ThresholdOf(group) < lines_.Threshold() &&
              std::abs(group.degrees - group_->degrees) <= kSameDegrees;
     });
     return found == groups.end() ? nullptr : &*found;
-  }
-
-  // How far out a line lies from the middle of the picture.
-  double OutnessOf(const SideLine& line, Side side) const {
-    return evidence::InsideOf(line, side, 0.0).Inside(axes_.middle.x, axes_.middle.y);
-  }
-
-  // The group's own lines, at the threshold where they lie furthest out within a soft edge; for
-  // its missing sides the innermost line that leans alike: light beyond it moves it out again.
-  void PickLines() {
-    for (const Side side : kAllSides) {
-      std::optional<SideLine>& picked = lines_[Index(side)];
-      if (group_->Has(side)) picked = sides_.SidesOf(*group_)[Index(side)];
-      const bool isOwn = picked.has_value();
-      const double furthest = isOwn ? OutnessOf(*picked, side) + kSoftShare * page_.size() : 0.0;
-      for (const SideGroup& other : sides_.view()) {
-        if (!other.Has(side) || other.isRim) continue;
-        if (std::abs(other.degrees - group_->degrees) > kSameDegrees) continue;
-        const SideLine& line = sides_.SidesOf(other)[Index(side)];
-        const double outness = OutnessOf(line, side);
-        const bool isBetter =
-            !picked || (isOwn ? outness > OutnessOf(*picked, side) && outness <= furthest
-                              : outness < OutnessOf(*picked, side));
-        if (isBetter) picked = line;
-      }
-    }
-  }
-
-  // Where the page's light starts from on a side without a line: the ends of the lines beside it,
-  // or a little off the line opposite. Outwards positive, in page coordinates.
-  double StartOf(Side side) const {
-    const bool across = evidence::RunsAcross(side);
-    const double sign = side == Side::kTop || side == Side::kLeft ? -1.0 : 1.0;
-    double start = -INFINITY;
-    for (const Side other : kAllSides) {
-      const auto& line = lines_[Index(other)];
-      if (!line) continue;
-      if (evidence::RunsAcross(other) == across) {
-        start = std::max(start, kLeastPage * page_.size() - OutnessOf(*line, other));
-        continue;
-      }
-      for (const double along : {line->from, line->to}) {
-        const Point place = axes_.ToPage(PointAt(*line, Index(other), along));
-        start = std::max(start, sign * (across ? place.y : place.x));
-      }
-    }
-    return start;
-  }
-
-  // The half plane of the picture inside `outness` of a side of the upright page.
-  HalfPlane UprightSide(Side side, double outness) const {
-    const double sign = side == Side::kTop || side == Side::kLeft ? 1.0 : -1.0;
-    HalfPlane plane = evidence::RunsAcross(side)
-                          ? HalfPlane{-sign * axes_.sine, sign * axes_.cosine, 0.0}
-                          : HalfPlane{sign * axes_.cosine, sign * axes_.sine, 0.0};
-    plane.c = plane.a * axes_.middle.x + plane.b * axes_.middle.y - outness;
-    return plane;
-  }
-
-  std::array<HalfPlane, kSides> Region() const {
-    std::array<HalfPlane, kSides> region{};
-    for (const Side side : kAllSides) {
-      const auto& line = lines_[Index(side)];
-      region[Index(side)] =
-          line ? evidence::InsideOf(*line, side, 0.0) : UprightSide(side, StartOf(side));
-    }
-    return region;
   }
 
   // Whether the sides next to `side` are seen and end where they meet it: what is light beyond is
@@ -249,132 +153,14 @@ class Cutter {
     return true;
   }
 
-  uint8_t ThresholdOf(const SideGroup& group) const {
-    return sides_.thresholds.levels[group.threshold];
-  }
-  uint8_t Threshold() const { return ThresholdOf(*group_); }
-
   bool RunsOff(Side side) const {
-    return isBar_[Index(side)] || sides_.SidesOf(*group_)[Index(side)].onFrame >= kOnFrame;
-  }
-
-  bool HasNeighbour(Side side) const {
-    return lines_[(Index(side) + 1) % kSides] || lines_[(Index(side) + 3) % kSides];
-  }
-
-  // Looks for each side that is missing from where its neighbours end. False when there is no
-  // memory.
-  bool LookFromInside() {
-    for (const Side side : kAllSides) {
-      if (lines_[Index(side)] || isBar_[Index(side)] || !HasNeighbour(side)) continue;
-      std::array<HalfPlane, kSides> region = Region();
-      region[Index(side)].c += kStartInside * page_.size();
-      vorlanepic::analysis::SideTrace trace;
-      SideLine line;
-      if (!evidence::TraceFromInside(page_, Threshold(), region, side, &trace)) return false;
-      if (evidence::FitSide(trace, side, page_.width(), page_.height(), &line) != STATUS_OK) {
-        return false;
-      }
-      if (!line.isSeen || line.straight < kInnerStraight) continue;
-      if (std::abs(line.degrees - group_->degrees) > kSameDegrees) continue;
-      evidence::MeasureContrast(page_, side, &line);
-      if (line.contrast < kInnerContrast || line.outside > Surround() + kBarLevels) continue;
-      lines_[Index(side)] = line;
-    }
-    return true;
-  }
-
-  // The level around the sheet: the darkest outside the group's sides.
-  double Surround() const {
-    double level = 255.0;
-    for (const Side side : kAllSides) {
-      if (group_->Has(side)) level = std::min(level, sides_.SidesOf(*group_)[Index(side)].outside);
-    }
-    return level;
-  }
-
-  // Takes away the lines that both neighbours end before, with a gap behind: those of another
-  // sheet.
-  void DropFarLines() {
-    const auto lines = lines_;
-    for (const Side side : kAllSides) {
-      const auto& line = lines[Index(side)];
-      const auto& before = lines[(Index(side) + 3) % kSides];
-      const auto& behind = lines[(Index(side) + 1) % kSides];
-      if (!line || !before || !behind) continue;
-      const HalfPlane plane = evidence::InsideOf(*line, side, kTooFar * page_.size());
-      if (EndsInside(*before, (Index(side) + 3) % kSides, plane) &&
-          EndsInside(*behind, (Index(side) + 1) % kSides, plane)) {
-        lines_[Index(side)].reset();
-        if (!IsGapBefore(*line, side)) lines_[Index(side)] = line;
-      }
-    }
-  }
-
-  // Whether it is dark somewhere between where the other lines end and this one.
-  bool IsGapBefore(const SideLine& line, Side side) const {
-    const std::array<HalfPlane, kSides> region = Region();
-    const Point middle = PointAt(line, Index(side), (line.from + line.to) / 2.0);
-    const double distance = -region[Index(side)].Inside(middle.x, middle.y);
-    return evidence::FirstGapBeyond(page_, Threshold(), region, side) < distance - kGapBefore;
-  }
-
-  static Point PointAt(const SideLine& line, size_t side, double along) {
-    return evidence::RunsAcross(kAllSides[side]) ? Point{along, line.At(along)}
-                                                 : Point{line.At(along), along};
-  }
-
-  bool IsAtFrame(Point place) const {
-    return std::min(place.x, place.y) <= kAtFrame || place.x >= page_.width() - 1.0 - kAtFrame ||
-           place.y >= page_.height() - 1.0 - kAtFrame;
-  }
-
-  // Whether both ends of a line lie inside a half plane. One at the frame is not seen to end.
-  bool EndsInside(const SideLine& line, size_t side, const HalfPlane& plane) const {
-    for (const double along : {line.from, line.to}) {
-      const Point end = PointAt(line, side, along);
-      if (plane.Inside(end.x, end.y) <= 0.0 || IsAtFrame(end)) return false;
-    }
-    return true;
-  }
-
-  // Takes away the lines that are a bar's: the page runs off the picture there.
-  void DropBars() {
-    for (const Side side : kAllSides) {
-      const auto& line = lines_[Index(side)];
-      isBar_[Index(side)] = line && (IsBar(side) || IsContradicted(*line, side));
-    }
-    for (const Side side : kAllSides) {
-      if (isBar_[Index(side)]) lines_[Index(side)].reset();
-    }
-  }
-
-  // Whether the trace beside a line runs at the picture's edge, at every threshold that sees it.
-  bool IsContradicted(const SideLine& line, Side side) const {
-    if (line.contradicted < kContradicted) return false;
-    const double outness = OutnessOf(line, side);
-    const auto sets = std::span(sides_.sets).first(sides_.thresholds.count);
-    return std::ranges::none_of(sets, [&](const evidence::SideSet& set) {
-      const SideLine& other = set[Index(side)];
-      return other.isSeen && other.contradicted < kContradicted &&
-             std::abs(other.degrees - line.degrees) <= kSameDegrees &&
-             std::abs(OutnessOf(other, side) - outness) <= kSoftShare * page_.size();
-    });
-  }
-
-  // Whether the dark outside a line is a bar on the sheet that the frame cuts.
-  bool IsBar(Side side) const {
-    const SideLine& line = *lines_[Index(side)];
-    if (line.outside <= Surround() + kBarLevels) return false;
-    const double across = line.At((line.from + line.to) / 2);
-    const double extent = evidence::RunsAcross(side) ? page_.height() : page_.width();
-    return std::min(across, extent - 1.0 - across) <= kBarShare * page_.size();
+    return lines_.WasBar(Index(side)) || sides_.SidesOf(*group_)[Index(side)].onFrame >= kOnFrame;
   }
 
   // How far beyond its start a side without a line ends at a dark gap, or INFINITY.
   double GapBeyond(Side side, std::span<const HalfPlane, kSides> region) const {
-    if (isBar_[Index(side)] || !HasNeighbour(side)) return INFINITY;
-    const double gap = evidence::FirstGapBeyond(page_, Threshold(), region, side);
+    if (lines_.WasBar(Index(side)) || !lines_.HasNeighbour(Index(side))) return INFINITY;
+    const double gap = evidence::FirstGapBeyond(page_, lines_.Threshold(), region, side);
     return gap <= kGapWithin * page_.size() ? gap : INFINITY;
   }
 
@@ -409,7 +195,7 @@ class Cutter {
     if (std::isfinite(gap)) {
       ends_[i] = End::kGap;
       beyond_[i] = gap;
-    } else if (RunsOff(side) || !HasNeighbour(side)) {
+    } else if (RunsOff(side) || !lines_.HasNeighbour(Index(side))) {
       EndAtFrame(side);
     } else {
       ends_[i] = End::kLight;
@@ -427,7 +213,8 @@ class Cutter {
     const bool isFirst = side == Side::kTop || side == Side::kLeft;
     for (const size_t next : {(Index(side) + 1) % kSides, (Index(side) + 3) % kSides}) {
       const auto& line = lines_[next];
-      if (!line || IsAtFrame(PointAt(*line, next, isFirst ? line->from : line->to))) return false;
+      if (!line || lines_.IsAtFrame(PointAt(*line, next, isFirst ? line->from : line->to)))
+        return false;
     }
     return true;
   }
@@ -444,7 +231,7 @@ class Cutter {
         ends_[i] = End::kLine;
         beyond_[i] = light_[i];
       } else {
-        lines_[i].reset();
+        lines_.Drop(i);
         EndAtFrame(side);
       }
       isWidened = true;
@@ -495,10 +282,9 @@ class Cutter {
   const PaperSides& sides_;
   const Decision& decision_;
   PageAxes axes_;
+  PageLines lines_;
   uint8_t darkest_;                   // of the thresholds
   const SideGroup* group_ = nullptr;  // whose lines bound the page
-  std::array<std::optional<SideLine>, kSides> lines_;
-  std::array<bool, kSides> isBar_{};
   std::array<double, kSides>
       light_{};  // how far light goes on beyond each line or start, in pixels
   std::array<End, kSides> ends_{};
