@@ -20,9 +20,7 @@ constexpr int64_t kMostKept = int64_t{128} << 20;
 // Images that nobody uses, the latest one last.
 class IdleImages {
  public:
-  ~IdleImages() {
-    while (count_ > 0) DropFirst();
-  }
+  ~IdleImages() { Drop(); }
 
   // One with room for as many bytes of pixels and rows, and for not much more; else an empty
   // record.
@@ -43,6 +41,11 @@ class IdleImages {
     images_[count_++] = image;
     bytes_ += image.imageBytes;
     while (bytes_ > kMostKept) DropFirst();
+  }
+
+  void Drop() {
+    const std::lock_guard lock(mutex_);
+    while (count_ > 0) DropFirst();
   }
 
  private:
@@ -70,10 +73,14 @@ IdleImages& Idle() {
 }
 
 // With some rows more than asked for, which the next page may have; without where that is too much.
+// What is idle makes room where there is none else.
 int32_t MakeWhole(int32_t width, int32_t height, int32_t bitsPerPixel, ImageRec* whole) {
   const int32_t spare = std::min(height / 16, INT32_MAX - height);
-  const int32_t status = Imgbuf_New(whole, width, height + spare, bitsPerPixel, 0);
-  return status == STATUS_OK ? status : Imgbuf_New(whole, width, height, bitsPerPixel, 0);
+  if (Imgbuf_New(whole, width, height + spare, bitsPerPixel, 0) == STATUS_OK) return STATUS_OK;
+  const int32_t status = Imgbuf_New(whole, width, height, bitsPerPixel, 0);
+  if (status != OUT_OF_MEMORY) return status;
+  Idle().Drop();
+  return Imgbuf_New(whole, width, height, bitsPerPixel, 0);
 }
 
 void ClearPadding(const ImageRec& image) {

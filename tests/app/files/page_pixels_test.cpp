@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 namespace vorlane::files {
 namespace {
@@ -49,24 +50,43 @@ TEST(PagePixels, AreRefusedAsTheImageLibraryDoes) {
   EXPECT_EQ(image.rec()->pixels, nullptr);
 }
 
-int64_t ResidentMegabytes() {
-  int64_t all = 0;
+struct Megabytes {
+  int64_t mapped = 0;
   int64_t resident = 0;
-  std::ifstream("/proc/self/statm") >> all >> resident;
-  return resident * 4096 >> 20;
+};
+
+Megabytes Taken() {
+  Megabytes taken;
+  std::ifstream("/proc/self/statm") >> taken.mapped >> taken.resident;
+  return {taken.mapped * 4096 >> 20, taken.resident * 4096 >> 20};
 }
 
 TEST(PagePixels, KeepABoundedPart) {
-  const int64_t before = ResidentMegabytes();
+  const int64_t before = Taken().resident;
   {
     PagePixels images[6];
     for (PagePixels& image : images) {
       ASSERT_EQ(image.Make(6000, 2000, 24), 0);
       std::memset(image.rec()->pixels, 1, static_cast<size_t>(image.rec()->imageBytes));
     }
-    EXPECT_GE(ResidentMegabytes(), before + 190);
+    EXPECT_GE(Taken().resident, before + 190);
   }
-  EXPECT_LE(ResidentMegabytes(), before + 170);
+  EXPECT_LE(Taken().resident, before + 170);
+}
+
+TEST(PagePixels, MakeRoomWhereMemoryIsShort) {
+  {
+    PagePixels images[3];
+    for (PagePixels& image : images) ASSERT_EQ(image.Make(6000, 2000, 24), 0);
+  }
+  rlimit before{};
+  ASSERT_EQ(::getrlimit(RLIMIT_AS, &before), 0);
+  const rlimit low{static_cast<rlim_t>(Taken().mapped + 40) << 20, before.rlim_max};
+  ASSERT_EQ(::setrlimit(RLIMIT_AS, &low), 0);
+  PagePixels image;
+  const int32_t status = image.Make(6000, 5000, 24);
+  ASSERT_EQ(::setrlimit(RLIMIT_AS, &before), 0);
+  EXPECT_EQ(status, 0);
 }
 
 }  // namespace
