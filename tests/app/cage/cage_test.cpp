@@ -62,8 +62,8 @@ const std::map<std::string, long (*)()>& Forbidden() {
 }
 
 void Crash() {
-  volatile int* volatile nowhere = nullptr;  // unknown to the compiler
-  *nowhere = 1;
+  void* page = ::mmap(nullptr, 4096, PROT_NONE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  *static_cast<volatile char*>(page) = 1;
 }
 
 // Does what the file says.

@@ -177,6 +177,23 @@ class PdfTest(unittest.TestCase):
             done = self.straighten("scans.pdf", "-o", "o.pdf", "--overwrite", exit=3, **here)
             self.assertIn(words, done.stderr)
 
+    def test_the_helper_reaches_its_own_files_alone(self):
+        self.make_scans()
+        os.mkdir("bin")
+        here = {"env": {**os.environ, "PATH": os.path.abspath("bin")}}
+        connect = "import socket, sys\ntry: socket.socket()\nexcept OSError: sys.exit(1)"
+        for action in ("/bin/cat secret", "echo x > outside", "/bin/rm -f secret",
+                       f"/usr/bin/python3 -c '{connect}'"):
+            with open("bin/pdfimages", "w", encoding="ascii") as file:
+                file.write(f"#!/bin/sh\n{action} || exit 7\n")
+            os.chmod("bin/pdfimages", 0o755)
+            for sandbox, words in (("off", "took 0 pictures"), ("on", "exit code 7")):
+                with open("secret", "w", encoding="ascii") as file:
+                    file.write("secret")
+                done = self.straighten("scans.pdf", "-o", "o.pdf", "--overwrite", "--sandbox", sandbox,
+                                       exit=3, **here)
+                self.assertIn(words, done.stderr, (action, sandbox))
+
 
 if __name__ == "__main__":
     unittest.main(argv=sys.argv[:1] + sys.argv[2:])
