@@ -41,8 +41,8 @@ them even, half close to upright; steep ones 12 to 40. The pages depend on the s
 
 def _machine_line(facts):
     return (
-        "Measured on %(machine)s; commit %(commit)s, %(ours)s; seed %(seed)d, scale %(scale)g: "
-        "%(pages)d pages; %(peers)s.\n" % facts
+        "All tables are made by `scripts/accuracy --seed %(seed)d --scale %(scale)g` (%(pages)d pages), "
+        "here on %(machine)s; commit %(commit)s, %(ours)s; %(peers)s.\n" % facts
     )
 
 
