@@ -1,7 +1,6 @@
 #include "engine/evidence/page_levels.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 
 #include "engine/evidence/row_kernels.h"
@@ -9,25 +8,8 @@
 namespace vorlane::evidence {
 namespace {
 
-// The eight levels of a byte of a 1-bit row.
-constexpr auto kLevelsOfByte = [] {
-  std::array<std::array<uint8_t, 8>, 256> levels{};
-  for (size_t byte = 0; byte < 256; ++byte) {
-    for (size_t bit = 0; bit < 8; ++bit) levels[byte][bit] = (byte << bit & 0x80) != 0 ? 255 : 0;
-  }
-  return levels;
-}();
-
-void ExpandBits(const uint8_t* row, int32_t width, uint8_t* levels) {
-  int32_t x = 0;
-  for (; x + 8 <= width; x += 8) std::memcpy(levels + x, kLevelsOfByte[row[x >> 3]].data(), 8);
-  if (x < width) {
-    std::memcpy(levels + x, kLevelsOfByte[row[x >> 3]].data(), static_cast<size_t>(width - x));
-  }
-}
-
-// Adds rows up until a row of the reduced picture is complete: first neighbours within a row, two
-// and two, then rows.
+// Adds rows up until a row of the reduced picture is complete: first neighbours within a row, in
+// pairs, then rows.
 class Reducer {
  public:
   explicit Reducer(ReducedPicture* reduced) : reduced_(*reduced) {}
@@ -46,37 +28,14 @@ class Reducer {
     }
     if (rowOfSquare == 0) std::ranges::fill(sums_.span(), uint16_t{0});
     kernels_.addPairs(levels, pairs_, sums_.data());
-    if (rowOfSquare == (1 << reduced_.shift) - 1) Finish(RowOf(y >> reduced_.shift));
+    if (rowOfSquare < (1 << reduced_.shift) - 1) return;
+    kernels_.meansOf(sums_.data(), static_cast<size_t>(reduced_.width), reduced_.shift,
+                     RowOf(y >> reduced_.shift));
   }
 
  private:
   uint8_t* RowOf(int32_t y) {
     return reduced_.levels.data() + static_cast<size_t>(y) * static_cast<size_t>(reduced_.width);
-  }
-
-  template <int32_t kFactor>
-  void Collapse(uint8_t* out) const {
-    const uint16_t* sums = sums_.data();
-    for (int32_t x = 0; x < reduced_.width; ++x) {
-      uint32_t sum = kFactor * kFactor / 2;
-      for (int32_t i = 0; i < kFactor / 2; ++i) sum += sums[kFactor / 2 * x + i];
-      out[x] = static_cast<uint8_t>(sum / (kFactor * kFactor));
-    }
-  }
-
-  void Finish(uint8_t* out) const {
-    switch (reduced_.shift) {
-      case 1:
-        return Collapse<2>(out);
-      case 2:
-        return Collapse<4>(out);
-      case 3:
-        return Collapse<8>(out);
-      case 4:
-        return Collapse<16>(out);
-      default:
-        return Collapse<32>(out);
-    }
   }
 
   const RowKernels& kernels_ = BestRowKernels();
@@ -126,7 +85,7 @@ bool PageLevels::Make(const PictureView& picture) {
     uint8_t* levels = rows_[static_cast<size_t>(y)];
     switch (picture.depth) {
       case 1:
-        ExpandBits(row, picture.width, levels);
+        kernels.expandBits(row, width, levels);
         break;
       case 24:
         kernels.measureColours24(row, width, levels, brightness.data());

@@ -18,8 +18,15 @@ struct RowKernels {
   MeasureColours measureColours24;
   MeasureColours measureColours32;  // fourth bytes are not looked at
 
+  // The levels of a 1-bit row, the highest bit of a byte first: 255 for a set bit, 0 for others.
+  void (*expandBits)(const uint8_t* row, size_t pixels, uint8_t* levels);
+
   // sums[i] += levels[2i] + levels[2i + 1]
   void (*addPairs)(const uint8_t* levels, size_t pairs, uint16_t* sums);
+
+  // means[i] = the mean, rounded, of the 2^shift x 2^shift levels that the 2^(shift - 1) sums from
+  // i * 2^(shift - 1) on hold; shift 1..5.
+  void (*meansOf)(const uint16_t* sums, size_t count, int32_t shift, uint8_t* means);
 
   // sums[i] += counts[i]
   void (*addCounts)(const uint8_t* counts, size_t count, uint16_t* sums);

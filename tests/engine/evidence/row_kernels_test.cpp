@@ -68,6 +68,17 @@ TEST_P(RowKernelsTest, AddsPairsAndCountsAndSquaresSteps) {
   }
 }
 
+TEST_P(RowKernelsTest, ExpandsTheHighestBitFirst) {
+  for (size_t pixels = 0; pixels < 140; ++pixels) {
+    const std::vector<uint8_t> row = Levels((pixels + 7) / 8);
+    std::vector<uint8_t> levels(pixels);
+    kernels().expandBits(row.data(), pixels, levels.data());
+    for (size_t x = 0; x < pixels; ++x) {
+      ASSERT_EQ(levels[x], (row[x / 8] << x % 8 & 0x80) != 0 ? 255 : 0) << x << " of " << pixels;
+    }
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(Sets, RowKernelsTest,
                          testing::Values(InstructionSet::kScalar, InstructionSet::kAvx2));
 
