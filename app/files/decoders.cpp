@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <string_view>
 
 #include "app/files/bmp_reader.h"
 #include "app/files/jpeg_reader.h"
@@ -10,6 +11,7 @@
 #include "app/files/png_chunks.h"
 #include "app/files/png_reader.h"
 #include "app/files/pnm_reader.h"
+#include "app/files/source_stream.h"
 #include "app/files/tiff_reader.h"
 
 namespace vorlane::files {
@@ -24,6 +26,14 @@ bool IsPnm(const Head& head) {
 }
 
 bool IsJpeg(const Head& head) { return head[0] == 0xFF && head[1] == 0xD8 && head[2] == 0xFF; }
+
+bool IsPdf(const ByteSource& source) {
+  constexpr std::string_view kMark = "%PDF-";
+  std::array<uint8_t, 1024> head{};  // readers look for the mark as far
+  const size_t got = source.ReadAt(0, head);
+  const auto end = head.begin() + static_cast<ptrdiff_t>(got);
+  return std::search(head.begin(), end, kMark.begin(), kMark.end()) != end;
+}
 
 void CountTiffPages(const ByteSource& source, size_t most, FileContents* contents) {
   contents->tiffHeader = ReadTiffHeader(source).value();
@@ -57,7 +67,7 @@ FileContents OwnDecoders::Look(const ByteSource& source, const ReadLimits& limit
   const auto most = static_cast<size_t>(limits.mostPages);
   if (contents.kind == FileKind::kTiff) CountTiffPages(source, most, &contents);
   if (contents.kind == FileKind::kPdf) {
-    contents.pdfPages = LookAtPdf(source, most);
+    contents.pdfPages = LookAtPdf(StreamOf(source), most);
     contents.count = static_cast<int32_t>(contents.pdfPages.size());
   }
   return contents;

@@ -5,25 +5,10 @@
 #include <string>
 #include <vector>
 
+#include "app/files/common_metadata.h"
 #include "app/files/tiff_directory.h"
 
 namespace vorlane::files {
-
-using Bytes = std::vector<uint8_t>;
-
-// Pixels per inch, as exactly as the file says; 0: it does not say.
-struct Resolution {
-  double x = 0;
-  double y = 0;
-  bool isMetric = false;  // the file counts by the centimetre or metre
-};
-
-// A line of text under a keyword: those of PNG (Title, Author, Description, Copyright,
-// Creation Time, Software) and Comment.
-struct TextEntry {
-  std::string keyword;
-  std::string text;
-};
 
 // A chunk of a PNG file that is handed on as it is.
 struct PngChunk {

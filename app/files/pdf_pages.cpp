@@ -4,13 +4,11 @@
 #include <array>
 #include <cmath>
 #include <set>
-#include <string_view>
 
 #include <qpdf/QPDFMatrix.hh>
 #include <qpdf/QPDFPageDocumentHelper.hh>
 #include <qpdf/QPDFPageObjectHelper.hh>
 
-#include "app/files/errors.h"
 #include "app/files/pdf_document.h"
 
 namespace vorlane::files {
@@ -147,28 +145,18 @@ PdfPage LookAtPage(QPDFPageObjectHelper page) {
 
 }  // namespace
 
-bool IsPdf(const ByteSource& source) {
-  constexpr std::string_view kMark = "%PDF-";
-  std::array<uint8_t, 1024> head{};  // readers look for the mark as far
-  const size_t got = source.ReadAt(0, head);
-  const auto end = head.begin() + static_cast<ptrdiff_t>(got);
-  return std::search(head.begin(), end, kMark.begin(), kMark.end()) != end;
-}
-
-std::vector<PdfPage> LookAtPdf(const ByteSource& source, size_t most) {
-  const std::unique_ptr<QPDF> pdf = OpenPdf(source);
-  std::vector<PdfPage> pages;
-  try {
+std::vector<PdfPage> LookAtPdf(std::FILE* stream, size_t most) {
+  const std::unique_ptr<QPDF> pdf = OpenPdf(stream);
+  return WithPdfErrors<DecodeError>("is damaged: ", [&] {
+    std::vector<PdfPage> pages;
     for (QPDFPageObjectHelper& page : QPDFPageDocumentHelper(*pdf).getAllPages()) {
       if (pages.size() == most) {
         throw DecodeError("has more than the " + std::to_string(most) + " pages allowed");
       }
       pages.push_back(LookAtPage(page));
     }
-  } catch (const QPDFExc& error) {
-    throw DecodeError("is damaged: " + error.getMessageDetail());
-  }
-  return pages;
+    return pages;
+  });
 }
 
 }  // namespace vorlane::files

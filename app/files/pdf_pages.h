@@ -2,11 +2,11 @@
 #pragma once
 
 #include <cstdint>
+#include <cstdio>
 #include <string>
 #include <vector>
 
-#include "app/files/byte_source.h"
-#include "app/files/metadata.h"
+#include "app/files/common_metadata.h"
 
 namespace vorlane::files {
 
@@ -18,10 +18,8 @@ struct PdfPage {
   Resolution resolution;  // of the picture as it is stored
 };
 
-bool IsPdf(const ByteSource& source);
-
-// Looks at all pages; decodes nothing. Throws DecodeError when the file is damaged, asks for a
-// password or has more than `most` pages.
-std::vector<PdfPage> LookAtPdf(const ByteSource& source, size_t most);
+// Looks at all pages of a stream, which is closed; decodes nothing. Throws DecodeError when the
+// file is damaged, asks for a password or has more than `most` pages.
+std::vector<PdfPage> LookAtPdf(std::FILE* stream, size_t most);
 
 }  // namespace vorlane::files

@@ -13,7 +13,6 @@
 #include <qpdf/QPDFPageObjectHelper.hh>
 #include <qpdf/QPDFWriter.hh>
 
-#include "app/files/errors.h"
 #include "app/files/pdf_document.h"
 
 namespace vorlane::files {
@@ -73,14 +72,14 @@ class SpooledBytes : public Object::StreamDataProvider {
   size_t count_;
 };
 
-class FilePipe : public Pipeline {
+class SinkPipe : public Pipeline {
  public:
-  explicit FilePipe(PendingFile* file) : Pipeline("file", nullptr), file_(*file) {}
-  void write(const unsigned char* bytes, size_t count) override { file_.Append({bytes, count}); }
+  explicit SinkPipe(const PdfWriter::Sink& sink) : Pipeline("file", nullptr), sink_(sink) {}
+  void write(const unsigned char* bytes, size_t count) override { sink_(bytes, count); }
   void finish() override {}
 
  private:
-  PendingFile& file_;
+  const PdfWriter::Sink& sink_;
 };
 
 Object Number(double value) { return Object::newReal(value, 4); }
@@ -151,30 +150,30 @@ struct PdfWriter::Parts {
   std::vector<bool> hasCome;   // of these
   bool isNew = false;
 
-  void PutPicture(const EncodedPage& page, Object* to);
+  void PutPicture(const PdfPicture& picture, const Bytes& bytes, Object* to);
   void PutInformation(const PdfPicture& picture);
   void RemoveOthers();
 };
 
-PdfWriter::PdfWriter(const ByteSource* source) : parts_(std::make_unique<Parts>()) {
+PdfWriter::PdfWriter(std::FILE* source) : parts_(std::make_unique<Parts>()) {
   parts_->isNew = source == nullptr;
-  if (source == nullptr) {
+  if (parts_->isNew) {
     parts_->pdf = std::make_unique<QPDF>();
     parts_->pdf->emptyPDF();
     return;
   }
-  parts_->pdf = OpenPdf(*source);
-  QPDFPageDocumentHelper pages(*parts_->pdf);
-  pages.pushInheritedAttributesToPage();
-  parts_->former = parts_->pdf->getAllPages();
+  parts_->pdf = OpenPdf(source);
+  WithPdfErrors<DecodeError>("is damaged: ", [&] {
+    QPDFPageDocumentHelper(*parts_->pdf).pushInheritedAttributesToPage();
+    parts_->former = parts_->pdf->getAllPages();
+  });
   parts_->hasCome.resize(parts_->former.size());
 }
 
 PdfWriter::~PdfWriter() = default;
 
 // Makes the page one of this picture.
-void PdfWriter::Parts::PutPicture(const EncodedPage& page, Object* to) {
-  const PdfPicture& picture = page.pdf;
+void PdfWriter::Parts::PutPicture(const PdfPicture& picture, const Bytes& bytes, Object* to) {
   Object stream = Object::newStream(pdf.get());
   Object facts = stream.getDict();
   Object space = picture.coding == PdfCoding::kJpeg && picture.icc.empty()
@@ -188,7 +187,7 @@ void PdfWriter::Parts::PutPicture(const EncodedPage& page, Object* to) {
                    Object::newInteger(picture.coding == PdfCoding::kFax ? 1 : 8));
   facts.replaceKey("/ColorSpace", space.isNull() ? ColourSpace(pdf.get(), picture) : space);
   const Filter filter = FilterOf(picture);
-  stream.replaceStreamData(std::make_shared<SpooledBytes>(spool, page.bytes),
+  stream.replaceStreamData(std::make_shared<SpooledBytes>(spool, bytes),
                            Object::newName(filter.name), filter.parameters);
 
   const std::string wide = Number(picture.pointsWide).unparse();
@@ -218,22 +217,19 @@ void PdfWriter::Parts::PutInformation(const PdfPicture& picture) {
   pdf->getTrailer().replaceKey("/Info", pdf->makeIndirectObject(information));
 }
 
-void PdfWriter::Add(const EncodedPage& page) {
-  const PdfPicture& picture = page.pdf;
-  try {
+void PdfWriter::Add(const PdfPicture& picture, const Bytes& bytes) {
+  WithPdfErrors<FileError>("", [&] {
     if (parts_->isNew) {
       if (parts_->pdf->getAllPages().empty()) parts_->PutInformation(picture);
       Object made = Object::parse("<< /Type /Page >>");
-      parts_->PutPicture(page, &made);
+      parts_->PutPicture(picture, bytes, &made);
       parts_->pdf->addPage(parts_->pdf->makeIndirectObject(made), false);
       return;
     }
     const auto index = static_cast<size_t>(picture.number) - 1;
     parts_->hasCome.at(index) = true;
-    if (!picture.isKept) parts_->PutPicture(page, &parts_->former.at(index));
-  } catch (const QPDFExc& error) {
-    throw FileError(error.getMessageDetail());
-  }
+    if (!picture.isKept) parts_->PutPicture(picture, bytes, &parts_->former.at(index));
+  });
 }
 
 // Labels stand by the pages' places: those that stay keep theirs.
@@ -263,19 +259,17 @@ void PdfWriter::Parts::RemoveOthers() {
   pdf->getRoot().replaceKey("/PageLabels", tree);
 }
 
-void PdfWriter::Finish(PendingFile* file) {
-  try {
+void PdfWriter::Finish(const Sink& sink) {
+  WithPdfErrors<FileError>("", [&] {
     if (!parts_->isNew) parts_->RemoveOthers();
-    FilePipe pipe(file);
+    SinkPipe pipe(sink);
     QPDFWriter writer(*parts_->pdf);
     writer.setOutputPipeline(&pipe);
     writer.setStreamDataMode(qpdf_s_preserve);
     // The same pages give the same file, but for encrypted ones.
     if (!parts_->pdf->isEncrypted()) writer.setDeterministicID(true);
     writer.write();
-  } catch (const QPDFExc& error) {
-    throw FileError(error.getMessageDetail());
-  }
+  });
 }
 
 }  // namespace vorlane::files

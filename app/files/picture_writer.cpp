@@ -6,6 +6,7 @@
 #include "app/files/pdf_encoder.h"
 #include "app/files/plain_encoders.h"
 #include "app/files/png_encoder.h"
+#include "app/files/source_stream.h"
 #include "app/files/tiff_encoder.h"
 
 namespace vorlane::files {
@@ -97,7 +98,8 @@ PictureWriter::PictureWriter(const std::string& path, FileFormat format, Replaci
       chain_(source != nullptr && NeedsBigTiff(*source)) {
   if (format != FileFormat::kPdf) return;
   try {
-    pdf_.emplace(source != nullptr ? source->pdf() : nullptr);
+    const ByteSource* pdf = source != nullptr ? source->pdf() : nullptr;
+    pdf_.emplace(pdf != nullptr ? StreamOf(*pdf) : nullptr);
   } catch (const DecodeError& error) {
     throw FileError(source->name() + ": " + error.what());
   }
@@ -105,7 +107,7 @@ PictureWriter::PictureWriter(const std::string& path, FileFormat format, Replaci
 
 void PictureWriter::Add(EncodedPage page) {
   if (pdf_) {
-    pdf_->Add(page);
+    pdf_->Add(page.pdf, page.bytes);
     return;
   }
   if (format_ != FileFormat::kTiff) {
@@ -120,7 +122,9 @@ void PictureWriter::Add(EncodedPage page) {
 }
 
 void PictureWriter::Commit() {
-  if (pdf_) pdf_->Finish(&file_);
+  if (pdf_) {
+    pdf_->Finish([this](const uint8_t* bytes, size_t count) { file_.Append({bytes, count}); });
+  }
   file_.Commit();
 }
 
