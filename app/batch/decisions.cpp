@@ -192,7 +192,7 @@ bool ReadLines(const std::string& path, const LineTaker& take) {
   for (int64_t number = 1; std::getline(stream, line); ++number) {
     if (line.empty()) continue;
     try {
-      const Json object = Json::parse(line);
+      const Json object = ParseLine(line);
       if (!object.is_object()) throw LineError{"is no JSON object"};
       take(object, number);
     } catch (const Json::parse_error& error) {

@@ -71,7 +71,7 @@ bool IsOfSameFile(const JournalEntry& a, const JournalEntry& b) {
 
 bool ReadJournalLine(std::string_view line, std::string* file, JournalEntry* entry) {
   try {
-    const auto object = nlohmann::ordered_json::parse(line);
+    const auto object = ParseLine(line);
     *file = TakeName("file", object);
     TakeFields(object, entry);
   } catch (const nlohmann::ordered_json::exception&) {

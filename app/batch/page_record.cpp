@@ -98,4 +98,12 @@ std::string Dump(const nlohmann::ordered_json& object) {
   return object.dump(-1, ' ', true, nlohmann::ordered_json::error_handler_t::replace);
 }
 
+nlohmann::ordered_json ParseLine(std::string_view line) {
+  constexpr int kDeepest = 32;
+  const auto isShallow = [](int depth, auto /*event*/, const auto& /*value*/) {
+    return depth <= kDeepest;
+  };
+  return nlohmann::ordered_json::parse(line, isShallow);
+}
+
 }  // namespace vorlane::batch

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <nlohmann/json.hpp>
@@ -63,6 +64,11 @@ std::string TakeName(const std::string& key, const nlohmann::ordered_json& objec
 
 // One line of JSON that nothing can act in.
 std::string Dump(const nlohmann::ordered_json& object);
+
+// Reads a line of a journal or report, whoever wrote it. Throws nlohmann::json::exception when it
+// is no JSON. Values nested deeper than any of ours are left out: to write them again would take as
+// many calls within each other.
+nlohmann::ordered_json ParseLine(std::string_view line);
 
 const char* NameOf(PageFate fate);
 const char* ResultName(const PageRecord& record);

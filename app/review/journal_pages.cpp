@@ -95,7 +95,7 @@ JournalPages ReadJournalPages(const std::string& path, Sureness most) {
   }
   Collector collector;
   for (const std::string& whole : lines) {
-    const Json line = Json::parse(whole);
+    const Json line = batch::ParseLine(whole);
     const Sureness sureness = SurenessOf(line);
     if (sureness <= most) collector.Add(line, sureness);
   }
