@@ -1,9 +1,5 @@
 #include "fuzz_files.h"
 
-#include <unistd.h>
-
-#include <sys/mman.h>
-
 #include "app/files/errors.h"
 #include "app/files/picture_writer.h"
 #include "fuzz_input.h"
@@ -49,14 +45,6 @@ void TakePage(const files::Page& page) {
           "a resolution is a number, and not negative");
   std::vector<std::string> notes;
   Attempt([&] { files::EncodePage(page.coding.format, image, page, {}, &notes); });
-}
-
-int PutFile(std::span<const uint8_t> bytes) {
-  static const int file = memfd_create("file", 0);
-  const auto length = static_cast<ssize_t>(bytes.size());
-  Require(ftruncate(file, 0) == 0 && pwrite(file, bytes.data(), bytes.size(), 0) == length,
-          "there is memory for a file");
-  return file;
 }
 
 }  // namespace vorlane::fuzz

@@ -22,7 +22,4 @@ void Attempt(const std::function<void()>& work);
 // library's check passes, or the reason why there is none. Then stores it as it was stored.
 void TakePage(const files::Page& page);
 
-// A file of exactly these bytes in memory, until the next call; its descriptor.
-int PutFile(std::span<const uint8_t> bytes);
-
 }  // namespace vorlane::fuzz

@@ -2,6 +2,7 @@
 // are taken out by another program, whose files the readers of TIFF and JPEG take.
 #include "app/files/pdf_pages.h"
 #include "app/files/pdf_writer.h"
+#include "app/files/source_stream.h"
 #include "fuzz_files.h"
 #include "fuzz_input.h"
 
@@ -11,8 +12,8 @@ namespace {
 
 constexpr size_t kMostPages = 8;
 
-void Rewrite(int file, size_t pages) {
-  files::PdfWriter writer(file);
+void Rewrite(const files::ByteSource& file, size_t pages) {
+  files::PdfWriter writer(files::StreamOf(file));
   files::PdfPicture picture;
   picture.number = 1;
   picture.width = 8;
@@ -34,9 +35,9 @@ void Rewrite(int file, size_t pages) {
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
-  const int file = fuzz::PutFile({data, size});
+  const files::MemorySource file(std::span(data, size));
   fuzz::Attempt([&] {
-    const std::vector<files::PdfPage> pages = files::LookAtPdf(file, kMostPages);
+    const std::vector<files::PdfPage> pages = files::LookAtPdf(files::StreamOf(file), kMostPages);
     vorlanepic::fuzz::Require(!pages.empty() && pages.size() <= kMostPages,
                               "a file has as many pages as are allowed");
     for (const files::PdfPage& page : pages) {

@@ -103,7 +103,7 @@ CallFilter CallFilter::ForDecoders() {
   // A signal to itself alone, as abort sends it; no other process has its number.
   const auto self = static_cast<scmp_datum_t>(::getpid());
   Check(seccomp_rule_add(context.get(), SCMP_ACT_ALLOW, SCMP_SYS(tgkill), 1,
-                         SCMP_A0(SCMP_CMP_EQ, self)));
+                         SCMP_A0(SCMP_CMP_EQ, self, 0)));
   return CallFilter(ProgramOf(context));
 }
 
