@@ -17,6 +17,7 @@
 #include <sys/resource.h>
 
 #include "app/batch/batch.h"
+#include "app/batch/freed_memory.h"
 #include "app/commands/engine_service.h"
 #include "app/files/picture_file.h"
 #include "app/files/picture_writer.h"
@@ -188,6 +189,7 @@ void CompareSandbox(const Kind& kind, double megapixels, int32_t count, int32_t 
 }
 
 void CompareAll(bool isBrief, bool isOfSandbox) {
+  batch::KeepFreedMemory();  // for the codecs alone as well
   std::string folder = (fs::temp_directory_path() / "vorlane-batch-XXXXXX").native();
   if (::mkdtemp(folder.data()) == nullptr) throw std::runtime_error("no temporary folder");
   if (isOfSandbox) {
@@ -204,7 +206,7 @@ void CompareAll(bool isBrief, bool isOfSandbox) {
     if (isOfSandbox) {
       CompareSandbox(kind, megapixels, isBrief ? 2 : 24, isBrief ? 1 : 8, folder);
     } else {
-      Compare(kind, megapixels, isBrief ? 2 : 8, isBrief ? 1 : 5, folder);
+      Compare(kind, megapixels, isBrief ? 2 : 16, isBrief ? 1 : 5, folder);
     }
   }
   std::printf("\n");

@@ -13,6 +13,7 @@
 #include "app/batch/decoder_choice.h"
 #include "app/batch/exit_codes.h"
 #include "app/batch/folder_lock.h"
+#include "app/batch/freed_memory.h"
 #include "app/batch/input_work.h"
 #include "app/batch/plan.h"
 #include "app/batch/printable_name.h"
@@ -97,6 +98,7 @@ class Run {
   }
 
   void WorkAll() {
+    KeepFreedMemory();
     std::vector<std::thread> threads;
     const size_t jobs = std::max<size_t>(JobsFor(request_), 1);
     for (size_t i = 1; i < jobs; ++i) threads.emplace_back([this] { WorkOn(); });
