@@ -84,7 +84,8 @@ int32_t MakeWhole(int32_t width, int32_t height, int32_t bitsPerPixel, ImageRec*
 }
 
 void ClearPadding(const ImageRec& image) {
-  const size_t rowBytes = static_cast<size_t>(image.width) * (image.bitsPerPixel / 8U);
+  const size_t rowBytes =
+      static_cast<size_t>(image.width) * static_cast<size_t>(image.bitsPerPixel / 8);
   const size_t padding = static_cast<size_t>(image.lineBytes) - rowBytes;
   for (int32_t y = 0; y < image.height; ++y) std::memset(image.rows[y] + rowBytes, 0, padding);
 }

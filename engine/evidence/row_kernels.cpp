@@ -152,7 +152,7 @@ constexpr RowKernels kAvx2 = {MeasureColours24Avx2, MeasureColours32Avx2, Expand
 
 }  // namespace
 
-const RowKernels& RowKernelsFor(InstructionSet set) {
+const RowKernels& RowKernelsFor([[maybe_unused]] InstructionSet set) {
 #if defined(VORLANEPIC_X86)
   if (set >= InstructionSet::kAvx2) return kAvx2;
 #endif
