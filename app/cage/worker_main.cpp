@@ -98,6 +98,7 @@ class Worker {
       admitted = width * height;
     };
     files::Page page;
+    page.image.MakeIn([this](size_t bytes) { return HasRoom(bytes) ? arena_->data() : nullptr; });
     decoders_.Decode(source, question.place, limits, &page);
     SendPage(page);
   }
@@ -107,13 +108,15 @@ class Worker {
     return channel_.Receive(kMostAsked, false).kind;
   }
 
+  bool HasRoom(size_t bytes) {
+    return bytes <= arena_->size() || (Ask(kRoom, NumbersOf(bytes)) == kYes && arena_->Map(bytes));
+  }
+
   void SendPage(const files::Page& page) {
     const ImageRec& image = *page.image.rec();
     const auto bytes = static_cast<size_t>(image.imageBytes);
-    const bool isShared =
-        bytes <= arena_->size() || (Ask(kRoom, NumbersOf(bytes)) == kYes && arena_->Map(bytes));
-    if (isShared) {
-      std::copy_n(image.pixels, bytes, arena_->data());
+    if (HasRoom(bytes)) {
+      if (image.pixels != arena_->data()) std::copy_n(image.pixels, bytes, arena_->data());
       channel_.Send(kPage, BytesOf(page));
     } else {
       channel_.Send(kPageWithPixels, BytesOf(page));

@@ -95,15 +95,39 @@ void ClearPadding(const ImageRec& image) {
 PagePixels& PagePixels::operator=(PagePixels&& other) noexcept {
   std::swap(rec_, other.rec_);
   std::swap(whole_, other.whole_);
+  std::swap(place_, other.place_);
+  std::swap(placedRows_, other.placedRows_);
   return *this;
 }
 
 PagePixels::~PagePixels() {
   if (whole_.pixels != nullptr) {
     Idle().Give(whole_);
-  } else if (rec_.pixels != nullptr) {
+  } else if (rec_.pixels != nullptr && placedRows_.empty()) {
     (void)Imgbuf_Destory(&rec_);
   }
+}
+
+bool PagePixels::LayInPlace(const ImageRec& shape) {
+  uint8_t* pixels = place_ ? place_(static_cast<size_t>(shape.imageBytes)) : nullptr;
+  if (pixels == nullptr) return false;
+  placedRows_.resize(static_cast<size_t>(shape.height));
+  rec_ = shape;
+  rec_.pixels = pixels;
+  vorlanepic::frame::LayRows(placedRows_.data(), &rec_);
+  return true;
+}
+
+int32_t PagePixels::LayInKept(const ImageRec& shape) {
+  whole_ = Idle().Take(shape.imageBytes, shape.height);
+  if (whole_.pixels == nullptr) {
+    const int32_t status = MakeWhole(shape.width, shape.height, shape.bitsPerPixel, &whole_);
+    if (status != STATUS_OK) return status;
+  }
+  rec_ = shape;
+  rec_.pixels = whole_.pixels;
+  vorlanepic::frame::LayRows(whole_.rows, &rec_);
+  return STATUS_OK;
 }
 
 int32_t PagePixels::Make(int32_t width, int32_t height, int32_t bitsPerPixel) {
@@ -111,19 +135,14 @@ int32_t PagePixels::Make(int32_t width, int32_t height, int32_t bitsPerPixel) {
   const bool isKept = (bitsPerPixel == 8 || bitsPerPixel == 24) && width > 0 && height > 0 &&
                       lineBytes <= INT32_MAX / int64_t{height} && lineBytes * height >= kLeastBytes;
   if (!isKept) return Imgbuf_New(&rec_, width, height, bitsPerPixel, 0);
-  whole_ = Idle().Take(lineBytes * height, height);
-  if (whole_.pixels == nullptr) {
-    const int32_t status = MakeWhole(width, height, bitsPerPixel, &whole_);
-    if (status != STATUS_OK) return status;
-  }
-  rec_ = {width,
-          height,
-          bitsPerPixel,
-          static_cast<int32_t>(lineBytes * height),
-          static_cast<int32_t>(lineBytes),
-          nullptr,
-          whole_.pixels};
-  vorlanepic::frame::LayRows(whole_.rows, &rec_);
+  const ImageRec shape = {width,
+                          height,
+                          bitsPerPixel,
+                          static_cast<int32_t>(lineBytes * height),
+                          static_cast<int32_t>(lineBytes),
+                          nullptr,
+                          nullptr};
+  if (const int32_t status = LayInPlace(shape) ? STATUS_OK : LayInKept(shape)) return status;
   ClearPadding(rec_);
   return STATUS_OK;
 }
