@@ -2,6 +2,7 @@
 
 #include <csignal>
 #include <cstdio>
+#include <exception>
 #include <pthread.h>
 #include <unistd.h>
 #include <utility>
@@ -22,10 +23,16 @@ sigset_t Signals() {
 StopSignals::StopSignals(std::function<void()> onStop) : onStop_(std::move(onStop)) {
   const sigset_t signals = Signals();
   (void)pthread_sigmask(SIG_BLOCK, &signals, nullptr);
-  waiter_ = std::thread([this] { Wait(); });
+  try {
+    waiter_ = std::thread([this] { Wait(); });
+  } catch (const std::exception&) {
+    // Without a thread that waits for them they end the run at once, as they end any program.
+    (void)pthread_sigmask(SIG_UNBLOCK, &signals, nullptr);
+  }
 }
 
 StopSignals::~StopSignals() {
+  if (!waiter_.joinable()) return;
   isOver_ = true;
   (void)pthread_kill(waiter_.native_handle(), SIGUSR1);
   waiter_.join();
