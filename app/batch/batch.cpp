@@ -5,7 +5,9 @@
 #include <filesystem>
 #include <memory>
 #include <mutex>
+#include <new>
 #include <optional>
+#include <system_error>
 #include <thread>
 #include <utility>
 #include <vector>
@@ -97,11 +99,17 @@ class Run {
                        JobsFor(request_));
   }
 
+  // On as many threads as there are to be had; the caller's is one of them.
   void WorkAll() {
     KeepFreedMemory();
-    std::vector<std::thread> threads;
     const size_t jobs = std::max<size_t>(JobsFor(request_), 1);
-    for (size_t i = 1; i < jobs; ++i) threads.emplace_back([this] { WorkOn(); });
+    std::vector<std::thread> threads;
+    try {
+      threads.reserve(jobs - 1);
+      while (threads.size() < jobs - 1) threads.emplace_back([this] { WorkOn(); });
+    } catch (const std::system_error&) {  // NOLINT(bugprone-empty-catch): no thread to be had
+    } catch (const std::bad_alloc&) {     // NOLINT(bugprone-empty-catch): no room for a thread
+    }
     WorkOn();
     for (std::thread& thread : threads) thread.join();
   }
@@ -165,12 +173,12 @@ class Run {
   int ExitFor(int signal, int least) const {
     if (!end_.empty()) Say(end_);
     if (reporter_.isBroken()) Say("the report cannot be written to the output");
-    if (queue_.isStopped()) Say(StopWords());
+    const bool isComplete = reporter_.finished() == plan_.inputs.files.size();
+    if (queue_.isStopped() || !isComplete) Say(StopWords());
     if (signal != 0) return kExitSignal + signal;
     const Tally& tally = reporter_.tally();
-    if (!end_.empty() || reporter_.isBroken() || tally.errors > 0 || tally.noOverlay > 0) {
-      return kExitFiles;
-    }
+    const bool isTold = isComplete && end_.empty() && !reporter_.isBroken();
+    if (!isTold || tally.errors > 0 || tally.noOverlay > 0) return kExitFiles;
     const bool isMeasured = request_.output.empty();
     const bool areLeft = tally.left + tally.refused > 0 && (request_.isStrict || isMeasured);
     return std::max<int>(least, areLeft ? kExitPagesLeft : kExitAllDone);

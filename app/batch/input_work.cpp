@@ -206,22 +206,28 @@ void InputWork::Work(int32_t number) {
   }
 }
 
+// What fails while a page is delivered ends the run: it may be told by then.
 void InputWork::WorkPage(int32_t number) {
+  std::optional<DonePage> done;
   std::string words;
   try {
-    const std::string failure = shared_ ? shared_->failure() : "";
-    if (!failure.empty()) throw files::FileError(failure);
-    Share share;
-    const files::Page page = Read(number, &share);
-    const Clock::time_point start = Clock::now();
-    PageOutcome outcome = page.noPicture.empty() ? run_->page(page) : NoPictureOutcome(page);
-    outcome.milliseconds = std::chrono::duration<double, std::milli>(Clock::now() - start).count();
-    Finish(page, std::move(outcome), std::move(share));
-    return;
+    done = MakePage(number);
   } catch (const std::exception& error) {
     words = error.what();
   }
-  Deliver(number, {ErrorRecord(number, words), KeptDamaged(number), {}});
+  if (!done) done = DonePage{ErrorRecord(number, words), KeptDamaged(number), {}};
+  Deliver(number, *std::move(done));
+}
+
+DonePage InputWork::MakePage(int32_t number) {
+  const std::string failure = shared_ ? shared_->failure() : "";
+  if (!failure.empty()) throw files::FileError(failure);
+  Share share;
+  const files::Page page = Read(number, &share);
+  const Clock::time_point start = Clock::now();
+  PageOutcome outcome = page.noPicture.empty() ? run_->page(page) : NoPictureOutcome(page);
+  outcome.milliseconds = std::chrono::duration<double, std::milli>(Clock::now() - start).count();
+  return Finish(page, std::move(outcome), std::move(share));
 }
 
 // A page that cannot be read stays where it can be handed on unread: from PDF to PDF.
@@ -248,24 +254,23 @@ void InputWork::WorkSet() {
   }
   for (size_t i = 0; i < todo_.size(); ++i) {
     if (words.empty()) {
-      FinishOrFail(pages[i], std::move(outcomes[i]));
+      Deliver(todo_[i], FinishOrFail(pages[i], std::move(outcomes[i])));
     } else {
       Deliver(todo_[i], {ErrorRecord(todo_[i], words), std::nullopt, {}});
     }
   }
 }
 
-void InputWork::FinishOrFail(const files::Page& page, PageOutcome outcome) {
+DonePage InputWork::FinishOrFail(const files::Page& page, PageOutcome outcome) {
   try {
-    Finish(page, std::move(outcome), {});
-    return;
+    return Finish(page, std::move(outcome), {});
   } catch (const std::exception& error) {
-    Deliver(page.number, {ErrorRecord(page.number, error.what()), std::nullopt, {}});
+    return {ErrorRecord(page.number, error.what()), std::nullopt, {}};
   }
 }
 
 // Writes what becomes of a page and its overlay.
-void InputWork::Finish(const files::Page& page, PageOutcome outcome, Share share) {
+DonePage InputWork::Finish(const files::Page& page, PageOutcome outcome, Share share) {
   DonePage done{RecordOf(page, &outcome), std::nullopt, std::move(share)};
   PageRecord* record = &done.record;
   const bool isDone =
@@ -280,7 +285,7 @@ void InputWork::Finish(const files::Page& page, PageOutcome outcome, Share share
     WriteAlone(page, outcome, record);
   }
   if (done.page) done.share.Park(static_cast<int64_t>(done.page->bytes.size()));
-  Deliver(page.number, std::move(done));
+  return done;
 }
 
 PageRecord InputWork::RecordOf(const files::Page& page, PageOutcome* outcome) const {

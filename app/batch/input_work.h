@@ -47,8 +47,9 @@ class InputWork {
   void WorkPage(int32_t number);
   std::optional<files::EncodedPage> KeptDamaged(int32_t number) const;
   void WorkSet();
-  void Finish(const files::Page& page, PageOutcome outcome, Share share);
-  void FinishOrFail(const files::Page& page, PageOutcome outcome);
+  DonePage MakePage(int32_t number);
+  DonePage Finish(const files::Page& page, PageOutcome outcome, Share share);
+  DonePage FinishOrFail(const files::Page& page, PageOutcome outcome);
 
   files::EncodedPage Encode(const std::string& path, const files::Page& page,
                             const PageOutcome& outcome, PageRecord* record) const;

@@ -1,5 +1,6 @@
 #include "app/batch/shared_file.h"
 
+#include <exception>
 #include <utility>
 
 #include "app/batch/page_output.h"
@@ -30,7 +31,7 @@ void SharedFile::Append(DonePage* page) {
                         files::Durability::kSynced, request_.source);
       }
       writer_->Add(std::move(*page->page));
-    } catch (const files::FileError& error) {
+    } catch (const std::exception& error) {
       failure_ = error.what();
       writer_.reset();
     }
