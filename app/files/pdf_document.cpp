@@ -1,5 +1,8 @@
 #include "app/files/pdf_document.h"
 
+#include <new>
+#include <string>
+
 namespace vorlane::files {
 
 std::unique_ptr<QPDF> OpenPdf(std::FILE* stream) {
@@ -14,7 +17,16 @@ std::unique_ptr<QPDF> OpenPdf(std::FILE* stream) {
     }
     if (pdf->getAllPages().empty()) throw DecodeError("holds no pages");
   });
+  RefuseForgottenObjects(pdf.get());
   return pdf;
+}
+
+void RefuseForgottenObjects(QPDF* pdf) {
+  for (const QPDFExc& warning : pdf->getWarnings()) {
+    const bool isForgotten =
+        warning.getMessageDetail().find(std::bad_alloc().what()) != std::string::npos;
+    if (isForgotten) throw std::bad_alloc();
+  }
 }
 
 }  // namespace vorlane::files

@@ -38,4 +38,8 @@ auto WithPdfErrors(const char* words, const Work& work) {
   }
 }
 
+// Throws std::bad_alloc where memory ran out while the library read an object: it takes such an
+// object for damaged and goes on without it.
+void RefuseForgottenObjects(QPDF* pdf);
+
 }  // namespace vorlane::files

@@ -155,6 +155,7 @@ std::vector<PdfPage> LookAtPdf(std::FILE* stream, size_t most) {
       }
       pages.push_back(LookAtPage(page));
     }
+    RefuseForgottenObjects(pdf.get());
     return pages;
   });
 }

@@ -269,6 +269,7 @@ void PdfWriter::Finish(const Sink& sink) {
     // The same pages give the same file, but for encrypted ones.
     if (!parts_->pdf->isEncrypted()) writer.setDeterministicID(true);
     writer.write();
+    RefuseForgottenObjects(parts_->pdf.get());
   });
 }
 
