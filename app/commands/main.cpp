@@ -1,8 +1,11 @@
 // The command vorlane: straightens, crops and measures scanned pages in files.
 #include <csignal>
 #include <cstdio>
+#include <cstdlib>
 #include <exception>
 #include <new>
+#include <string_view>
+#include <unistd.h>
 
 #include "app/batch/exit_codes.h"
 #include "app/batch/printable_name.h"
@@ -37,9 +40,28 @@ int RunGuarded(int argc, char** argv) {
   return batch::kExitFiles;
 }
 
+// Memory can run out where no exception may pass: JSON asks for some while it is released, and
+// folders are listed by functions that throw nothing. No file has its name before it is whole, so
+// that the run can end there.
+thread_local bool hasRunOutOfMemory = false;
+
+void NoteLackOfMemory() {
+  hasRunOutOfMemory = true;
+  throw std::bad_alloc();
+}
+
+[[noreturn]] void EndForWantOfMemory() {
+  if (!hasRunOutOfMemory) std::abort();  // a fault of the program
+  constexpr std::string_view kWords = "vorlane: there is not enough memory\n";
+  (void)!::write(STDERR_FILENO, kWords.data(), kWords.size());
+  ::_exit(batch::kExitFiles);
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
+  (void)std::set_new_handler(NoteLackOfMemory);
+  (void)std::set_terminate(EndForWantOfMemory);
   batch::SecureStandardStreams();
   TakeWriteErrorsAsResults();
   // Its messages name its own functions; ours name the file.
