@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <fcntl.h>
 #include <memory>
 #include <numeric>
 
@@ -61,8 +62,13 @@ struct MemoryFile {
   static toff_t Size(thandle_t handle) { return static_cast<MemoryFile*>(handle)->bytes.size(); }
 };
 
+// Pages are written by then. Of a page that could not be, the library would write what is missing,
+// from tables that it may have found no memory for.
 struct TiffRelease {
-  void operator()(TIFF* tiff) const { TIFFClose(tiff); }
+  void operator()(TIFF* tiff) const {
+    (void)TIFFSetMode(tiff, O_RDONLY);
+    TIFFClose(tiff);
+  }
 };
 using TiffPtr = std::unique_ptr<TIFF, TiffRelease>;
 
