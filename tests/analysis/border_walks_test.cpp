@@ -125,7 +125,7 @@ TYPED_TEST(BorderWalksTest, ColumnsMeetTheBorderWhereThePlainWalksDo) {
 // Comments: rounds as they are met from the left | from the right.
 TEST(BitWalks, StepOverZeroBytesAndStopBehindARun) {
   struct Case {
-    std::vector<uint8_t> bytes;
+    std::vector<uint8_t> row;
     int32_t width;
     int32_t run;
     int32_t left;
@@ -149,9 +149,10 @@ TEST(BitWalks, StepOverZeroBytesAndStopBehindARun) {
       // (0, 1) | (1, 0): the points are the columns outside the image
       {{0xFF}, 2, 2, 2, -1},
   };
-  for (const auto& [bytes, width, run, left, right] : cases) {
+  for (const auto& [row, width, run, left, right] : cases) {
+    const GuardedBytes bytes(row.begin(), row.end());
     const frame::PixelRect band{0, width - 1, 0, 0};
-    SCOPED_TRACE(::testing::PrintToString(bytes));
+    SCOPED_TRACE(::testing::PrintToString(row));
     EXPECT_EQ(PlainWalkFromLeft<Bit1>(bytes.data(), band, {}, run), left);
     EXPECT_EQ(WalkFromLeft<Bit1>(bytes.data(), band, {}, run), left);
     EXPECT_EQ(PlainWalkFromRight<Bit1>(bytes.data(), band, {}, run), right);
