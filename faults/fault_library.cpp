@@ -9,7 +9,10 @@
 #include <dirent.h>
 #include <dlfcn.h>
 #include <fcntl.h>
+#include <iterator>
+#include <link.h>
 #include <pthread.h>
+#include <string_view>
 #include <unistd.h>
 
 #include <sys/mman.h>
@@ -44,9 +47,12 @@ long System(long number, Arguments... arguments) {
   return syscall(number, arguments...);
 }
 
+// Programs of others that the command starts are left alone.
+bool IsOurs() { return std::string_view(program_invocation_short_name).starts_with("vorlane"); }
+
 void OpenRecord() {
   const char* path = std::getenv("VORLANE_FAULTS");
-  if (path == nullptr) return;
+  if (path == nullptr || !IsOurs()) return;
   const long handle = System(SYS_openat, AT_FDCWD, path, O_RDWR | O_CLOEXEC);
   const long mapped = System(SYS_mmap, nullptr, sizeof(FaultRecord), PROT_READ | PROT_WRITE,
                              MAP_SHARED, handle, 0L);
@@ -55,11 +61,45 @@ void OpenRecord() {
   record = reinterpret_cast<FaultRecord*>(mapped);
 }
 
-// Counts a call and tells whether it is to fail.
-bool Strikes(Call call, size_t bytes = 0) {
+// Libraries that do not survive what is done here, so that nothing would be learnt of us:
+// libseccomp 2.5 frees twice or loops when a filter finds no room, OpenSSL 3.0 uses locks that its
+// beginning could not make. Both ask for little, and once.
+constexpr std::string_view kSpared[] = {"/libseccomp.so", "/libcrypto.so"};
+
+// Where their code lies.
+struct Range {
+  uintptr_t first;
+  uintptr_t end;
+};
+Range spared[std::size(kSpared)];
+
+int FindSpared(dl_phdr_info* library, size_t /*bytes*/, void* /*unused*/) {
+  const std::string_view name = library->dlpi_name;
+  for (size_t i = 0; i < std::size(kSpared); ++i) {
+    if (name.find(kSpared[i]) == std::string_view::npos) continue;
+    for (int part = 0; part < library->dlpi_phnum; ++part) {
+      const ElfW(Phdr)& header = library->dlpi_phdr[part];
+      if (header.p_type != PT_LOAD || (header.p_flags & PF_X) == 0) continue;
+      const uintptr_t first = library->dlpi_addr + header.p_vaddr;
+      spared[i] = {first, first + header.p_memsz};
+    }
+  }
+  return 0;
+}
+
+bool IsSpared(const void* caller) {
+  const auto from = reinterpret_cast<uintptr_t>(caller);
+  for (const Range& range : spared) {
+    if (from >= range.first && from < range.end) return true;
+  }
+  return false;
+}
+
+// Counts a call and tells whether it is to fail. `caller` is where the call returns to.
+bool Strikes(Call call, size_t bytes = 0, const void* caller = nullptr) {
   FaultRecord& faults = *record;
   const Mode mode = faults.mode;
-  if (mode == Mode::kIdle || !isInMain) return false;
+  if (mode == Mode::kIdle || !isInMain || IsSpared(caller)) return false;
   const int64_t place = faults.seen[static_cast<int32_t>(call)]++;
   const auto size = static_cast<int64_t>(bytes);
   for (int64_t old = faults.largest; size > old;) {
@@ -103,6 +143,7 @@ int OpenAt(int folder, const char* path, int flags, va_list rest) {
 int (*realMain)(int, char**, char**) = nullptr;
 
 int MainWithFaults(int argc, char** argv, char** environment) {
+  dl_iterate_phdr(FindSpared, nullptr);
   isInMain = true;
   const int exit = realMain(argc, argv, environment);
   isInMain = false;
@@ -129,20 +170,25 @@ int __libc_start_main(int (*main)(int, char**, char**), int argc, char** argv, v
 }
 
 void* malloc(size_t bytes) {
-  return Strikes(Call::kMalloc, bytes) ? NoMemory() : Counted(__libc_malloc(bytes));
+  return Strikes(Call::kMalloc, bytes, __builtin_return_address(0)) ? NoMemory()
+                                                                    : Counted(__libc_malloc(bytes));
 }
 void* calloc(size_t count, size_t bytes) {
-  return Strikes(Call::kCalloc, count * bytes) ? NoMemory() : Counted(__libc_calloc(count, bytes));
+  return Strikes(Call::kCalloc, count * bytes, __builtin_return_address(0))
+             ? NoMemory()
+             : Counted(__libc_calloc(count, bytes));
 }
 void* realloc(void* block, size_t bytes) {
-  if (Strikes(Call::kRealloc, bytes)) return NoMemory();
+  if (Strikes(Call::kRealloc, bytes, __builtin_return_address(0))) return NoMemory();
   void* moved = __libc_realloc(block, bytes);
   if (block == nullptr) return Counted(moved);
   if (moved == nullptr && bytes == 0 && isInMain) --record.load()->alive;
   return moved;
 }
 void* memalign(size_t alignment, size_t bytes) {
-  return Strikes(Call::kMalloc, bytes) ? NoMemory() : Counted(__libc_memalign(alignment, bytes));
+  return Strikes(Call::kMalloc, bytes, __builtin_return_address(0))
+             ? NoMemory()
+             : Counted(__libc_memalign(alignment, bytes));
 }
 void* aligned_alloc(size_t alignment, size_t bytes) { return memalign(alignment, bytes); }
 int posix_memalign(void** block, size_t alignment, size_t bytes) {
