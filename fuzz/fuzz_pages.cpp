@@ -132,8 +132,9 @@ class Painter {
   // What a side lacks in row `y`, in pixels.
   int32_t Lack(int32_t y) {
     if (page_.depth == 0) return 0;
-    if (!page_.isCurved)
+    if (!page_.isCurved) {
       return static_cast<int32_t>(chance_.Next() % static_cast<uint32_t>(page_.depth + 1));
+    }
     const double bow = 2.0 * y / page_.imageHeight - 1;
     return static_cast<int32_t>(page_.depth * (1 - bow * bow));
   }

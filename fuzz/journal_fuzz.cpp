@@ -36,7 +36,7 @@ class Folder {
 
   std::string At(const char* name) const { return path_ + "/" + name; }
   std::string Put(const char* name, std::string_view text) const {
-    const std::string path = At(name);
+    std::string path = At(name);
     std::FILE* file = std::fopen(path.c_str(), "wb");
     Require(file != nullptr && std::fwrite(text.data(), 1, text.size(), file) == text.size() &&
                 std::fclose(file) == 0,

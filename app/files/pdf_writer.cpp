@@ -118,7 +118,7 @@ Filter FilterOf(const PdfPicture& picture) {
 }
 
 // The colour space of the picture that a page had: a JPEG picture's numbers still mean the same.
-Object FormerColourSpace(Object page, const PdfPicture& picture) {
+Object FormerColourSpace(const Object& page, const PdfPicture& picture) {
   QPDFPageObjectHelper helper(page);
   for (const auto& [name, stream] : helper.getImages()) {
     Object space = Object(stream).getDict().getKey("/ColorSpace");
