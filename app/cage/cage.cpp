@@ -9,6 +9,9 @@ namespace vorlane::cage {
 
 Cage::Cage(const files::Decoders& decoders, files::HelperWalls helpers, const CageLimits& limits)
     : limits_(limits), helpers_(helpers) {
+#if defined(VORLANE_HAS_NO_WALLS)
+  throw CageError("this build watches its decoders by a sanitizer");
+#endif
   try {
     keeper_ = std::make_unique<Keeper>(
         [&decoders](Descriptor end) { DecodeWhatIsAsked(std::move(end), decoders); });
