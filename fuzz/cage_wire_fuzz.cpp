@@ -28,7 +28,9 @@ void ReadPicture(Bytes bytes) {
   try {
     files::Page page;
     const cage::PictureShape shape = cage::ReadPage(bytes, &page);
-    Require(shape.width >= 0 && shape.height >= 0, "no picture has a size below 0");
+    Require(shape.width > 0 && shape.height > 0, "every picture has a size");
+    Require(shape.bitsPerPixel == 1 || shape.bitsPerPixel == 8 || shape.bitsPerPixel == 24,
+            "a page is of 1, 8 or 24 bits");
   } catch (const cage::WireError& error) {
     Require(error.what()[0] != '\0', "a refusal has words");
   }
