@@ -1,5 +1,7 @@
 #include "block_memory.h"
 
+#include <algorithm>
+#include <atomic>
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -8,6 +10,20 @@
 #include <sys/mman.h>
 
 #include "frame/large_pages.h"
+#endif
+
+#if defined(__has_feature)
+#define IMGBUF_HAS_FEATURE(feature) __has_feature(feature)
+#else
+#define IMGBUF_HAS_FEATURE(feature) 0
+#endif
+#if defined(__SANITIZE_ADDRESS__) || IMGBUF_HAS_FEATURE(address_sanitizer)
+#include <sanitizer/asan_interface.h>
+#else
+#define ASAN_POISON_MEMORY_REGION(address, size) \
+  (static_cast<void>(address), static_cast<void>(size))
+#define ASAN_UNPOISON_MEMORY_REGION(address, size) \
+  (static_cast<void>(address), static_cast<void>(size))
 #endif
 
 namespace imgbuf {
@@ -31,9 +47,78 @@ void* PlaceBlock(void* base, size_t mappedBytes) {
 #if defined(__linux__)
 using vorlanepic::frame::kLargePage;
 
+void Unmap(BlockHeader* block) {
+  const BlockHeader header = *block;
+  munmap(header.base, header.bytes);
+}
+
+// Where a released image is still used, the address sanitizer tells.
+void Forbid(BlockHeader* block) {
+  ASAN_POISON_MEMORY_REGION(block + 1, block->bytes - sizeof(*block));
+}
+void Allow(BlockHeader* block) {
+  ASAN_UNPOISON_MEMORY_REGION(block + 1, block->bytes - sizeof(*block));
+}
+
+// The mapping released last: touching fresh memory for the first time costs more than clearing what
+// is there, on virtual machines many times as much.
+class KeptMapping {
+ public:
+  constexpr KeptMapping() = default;
+  KeptMapping(const KeptMapping&) = delete;
+  KeptMapping& operator=(const KeptMapping&) = delete;
+  // When the library is unloaded; others may release images even later.
+  ~KeptMapping() { Limit(0); }
+
+  size_t Limit(size_t bytes) {
+    const size_t before = most_.exchange(std::min(bytes, kMostKept));
+    Trim();
+    return before;
+  }
+
+  void Trim() { Drop(block_.exchange(nullptr)); }
+
+  // Keeps `block` in place of the one before, or gives it back to the system.
+  void Keep(BlockHeader* block) {
+    if (block->bytes > most_.load(std::memory_order_relaxed)) {
+      Unmap(block);
+      return;
+    }
+    Forbid(block);
+    Drop(block_.exchange(block));
+  }
+
+  // The kept block if it holds `length` bytes and not over twice as many, cleared; else null.
+  void* Take(size_t length) {
+    BlockHeader* block = block_.exchange(nullptr);
+    if (block == nullptr) return nullptr;
+    if (block->bytes < length || block->bytes / 2 > length) {
+      BlockHeader* none = nullptr;
+      if (!block_.compare_exchange_strong(none, block)) Drop(block);
+      return nullptr;
+    }
+    Allow(block);
+    std::memset(block + 1, 0, length - sizeof(BlockHeader));
+    return block + 1;
+  }
+
+ private:
+  static void Drop(BlockHeader* block) {
+    if (block == nullptr) return;
+    Allow(block);
+    Unmap(block);
+  }
+
+  std::atomic<BlockHeader*> block_{nullptr};
+  std::atomic<size_t> most_{kMostKept};
+};
+
+KeptMapping kept;
+
 // A mapping that begins on a large page, so that the system can back all of it with such pages.
 void* MapLargePages(size_t bytes) {
   const size_t length = (bytes + kLargePage - 1) / kLargePage * kLargePage;
+  if (void* block = kept.Take(bytes)) return block;
   const size_t reserved = length + kLargePage;
   void* raw = mmap(nullptr, reserved, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (raw == MAP_FAILED) return nullptr;
@@ -62,14 +147,28 @@ void* AllocateBlock(size_t bytes) {
 
 void ReleaseBlock(void* block) {
   if (block == nullptr) return;
-  const BlockHeader header = *(static_cast<BlockHeader*>(block) - 1);
+  BlockHeader* header = static_cast<BlockHeader*>(block) - 1;
 #if defined(__linux__)
-  if (header.bytes > 0) {
-    munmap(header.base, header.bytes);
+  if (header->bytes > 0) {
+    kept.Keep(header);
     return;
   }
 #endif
-  std::free(header.base);
+  std::free(header->base);
+}
+
+size_t LimitKeptBytes([[maybe_unused]] size_t bytes) {
+#if defined(__linux__)
+  return kept.Limit(bytes);
+#else
+  return 0;
+#endif
+}
+
+void TrimKeptBlock() {
+#if defined(__linux__)
+  kept.Trim();
+#endif
 }
 
 }  // namespace imgbuf

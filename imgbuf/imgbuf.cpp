@@ -1,5 +1,6 @@
 #include "vorlanepic/imgbuf.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 
@@ -91,6 +92,15 @@ int32_t IMGBUF_CALL Imgbuf_Destory(ImageRec* image) noexcept {
   imgbuf::ReleaseBlock(image->rows);
   *image = {};
   return kOk;
+}
+
+int32_t IMGBUF_CALL Imgbuf_Trim() noexcept {
+  imgbuf::TrimKeptBlock();
+  return kOk;
+}
+
+int32_t IMGBUF_CALL Imgbuf_KeepLimit(int32_t bytes) noexcept {
+  return static_cast<int32_t>(imgbuf::LimitKeptBytes(static_cast<size_t>(std::max(bytes, 0))));
 }
 
 int32_t IMGBUF_CALL ImgbufNew(DibRec* image, int32_t width, int32_t height,

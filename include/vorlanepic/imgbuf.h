@@ -89,6 +89,20 @@ IMGBUF_API int32_t IMGBUF_CALL Imgbuf_Check(const ImageRec* image) IMGBUF_NOEXCE
 IMGBUF_API int32_t IMGBUF_CALL Imgbuf_Destory(ImageRec* image) IMGBUF_NOEXCEPT;
 
 /*
+ * Gives the memory that is kept back to the system. On Linux the block of the image released last,
+ * of either kind, is kept for the next image if it takes 2 to 64 MB; it is cleared before it
+ * serves again. When the library is unloaded nothing stays. Returns 0.
+ */
+IMGBUF_API int32_t IMGBUF_CALL Imgbuf_Trim(void) IMGBUF_NOEXCEPT;
+
+/*
+ * Sets how many bytes are kept at most, for the whole process; 0 or less: none. It is 64 MB at
+ * first, and no more than that. What is kept is given back. Returns the limit before; 0 where the
+ * system's library keeps nothing.
+ */
+IMGBUF_API int32_t IMGBUF_CALL Imgbuf_KeepLimit(int32_t bytes) IMGBUF_NOEXCEPT;
+
+/*
  * Makes a device-independent image in *image: one block laid out as a BMP file (file header,
  * 40-byte information header, a grey ramp as colour table for 1 and 8 bits, rows of 0), so that
  * everything from fileHeader on can be written to disk as it stands. Its length in bytes is the

@@ -1,5 +1,6 @@
 #include "vorlanepic/imgbuf.h"
 
+#include <algorithm>
 #include <cstring>
 #include <thread>
 #include <tuple>
@@ -7,6 +8,10 @@
 #include <gtest/gtest.h>
 
 #include "support/failing_heap.h"
+
+#if defined(__linux__)
+#include <sys/mman.h>
+#endif
 
 namespace {
 
@@ -119,11 +124,52 @@ TEST(ImgbufNew, ReportsExhaustedMemoryAndLeavesTheRecord) {
   EXPECT_EQ(image.pixels, nullptr);
 }
 
+#if defined(__linux__)
+// Whether the page of memory at `address` is there at all.
+bool IsMapped(const uint8_t* address) {
+  const auto page = reinterpret_cast<uintptr_t>(address) / 4096 * 4096;
+  unsigned char isResident = 0;
+  return mincore(reinterpret_cast<void*>(page), 1, &isResident) == 0;
+}
+
+// Where an image of 8 bits lay that was filled and released.
+const uint8_t* PlaceOfReleased(int32_t width, int32_t height) {
+  ImageRec image{};
+  EXPECT_EQ(Imgbuf_New(&image, width, height, 8, 0), 0);
+  const auto bytes = static_cast<size_t>(image.imageBytes);
+  EXPECT_EQ(std::count(image.pixels, image.pixels + bytes, 0), image.imageBytes);
+  std::memset(image.pixels, 0xFF, bytes);
+  const uint8_t* pixels = image.pixels;
+  EXPECT_EQ(Imgbuf_Destory(&image), 0);
+  return pixels;
+}
+
+TEST(KeptBlock, ServesTheNextImageClearedAndIsGivenBack) {
+  ASSERT_EQ(Imgbuf_KeepLimit(INT32_MAX), 64 << 20);
+  const uint8_t* first = PlaceOfReleased(3000, 3000);
+  EXPECT_EQ(PlaceOfReleased(3000, 3000), first);
+  EXPECT_NE(PlaceOfReleased(3000, 1000), first);  // under half of it: the large one is dropped
+  EXPECT_FALSE(IsMapped(first));
+
+  const uint8_t* kept = PlaceOfReleased(4000, 2000);
+  EXPECT_TRUE(IsMapped(kept));
+  EXPECT_EQ(Imgbuf_Trim(), 0);
+  EXPECT_FALSE(IsMapped(kept));
+  EXPECT_FALSE(IsMapped(PlaceOfReleased(9000, 8000)));  // over 64 MB
+
+  kept = PlaceOfReleased(4000, 2000);
+  EXPECT_EQ(Imgbuf_KeepLimit(-1), 64 << 20);
+  EXPECT_FALSE(IsMapped(kept));
+  EXPECT_FALSE(IsMapped(PlaceOfReleased(4000, 2000)));
+  EXPECT_EQ(Imgbuf_KeepLimit(64 << 20), 0);
+}
+#endif
+
 TEST(ImgbufNew, ServesTwoThreadsAtOnce) {
   const auto work = [] {
     for (int i = 0; i < 200; ++i) {
       ImageRec image{};
-      ASSERT_EQ(Imgbuf_New(&image, 40 + i * 20, 500, 8, 0), 0);
+      ASSERT_EQ(Imgbuf_New(&image, 40 + i * 50, 500, 8, 0), 0);
       image.rows[499][0] = 1;
       ASSERT_EQ(Imgbuf_Destory(&image), 0);
     }
