@@ -19,6 +19,7 @@
 
 #include "drawn_calls/drawn_calls.h"
 #include "fault_record.h"
+#include "vorlanepic/imgbuf.h"
 
 namespace vorlane::faults {
 namespace {
@@ -214,5 +215,6 @@ int Main(const std::vector<std::string>& words) {
 }  // namespace vorlane::faults
 
 int main(int argc, char** argv) {
+  Imgbuf_KeepLimit(0);  // so that images ask the system for memory, which can be refused
   return vorlane::faults::Main(std::vector<std::string>(argv + 1, argv + argc));
 }
