@@ -92,11 +92,9 @@ Decision DecisionFor(const PageWords& words) {
 
 // Quarters that the page is turned by before angle and corners count.
 int32_t QuartersIn(const Json& object) {
-  const int32_t degrees = object.value("rotate", 0);
-  if (degrees % 90 != 0 || degrees < 0 || degrees > 270) {
-    throw LineError{"rotate is none of 0, 90, 180 and 270"};
-  }
-  return degrees;
+  const int64_t degrees = WholeNumber(object, "rotate", 0, 0, 270);
+  if (degrees % 90 != 0) throw LineError{"rotate is none of 0, 90, 180 and 270"};
+  return static_cast<int32_t>(degrees);
 }
 
 InputFile FileIn(const Json& object) {
@@ -114,7 +112,7 @@ class Reader {
   // A line of a report.
   void Add(const Json& object, const std::string& report, int64_t line) {
     InputFile file = FileIn(object);
-    const int32_t number = object.value("page", 0);
+    const int32_t number = PageNumberIn(object);
     if (number < 1) return;  // the file itself failed: there is nothing to make
     const auto [at, isNew] = places_.emplace(file.path, decisions_.files.size());
     if (isNew) decisions_.files.push_back(file);
@@ -134,7 +132,7 @@ class Reader {
   // A line of decisions about a page that the report tells of.
   void Lay(const Json& object, const std::string& report, int64_t line) {
     const InputFile file = FileIn(object);
-    const int32_t number = object.value("page", 0);
+    const int32_t number = PageNumberIn(object);
     PageWords* known = Find(file.path, number);
     if (known == nullptr) {
       throw LineError{"the report does not tell of page " + std::to_string(number) + " of " +
@@ -215,7 +213,7 @@ InputFile InputOf(const nlohmann::ordered_json& line) {
   file.path = TakeName("file", line);
   file.dir = TakeName("dir", line);
   file.place = (fs::path(file.dir) / fs::path(file.path).filename()).native();
-  file.expected = {line.value("inputSize", int64_t{-1}),
+  file.expected = {WholeNumber(line, "inputSize", -1, -1, int64_t{1} << 62),
                    line.value("inputModified", std::string())};
   return file;
 }

@@ -51,9 +51,10 @@ std::string StringOf(const nlohmann::ordered_json& object, const char* key) {
 }
 
 void TakeFields(const nlohmann::ordered_json& object, JournalEntry* entry) {
-  entry->number = object.value("page", 0);
-  entry->count = object.value("pages", 0);
-  entry->input = {object.value("inputSize", int64_t{-1}), StringOf(object, "inputModified")};
+  entry->number = PageNumberIn(object);
+  entry->count = static_cast<int32_t>(WholeNumber(object, "pages", 0, 0, INT32_MAX));
+  entry->input = {WholeNumber(object, "inputSize", -1, -1, int64_t{1} << 62),
+                  StringOf(object, "inputModified")};
   entry->result = StringOf(object, "result");
   entry->trust = StringOf(object, "confidence");
   entry->output = TakeName("output", object);

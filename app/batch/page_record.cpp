@@ -1,5 +1,7 @@
 #include "app/batch/page_record.h"
 
+#include <cmath>
+
 #include "app/batch/printable_name.h"
 
 namespace vorlane::batch {
@@ -104,6 +106,34 @@ nlohmann::ordered_json ParseLine(std::string_view line) {
     return depth <= kDeepest;
   };
   return nlohmann::ordered_json::parse(line, isShallow);
+}
+
+int64_t WholeNumber(const nlohmann::ordered_json& object, const char* key, int64_t otherwise,
+                    int64_t least, int64_t most) {
+  struct NumberError : nlohmann::ordered_json::exception {
+    explicit NumberError(const std::string& words) : exception(0, words.c_str()) {}
+  };
+  const auto at = object.find(key);
+  if (at == object.end()) return otherwise;
+  bool isInRange = false;
+  if (at->is_number_unsigned()) {
+    isInRange = at->get<uint64_t>() <= static_cast<uint64_t>(most);
+  } else if (at->is_number_integer()) {
+    isInRange = at->get<int64_t>() >= least && at->get<int64_t>() <= most;
+  } else if (at->is_number_float()) {
+    const auto number = at->get<double>();
+    isInRange = number >= static_cast<double>(least) && number <= static_cast<double>(most) &&
+                number == std::trunc(number);
+  }
+  if (!isInRange) {
+    throw NumberError(std::string(key) + " is no whole number from " + std::to_string(least) +
+                      " to " + std::to_string(most));
+  }
+  return at->get<int64_t>();
+}
+
+int32_t PageNumberIn(const nlohmann::ordered_json& object) {
+  return static_cast<int32_t>(WholeNumber(object, "page", 0, 0, INT32_MAX));
 }
 
 }  // namespace vorlane::batch

@@ -70,6 +70,13 @@ std::string Dump(const nlohmann::ordered_json& object);
 // many calls within each other.
 nlohmann::ordered_json ParseLine(std::string_view line);
 
+// The whole number at `key` of an object, or `otherwise` where there is none. Throws
+// nlohmann::json::exception when it is no number, has a fraction, or is beyond `most`, 2^62 at
+// most, or below `least`: converted unseen it could be any.
+int64_t WholeNumber(const nlohmann::ordered_json& object, const char* key, int64_t otherwise,
+                    int64_t least, int64_t most);
+int32_t PageNumberIn(const nlohmann::ordered_json& object);  // 0 where none is named
+
 const char* NameOf(PageFate fate);
 const char* ResultName(const PageRecord& record);
 

@@ -71,8 +71,8 @@ void ReadPdfPage(const ByteSource& source, const PdfPage& pdf, int32_t number,
   const std::string only = std::to_string(number);
   const HelperResult result = RunHelper(
       FindProgram(kProgram),
-      {"-j", "-tiff", "-f", only, "-l", only, "/dev/stdin", folder.At("page")}, source.handle(),
-      {kOwnMemory + kMemoryAPixel * pixels, kOwnFile + kFileAPixel * pixels},
+      {"-j", "-tiff", "-f", only, "-l", only, "/proc/self/fd/0", folder.At("page")},
+      source.handle(), {kOwnMemory + kMemoryAPixel * pixels, kOwnFile + kFileAPixel * pixels},
       DecodersOf(limits).helperWalls(), folder.path());
   Hear(result, page);
   const std::vector<std::string> pictures = folder.Files();

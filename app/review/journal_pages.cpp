@@ -46,12 +46,12 @@ class Collector {
   void Add(const Json& line, Sureness sureness) {
     ++pages_.counts[static_cast<size_t>(sureness)];
     const batch::InputFile input = batch::InputOf(line);
-    const int32_t number = line.value("page", 0);
+    const int32_t number = batch::PageNumberIn(line);
     if (number > 0) {
       pages_.places[input.path][number] = pages_.facts.size();
       batch::InputFile* known = InputFor(input);
       known->pages.push_back(number);
-      known->turns[number] = line.value("rotate", 0);
+      known->turns[number] = static_cast<int32_t>(batch::WholeNumber(line, "rotate", 0, 0, 270));
     }
     pages_.facts.push_back(batch::Dump(FactsOf(line, input.path, sureness)));
   }
@@ -97,7 +97,11 @@ JournalPages ReadJournalPages(const std::string& path, Sureness most) {
   for (const std::string& whole : lines) {
     const Json line = batch::ParseLine(whole);
     const Sureness sureness = SurenessOf(line);
-    if (sureness <= most) collector.Add(line, sureness);
+    try {
+      if (sureness <= most) collector.Add(line, sureness);
+    } catch (const Json::exception& error) {
+      throw files::UsageError(path + ": " + error.what());
+    }
   }
   JournalPages pages = collector.Take();
   for (batch::InputFile& input : pages.inputs) std::sort(input.pages.begin(), input.pages.end());

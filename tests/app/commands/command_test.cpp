@@ -143,10 +143,17 @@ TEST(ApplyTest, MakesThePagesOfAReport) {
   EXPECT_EQ(folder.Run("apply found.jsonl --decisions some.jsonl -o some/").exit, 0);
   EXPECT_TRUE(folder.Bytes("some/a.png") == folder.Bytes("out/a.png"));
   EXPECT_EQ(folder.Read("some/b.png")[0].image.rec()->width, 50);
-  folder.WriteText("some.jsonl", R"({"file":"b.png","page":2,"decision":"leave"})");
-  const CommandResult unknown = folder.Run("apply found.jsonl --decisions some.jsonl -o none/");
-  EXPECT_EQ(unknown.exit, 2);
-  EXPECT_THAT(unknown.err, HasSubstr("some.jsonl: line 1: the report does not tell of page 2"));
+  for (const auto& [number, words] :
+       {std::pair{"2", "the report does not tell of page 2"},
+        std::pair{"92233720368547758081", "no whole number"}, std::pair{"1.5", "no whole number"},
+        std::pair{"-1", "no whole number"}}) {
+    folder.WriteText("some.jsonl",
+                     std::string(R"({"file":"b.png","decision":"leave","page":)") + number + "}");
+    const CommandResult unknown = folder.Run("apply found.jsonl --decisions some.jsonl -o none/");
+    EXPECT_EQ(unknown.exit, 2);
+    EXPECT_THAT(unknown.err, HasSubstr("some.jsonl: line 1: "));
+    EXPECT_THAT(unknown.err, HasSubstr(words));
+  }
 
   // The line that a killed run was writing; one that is torn elsewhere is no report's.
   folder.WriteText("torn.jsonl", folder.Bytes("found.jsonl") + R"({"file":"c.pn)");
