@@ -139,74 +139,54 @@ double Median(std::vector<double> values) {
   return *middle;
 }
 
+// Two ways to treat the same scans in turns, each first as often as the other: what `second` takes
+// and how it compares with `first`.
+template <typename First, typename Second>
 void Compare(const Kind& kind, double megapixels, int32_t count, int32_t rounds,
-             const std::string& folder) {
-  const std::string from = folder + "/in";
-  WriteScans(kind, megapixels, count, from);
-  std::vector<double> batchMs;
-  std::vector<double> codecMs;
+             const std::string& folder, const First& first, const Second& second) {
+  WriteScans(kind, megapixels, count, folder + "/in");
+  std::vector<double> firstMs;
+  std::vector<double> secondMs;
   std::vector<double> wallRatios;
   std::vector<double> processorRatios;
   for (int32_t round = 0; round < rounds; ++round) {
-    const Taken codecs = Measure([&] { CopyAll(from, folder + "/copies"); });
-    const Taken pages = Measure([&] { Straighten(from, folder + "/pages"); });
-    batchMs.push_back(pages.wall / count);
-    codecMs.push_back(codecs.wall / count);
-    wallRatios.push_back(pages.wall / codecs.wall);
-    processorRatios.push_back(pages.processor / codecs.processor);
-  }
-  std::printf("| %s | %.1f | %.1f | %.2f | %.2f |\n", kind.name, Median(batchMs), Median(codecMs),
-              Median(wallRatios), Median(processorRatios));
-  (void)std::fflush(stdout);
-  for (const char* name : {"/in", "/copies", "/pages"}) fs::remove_all(folder + name);
-}
-
-// In turns, each first as often as the other.
-void CompareSandbox(const Kind& kind, double megapixels, int32_t count, int32_t rounds,
-                    const std::string& folder) {
-  const std::string from = folder + "/in";
-  WriteScans(kind, megapixels, count, from);
-  std::vector<double> openMs;
-  std::vector<double> wallRatios;
-  std::vector<double> processorRatios;
-  for (int32_t round = 0; round < rounds; ++round) {
-    Taken taken[2];
+    Taken taken[2] = {};
     for (int32_t turn = 0; turn < 2; ++turn) {
-      const int32_t isCaged = (round + turn) % 2;
-      taken[isCaged] = Measure([&] {
-        Straighten(from, folder + "/pages",
-                   isCaged != 0 ? batch::Sandbox::kOn : batch::Sandbox::kOff);
-      });
+      const bool isSecond = (round + turn) % 2 != 0;
+      taken[isSecond ? 1 : 0] = isSecond ? Measure(second) : Measure(first);
     }
-    openMs.push_back(taken[0].wall / count);
+    firstMs.push_back(taken[0].wall / count);
+    secondMs.push_back(taken[1].wall / count);
     wallRatios.push_back(taken[1].wall / taken[0].wall);
     processorRatios.push_back(taken[1].processor / taken[0].processor);
   }
-  std::printf("| %s | %.1f | %.3f | %.3f |\n", kind.name, Median(openMs), Median(wallRatios),
-              Median(processorRatios));
+  std::printf("| %s | %.1f | %.1f | %.3f | %.3f |\n", kind.name, Median(secondMs), Median(firstMs),
+              Median(wallRatios), Median(processorRatios));
   (void)std::fflush(stdout);
-  for (const char* name : {"/in", "/pages"}) fs::remove_all(folder + name);
+  for (const char* name : {"/in", "/copies", "/pages"}) fs::remove_all(folder + name);
 }
 
 void CompareAll(bool isBrief, bool isOfSandbox) {
   batch::KeepFreedMemory();  // for the codecs alone as well
   std::string folder = (fs::temp_directory_path() / "vorlane-batch-XXXXXX").native();
   if (::mkdtemp(folder.data()) == nullptr) throw std::runtime_error("no temporary folder");
-  if (isOfSandbox) {
-    std::printf("### A batch with and without its sandbox, two threads\n\n");
-    std::printf("| pages | ms a page without | times with, by the clock | by processor time |\n");
-    std::printf("|---|--:|--:|--:|\n");
-  } else {
-    std::printf("### A batch beside its codecs, two threads\n\n");
-    std::printf("| pages | ms a page | codecs alone | times, by the clock | by processor time |\n");
-    std::printf("|---|--:|--:|--:|--:|\n");
-  }
+  std::printf("### A batch beside %s, two threads\n\n",
+              isOfSandbox ? "the same without its sandbox" : "its codecs");
+  std::printf("| pages | ms a page | %s | times, by the clock | by processor time |\n",
+              isOfSandbox ? "without" : "codecs alone");
+  std::printf("|---|--:|--:|--:|--:|\n");
   const double megapixels = isBrief ? 0.3 : kA4;
+  const std::string from = folder + "/in";
+  const std::string pages = folder + "/pages";
+  const auto open = [&] { Straighten(from, pages); };
   for (const Kind& kind : kKinds) {
     if (isOfSandbox) {
-      CompareSandbox(kind, megapixels, isBrief ? 2 : 24, isBrief ? 1 : 8, folder);
+      Compare(kind, megapixels, isBrief ? 2 : 24, isBrief ? 1 : 8, folder, open,
+              [&] { Straighten(from, pages, batch::Sandbox::kOn); });
     } else {
-      Compare(kind, megapixels, isBrief ? 2 : 16, isBrief ? 1 : 5, folder);
+      Compare(
+          kind, megapixels, isBrief ? 2 : 16, isBrief ? 1 : 5, folder,
+          [&] { CopyAll(from, folder + "/copies"); }, open);
     }
   }
   std::printf("\n");

@@ -117,8 +117,8 @@ KeptMapping kept;
 
 // A mapping that begins on a large page, so that the system can back all of it with such pages.
 void* MapLargePages(size_t bytes) {
-  const size_t length = (bytes + kLargePage - 1) / kLargePage * kLargePage;
   if (void* block = kept.Take(bytes)) return block;
+  const size_t length = (bytes + kLargePage - 1) / kLargePage * kLargePage;
   const size_t reserved = length + kLargePage;
   void* raw = mmap(nullptr, reserved, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
   if (raw == MAP_FAILED) return nullptr;

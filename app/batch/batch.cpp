@@ -15,7 +15,6 @@
 #include "app/batch/decoder_choice.h"
 #include "app/batch/exit_codes.h"
 #include "app/batch/folder_lock.h"
-#include "app/batch/freed_memory.h"
 #include "app/batch/input_work.h"
 #include "app/batch/plan.h"
 #include "app/batch/printable_name.h"
@@ -101,7 +100,6 @@ class Run {
 
   // On as many threads as there are to be had; the caller's is one of them.
   void WorkAll() {
-    KeepFreedMemory();
     const size_t jobs = std::max<size_t>(JobsFor(request_), 1);
     std::vector<std::thread> threads;
     try {

@@ -3,12 +3,14 @@
 #include <cstdio>
 #include <string>
 
+#include "app/batch/freed_memory.h"
 #include "app/batch/printable_name.h"
 #include "app/cage/cage.h"
 
 namespace vorlane::batch {
 
 std::unique_ptr<files::Decoders> DecodersFor(const BatchRequest& request) {
+  KeepFreedMemory();  // before the decoders' processes are made, which take it over
   if (request.sandbox == Sandbox::kOff) return nullptr;
   static const files::OwnDecoders kDecoders;
   try {

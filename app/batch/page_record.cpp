@@ -116,8 +116,8 @@ int64_t WholeNumber(const nlohmann::ordered_json& object, const char* key, int64
   const auto at = object.find(key);
   if (at == object.end()) return otherwise;
   bool isInRange = false;
-  if (at->is_number_unsigned()) {
-    isInRange = at->get<uint64_t>() <= static_cast<uint64_t>(most);
+  if (at->is_number_unsigned() && at->get<uint64_t>() > INT64_MAX) {
+    isInRange = false;
   } else if (at->is_number_integer()) {
     isInRange = at->get<int64_t>() >= least && at->get<int64_t>() <= most;
   } else if (at->is_number_float()) {

@@ -120,11 +120,12 @@ void FillPlace(BlockRec* block) {
   block->state = BLOCK_GROWING;
 }
 
-// A block with all that was merged into it.
+// The record's place that a block which grows on has; -1: none.
 int32_t PlaceOf(const GrowingBlock& block) {
   return block.early != nullptr ? block.early->place : -1;
 }
 
+// A block with all that was merged into it.
 struct BlockSize {
   uint64_t points;      // of the rows that are there
   bool hasEarlyPoints;  // of rows that were let go
@@ -298,7 +299,7 @@ void BlockHandBack::DropMergedPlaces(BlockGrowth* growth) {
   int32_t firstDropped = end_;
   for (int32_t b = 0; b < growth->blockCount(); ++b) {
     const GrowingBlock& block = growth->block(b);
-    if (block.early == nullptr || block.early->place < 0 || block.parent == b) continue;
+    if (PlaceOf(block) < 0 || block.parent == b) continue;
     firstDropped = std::min(firstDropped, block.early->place);
     block.early->place = -1;
   }

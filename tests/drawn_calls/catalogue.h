@@ -14,6 +14,23 @@
 
 namespace vorlanepic::testing {
 
+// A sheet with text in the middle of a picture, its sides in parts of the picture's.
+inline TestImage DrawnSheet(int32_t bitsPerPixel, double degrees, int32_t width, int32_t height,
+                            double pageWidth, double pageHeight) {
+  DrawnPage page;
+  page.imageWidth = width;
+  page.imageHeight = height;
+  page.pageWidth = width * pageWidth;
+  page.pageHeight = height * pageHeight;
+  page.centerX = width / 2;
+  page.centerY = height / 2;
+  page.bitsPerPixel = bitsPerPixel;
+  page.degrees = degrees;
+  page.text = true;
+  page.noise = bitsPerPixel == 1 ? 0 : 6;
+  return DrawPage(page);
+}
+
 struct Page {
   std::string name;
   TestImage image;

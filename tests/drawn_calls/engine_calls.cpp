@@ -2,6 +2,7 @@
 #include <memory>
 #include <utility>
 
+#include "drawn_calls/catalogue.h"
 #include "drawn_calls/checksum.h"
 #include "drawn_calls/drawn_calls.h"
 #include "support/page_drawing.h"
@@ -163,21 +164,6 @@ void AddPage(const std::string& name, const TestImage& drawn, const Format& form
   });
 }
 
-TestImage DrawSheet(int32_t bitsPerPixel, double degrees, int32_t width, int32_t height) {
-  DrawnPage page;
-  page.imageWidth = width;
-  page.imageHeight = height;
-  page.pageWidth = width * 0.6;
-  page.pageHeight = height * 0.65;
-  page.centerX = width / 2;
-  page.centerY = height / 2;
-  page.bitsPerPixel = bitsPerPixel;
-  page.degrees = degrees;
-  page.text = true;
-  page.noise = bitsPerPixel == 1 ? 0 : 6;
-  return DrawPage(page);
-}
-
 }  // namespace
 
 std::vector<DrawnCall> EngineCalls(Extent extent) {
@@ -187,8 +173,8 @@ std::vector<DrawnCall> EngineCalls(Extent extent) {
   const std::vector<double> turns = isBroad ? std::vector{1.7, -4.2, 13.0} : std::vector{2.0};
   for (const double degrees : turns) {
     for (const Format& format : kFormats) {
-      const TestImage drawn = isBroad ? DrawSheet(format.drawnBits, degrees, 601, 760)
-                                      : DrawSheet(format.drawnBits, degrees, 260, 320);
+      const TestImage drawn = DrawnSheet(format.drawnBits, degrees, isBroad ? 601 : 260,
+                                         isBroad ? 760 : 320, 0.6, 0.65);
       AddPage(std::to_string(degrees) + " degrees", drawn, format, &calls);
     }
   }

@@ -209,20 +209,9 @@ void AddImageLibrary(const SharedPage& page, Catalogue* calls) {
 // The sheet's sides are `share` times as long as for the broad calls.
 SharedPage DrawSheet(int32_t bitsPerPixel, double degrees, int32_t width, int32_t height,
                      double share = 1.0) {
-  DrawnPage page;
-  page.imageWidth = width;
-  page.imageHeight = height;
-  page.pageWidth = width * 0.47 * share;
-  page.pageHeight = height * 0.57 * share;
-  page.centerX = width / 2;
-  page.centerY = height / 2;
-  page.bitsPerPixel = bitsPerPixel;
-  page.degrees = degrees;
-  page.text = true;
-  page.noise = bitsPerPixel == 1 ? 0 : 6;
   return std::make_shared<Page>(
       std::to_string(bitsPerPixel) + " bits, " + std::to_string(degrees) + " degrees",
-      DrawPage(page));
+      DrawnSheet(bitsPerPixel, degrees, width, height, 0.47 * share, 0.57 * share));
 }
 
 SharedPage DrawForm(int32_t bitsPerPixel, bool isTall, double scale) {
